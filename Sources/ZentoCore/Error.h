@@ -1,0 +1,55 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace zento {
+
+/// What a function could not do. `what()` is one sentence a user can read.
+///
+/// Our own failures carry the domain "Zento" and a small code that is unique per cause; failures of
+/// the system carry the domain "errno" and its number.
+class Error : public std::runtime_error {
+public:
+    Error(int code, const std::string& description)
+        : Error("Zento", code, description)
+    {
+    }
+
+    Error(std::string domain, int code, const std::string& description)
+        : std::runtime_error(description)
+        , m_domain(std::move(domain))
+        , m_code(code)
+    {
+    }
+
+    const std::string& domain() const { return m_domain; }
+    int code() const { return m_code; }
+
+private:
+    std::string m_domain;
+    int m_code = 0;
+};
+
+/// The codes of the domain "Zento".
+namespace ErrorCode {
+inline constexpr int kUndecodable = 0; // a document that is not what it should be
+inline constexpr int kNoVideoTrack = 1;
+inline constexpr int kReadingFailed = 2;
+inline constexpr int kWriterNotStarted = 3;
+inline constexpr int kNoPicturePool = 4;
+inline constexpr int kNoPicture = 5;
+inline constexpr int kAppendRefused = 6;
+inline constexpr int kFilmNotFinished = 7;
+inline constexpr int kNoDisplay = 20;
+inline constexpr int kMovieNotStarted = 21;
+inline constexpr int kMovieNotFinished = 22;
+inline constexpr int kNoFrames = 23;
+inline constexpr int kWindowGone = 24;
+inline constexpr int kNoInput = 25;
+} // namespace ErrorCode
+
+/// An `Error` of the domain "errno": "{action} {path}: {the system's text}".
+Error systemError(const std::string& action, const std::string& path, int errorNumber);
+
+} // namespace zento

@@ -1,0 +1,40 @@
+# zento_module(<name> [PUBLIC deps...] [PRIVATE deps...])
+#
+# A static library of every source and header in the calling folder, headers beside sources. Modules
+# are added bottom to top in Sources/CMakeLists.txt, and a module may only depend on targets that
+# exist already: that list is the diagram, and an edge that points upwards does not configure.
+function(zento_module name)
+    cmake_parse_arguments(M "" "" "PUBLIC;PRIVATE" ${ARGN})
+    foreach(dependency IN LISTS M_PUBLIC M_PRIVATE)
+        if(NOT TARGET ${dependency})
+            message(FATAL_ERROR "${name} depends on ${dependency}, which is not a module below it")
+        endif()
+    endforeach()
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+    file(GLOB_RECURSE headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
+    add_library(${name} STATIC ${sources})
+    target_sources(${name} PUBLIC
+        FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/Sources FILES ${headers})
+    target_link_libraries(${name} PUBLIC ${M_PUBLIC} PRIVATE ${M_PRIVATE} project_options)
+endfunction()
+
+# zento_tests(<name> deps...): one Google Test program of every source in the calling folder.
+# Tests of one program may run side by side; give them a private folder where they write files.
+function(zento_tests name)
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+    add_executable(${name} ${sources})
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/Tests)
+    target_link_libraries(${name} PRIVATE ${ARGN} project_options GTest::gmock GTest::gtest_main)
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES LABELS ${name} TIMEOUT 300)
+endfunction()
+
+# zento_pkg(<target> <modules...>): a pkg-config dependency as the target PkgConfig::<target>.
+# Its headers count as system headers, so that our warnings stay ours.
+macro(zento_pkg target)
+    pkg_check_modules(${target} REQUIRED IMPORTED_TARGET GLOBAL ${ARGN})
+    get_target_property(_includes PkgConfig::${target} INTERFACE_INCLUDE_DIRECTORIES)
+    if(_includes)
+        set_target_properties(PkgConfig::${target} PROPERTIES
+            INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${_includes}")
+    endif()
+endmacro()

@@ -225,8 +225,8 @@ INSTANTIATE_TEST_SUITE_P(
             {65, 47}},
         Encoding{
             "fourFourFourTwelveBits",
-            "scale=out_color_matrix=bt709:out_range=tv,format=yuv444p12 -c:v prores_ks "
-            "-profile:v 4 -colorspace bt709 -color_range tv",
+            "scale=out_color_matrix=bt709:out_range=tv,format=yuv444p12,"
+            "setparams=colorspace=bt709:range=tv -c:v prores_ks -profile:v 4",
             "a.mov",
             10,
             {64, 48}},

@@ -81,13 +81,13 @@ Picture toFullSize(const YuvPlanes<const Sample>& source)
     return full;
 }
 
-/// BT.709 limited range to full range, in sixteenths of a bit's power of two: 65536 is one.
 struct Rgb {
     std::uint8_t red;
     std::uint8_t green;
     std::uint8_t blue;
 };
 
+/// BT.709 limited range to full range; 65536 is one.
 Rgb toRgbPixel(int y, int cb, int cr)
 {
     const int luma = 76309 * (y - 16) + 32768; // 255 / 219

@@ -2,7 +2,8 @@
 
 namespace zento {
 
-/// A point or a vector. In a session: recording pixels, origin at the top-left of the frame, y down.
+/// A point or a vector. In a session: recording pixels, origin at the top-left of the frame, y
+/// down.
 struct Vec2 {
     double x = 0;
     double y = 0;

@@ -33,7 +33,8 @@ public:
     /// At a cut this gives its near side. 0 for an empty curve; clamped at both ends.
     double outputTime(double sourceTime) const;
 
-    /// Whether a source time survives into the film. A time equal to the near knot of a cut does not.
+    /// Whether a source time survives into the film. A time equal to the near knot of a cut does
+    /// not.
     bool contains(double sourceTime) const;
 
 private:

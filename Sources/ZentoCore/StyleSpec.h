@@ -56,13 +56,13 @@ struct Pattern {
 /// The look of a frame. Lengths without a stated unit are output pixels.
 struct StyleSpec {
     using Background = std::variant<
-        Background::LinearGradient,
-        Background::Color,
-        Background::Image,
-        Background::Gradient,
-        Background::Radial,
-        Background::Blobs,
-        Background::Pattern>;
+        zento::Background::LinearGradient,
+        zento::Background::Color,
+        zento::Background::Image,
+        zento::Background::Gradient,
+        zento::Background::Radial,
+        zento::Background::Blobs,
+        zento::Background::Pattern>;
 
     Background background = zento::Background::LinearGradient{"#20242E", "#0B0D12"};
     double padding = 0.06; // margin around the recording, fraction of the canvas height

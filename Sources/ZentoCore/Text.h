@@ -7,8 +7,8 @@
 
 namespace zento {
 
-// Text is UTF-8. A character is what a reader takes for one: an extended grapheme cluster (UAX #29).
-// An ill-formed byte counts as a character of its own.
+// Text is UTF-8. A character is what a reader takes for one: an extended grapheme cluster (UAX
+// #29). An ill-formed byte counts as a character of its own.
 
 std::size_t characterCount(std::string_view text);
 

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace zento {
 
@@ -25,32 +26,36 @@ namespace zento {
 /// after the last of them. A slot may be filled by any thread.
 class ProResWriter {
     struct State;
-    struct Buffer;
 
 public:
     /// A picture of the pool, lent to the caller: 4:2:2 of 10 bits, BT.709 limited range. It holds
     /// whatever the pool left in it. Destroying it unsubmitted gives it back.
     class Slot {
     public:
-        ~Slot();
-        Slot(Slot&&) noexcept;
-        Slot& operator=(Slot&&) noexcept;
+        Slot(Slot&&) noexcept = default;
+        Slot& operator=(Slot&&) noexcept = default;
 
         const YuvPlanes<std::uint16_t>& planes() const { return m_planes; } // rows 64-byte aligned
 
     private:
         friend class ProResWriter;
-        explicit Slot(std::shared_ptr<Buffer> buffer);
+        Slot(std::shared_ptr<void> samples, const YuvPlanes<std::uint16_t>& planes)
+            : m_samples(std::move(samples))
+            , m_planes(planes)
+        {
+        }
 
-        std::shared_ptr<Buffer> m_buffer;
+        std::shared_ptr<void> m_samples; // its deleter gives them back to the pool
         YuvPlanes<std::uint16_t> m_planes;
     };
 
     /// Creates the file, replacing one that exists. `width`, `height`: pixels, positive and even.
+    /// `encoderThreads`: [1, ∞); two take the whole of two cores at 1080p with 60 pictures a
+    /// second.
     ///
     /// Throws `Error`: the system's error, naming the file, if it cannot be written; code
     /// `kMovieNotStarted` for what the encoder or the container refuses.
-    ProResWriter(const std::filesystem::path& path, int width, int height);
+    ProResWriter(const std::filesystem::path& path, int width, int height, int encoderThreads = 2);
 
     /// Without `finish` the recording is abandoned: what waits is dropped and the file is left as
     /// it is, unreadable.
@@ -81,7 +86,7 @@ public:
     void finish();
 
 private:
-    std::shared_ptr<State> m_state;
+    std::unique_ptr<State> m_state;
 };
 
 } // namespace zento

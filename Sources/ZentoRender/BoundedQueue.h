@@ -1,10 +1,11 @@
 #pragma once
 
+#include <queue>
+
 #include <condition_variable>
 #include <cstddef>
 #include <mutex>
 #include <optional>
-#include <queue>
 #include <utility>
 
 namespace zento {

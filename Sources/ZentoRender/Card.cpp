@@ -28,7 +28,10 @@ double originOnAxis(double out, double size, double center, double scale)
 } // namespace
 
 Card cardFor(
-    const CameraRig::State& camera, const OutputSpec& output, const StyleSpec& style, Vec2 sourceSize)
+    const CameraRig::State& camera,
+    const OutputSpec& output,
+    const StyleSpec& style,
+    Vec2 sourceSize)
 {
     const double outW = output.width;
     const double outH = output.height;
@@ -36,9 +39,9 @@ Card cardFor(
     const double w = sourceSize.x * scale;
     const double h = sourceSize.y * scale;
     return {
-        .origin
-        = {originOnAxis(outW, w, camera.center.x, scale),
-           originOnAxis(outH, h, camera.center.y, scale)},
+        .origin =
+            {originOnAxis(outW, w, camera.center.x, scale),
+             originOnAxis(outH, h, camera.center.y, scale)},
         .scale = scale,
         .w = w,
         .h = h};

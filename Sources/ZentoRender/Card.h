@@ -29,6 +29,9 @@ struct Card {
 /// the camera up to the canvas's edges, and in between the two positions are blended, so that a
 /// zoom starts without a jump.
 Card cardFor(
-    const CameraRig::State& camera, const OutputSpec& output, const StyleSpec& style, Vec2 sourceSize);
+    const CameraRig::State& camera,
+    const OutputSpec& output,
+    const StyleSpec& style,
+    Vec2 sourceSize);
 
 } // namespace zento

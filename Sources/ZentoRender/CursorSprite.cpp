@@ -20,8 +20,8 @@ struct Piece {
 
 std::vector<Piece> arrow()
 {
-    constexpr std::array<Vec2, 7> kCorners
-        = {{{2, 2}, {2, 28.6}, {8.2, 22.8}, {12.2, 32.2}, {16.4, 30.4}, {12.4, 21}, {20.8, 21}}};
+    constexpr std::array<Vec2, 7> kCorners = {
+        {{2, 2}, {2, 28.6}, {8.2, 22.8}, {12.2, 32.2}, {16.4, 30.4}, {12.4, 21}, {20.8, 21}}};
     return {{Path().polygon(kCorners), 3.2}};
 }
 

@@ -38,8 +38,8 @@ FrameRecipe::Ring rippleRing(const Ripple& ripple, const Card& card, double outH
         .alpha = (1 - ripple.progress) * 0.55};
 }
 
-/// The size of a pointer of the given share of the canvas height. It grows with the camera, but less
-/// than the picture does.
+/// The size of a pointer of the given share of the canvas height. It grows with the camera, but
+/// less than the picture does.
 double pointerSize(double share, double outH, const StyleSpec& style, double zoom)
 {
     return (outH * share) * (style.cursorScale * 0.5) * std::pow(zoom, 0.4);
@@ -85,6 +85,8 @@ FrameRecipe frameRecipe(
     for (const Ripple& ripple : layers.ripples)
         recipe.rings.push_back(rippleRing(ripple, card, outH, zoom));
     if (!layers.cursor || layers.cursor->alpha <= kInvisible || style.cursorStyle == "hidden")
+        return recipe;
+    if (!(style.cursorScale > 0))
         return recipe;
     const CursorState& cursor = *layers.cursor;
     const Vec2 tip = card.toOutput(cursor.pos);

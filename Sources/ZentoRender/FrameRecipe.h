@@ -20,8 +20,8 @@ struct FrameLayers {
     std::vector<Ripple> ripples;
 };
 
-/// One frame worked out: what is drawn where, on the canvas. Two frames with equal recipes and equal
-/// sources have the same pixels, so the second need not be drawn.
+/// One frame worked out: what is drawn where, on the canvas. Two frames with equal recipes and
+/// equal sources have the same pixels, so the second need not be drawn.
 ///
 /// Positions and sizes are multiples of 1/1024 pixel. No eye sees the difference, and it lets the
 /// camera's springs, which approach their target for ever, come to rest.

@@ -31,10 +31,10 @@ struct Ripple {
 
 /// The pointer in one frame.
 struct CursorState {
-    Vec2 pos;               // its tip, source pixels
-    std::string style;      // "arrow", "iBeam", "pointingHand"
-    double clickPulse = 0;  // [0, 1], strength of the click animation
-    double alpha = 1;       // [0, 1], opacity from hiding an idle pointer
+    Vec2 pos;              // its tip, source pixels
+    std::string style;     // "arrow", "iBeam", "pointingHand"
+    double clickPulse = 0; // [0, 1], strength of the click animation
+    double alpha = 1;      // [0, 1], opacity from hiding an idle pointer
     bool operator==(const CursorState&) const = default;
 };
 
@@ -43,8 +43,7 @@ std::vector<FilmClick>
 filmClicks(const EditPlan& plan, const std::vector<InputEvent>& events, const RemapCurve& curve);
 
 /// The plan's pointer path ascending by `t`, or the recording's moves as an arrow if it has none.
-std::vector<CursorSample>
-cursorTrack(const EditPlan& plan, const std::vector<InputEvent>& events);
+std::vector<CursorSample> cursorTrack(const EditPlan& plan, const std::vector<InputEvent>& events);
 
 struct CursorPlace {
     Vec2 pos;

@@ -12,8 +12,9 @@
 #include <pthread.h>
 
 #include <cmath>
-#include <format>
 #include <future>
+#include <limits>
+#include <string>
 #include <utility>
 
 namespace zento {
@@ -94,17 +95,17 @@ int checkedFrameCount(
     const OutputSpec& output, const RemapCurve& curve, const std::filesystem::path& to)
 {
     const auto refuse = [&](int code, const std::string& reason) {
-        throw Error(code, std::format("{} cannot be made: {}", to.string(), reason));
+        throw Error(code, to.string() + " cannot be made: " + reason);
     };
     if (output.width <= 0 || output.height <= 0 || output.width % 2 != 0 || output.height % 2 != 0)
         refuse(
             ErrorCode::kWriterNotStarted,
-            std::format(
-                "a film of {} × {} pixels needs two even sides", output.width, output.height));
+            "a film of " + std::to_string(output.width) + " × " + std::to_string(output.height)
+                + " pixels needs two even sides");
     if (!std::isfinite(output.fps) || output.fps < 1)
         refuse(
             ErrorCode::kWriterNotStarted,
-            std::format("{} frames per second are too few", output.fps));
+            std::to_string(output.fps) + " frames per second are too few");
     const double frames = std::floor(curve.outputDuration() * output.fps);
     if (!(frames >= 1))
         refuse(ErrorCode::kFilmNotFinished, "the plan keeps no frame");
@@ -119,8 +120,8 @@ FilmFormat filmFormat(const OutputSpec& output)
         .width = output.width,
         .height = output.height,
         .fps = output.fps,
-        .bitRate = static_cast<std::int64_t>(
-            output.fps * output.width * output.height * kBitsPerPixel)};
+        .bitRate =
+            static_cast<std::int64_t>(output.fps * output.width * output.height * kBitsPerPixel)};
 }
 
 void decode(
@@ -137,8 +138,7 @@ void decode(
         auto frame = reader.frame(sourceTime);
         if (!frame)
             throw Error(
-                ErrorCode::kReadingFailed,
-                std::format("{} holds no picture that can be read", movie.string()));
+                ErrorCode::kReadingFailed, movie.string() + " holds no picture that can be read");
         if (!out.push({.tOut = tOut, .sourceTime = sourceTime, .frame = *std::move(frame)}))
             return;
     }
@@ -239,7 +239,7 @@ void OfflineExporter::exportFilm(
     decoding.get();
     composing.get();
     if (stop.stop_requested())
-        throw Error(ErrorCode::kCancelled, std::format("{} was cancelled", to.string()));
+        throw Error(ErrorCode::kCancelled, to.string() + " was cancelled");
     writer.finish();
     part.renameToTarget();
 }

@@ -2,7 +2,6 @@
 
 #include "ZentoImaging/Picture.h"
 
-#include <functional>
 #include <memory>
 
 namespace zento {
@@ -10,7 +9,8 @@ namespace zento {
 /// Hands out pictures of one size and takes them back when their last owner lets go, so that a film
 /// allocates a handful of pictures and not one a frame.
 ///
-/// Threading: `acquire` from one thread; pictures may be let go on any, also after the pool is gone.
+/// Threading: `acquire` from one thread; pictures may be let go on any, also after the pool is
+/// gone.
 class PicturePool {
 public:
     /// 4:2:0 pictures of that size in pixels.

@@ -14,7 +14,7 @@ std::optional<VideoFrame> SourceReader::frame(double t)
     while (true) {
         if (!m_next)
             m_next = m_decoder.next();
-        if (!m_next || (m_next->time > t && m_current))
+        if (!m_next || (m_next->time() > t && m_current))
             return m_current;
         m_current = std::exchange(m_next, std::nullopt);
     }

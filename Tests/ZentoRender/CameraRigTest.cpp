@@ -1,8 +1,9 @@
 #include "ZentoRender/CameraRig.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
-#include <gtest/gtest.h>
 #include <vector>
 
 namespace zento {
@@ -65,8 +66,8 @@ TEST(CameraRigTest, TheFirstStepUsesTheUpdatedVelocity)
 
 TEST(CameraRigTest, AKeyframeTakesEffectAtItsInstant)
 {
-    const std::vector<CameraKeyframe> keyframes
-        = {{2, {300, 0}, 1}, {1, {50, 0}, 1}, {1, {200, 0}, 1}, {0, {0, 0}, 1}};
+    const std::vector<CameraKeyframe> keyframes = {
+        {2, {300, 0}, 1}, {1, {50, 0}, 1}, {1, {200, 0}, 1}, {0, {0, 0}, 1}};
     struct Case {
         const char* name;
         double tOut;
@@ -94,7 +95,8 @@ TEST(CameraRigTest, ReplayIsDeterministicAndCopiesAreIndependent)
 
 TEST(CameraRigTest, OnlyTheReportedZoomIsFloored)
 {
-    // Were the spring itself floored, it would stand at 0.2 or above at every step and rise at once.
+    // Were the spring itself floored, it would stand at 0.2 or above at every step and rise at
+    // once.
     CameraRig rig({{0, {0, 0}, -1}, {1, {0, 0}, 1}}, 1920, 1080);
     int floored = 0;
     CameraRig::State state;

@@ -1,8 +1,9 @@
 #include "ZentoRender/FrameRecipe.h"
 
-#include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 namespace zento {
 namespace {
@@ -14,8 +15,8 @@ constexpr OutputSpec kHd = {.width = 1920, .height = 1080, .fps = 60};
 constexpr Vec2 kSource = {1920, 1080};
 constexpr double kGrid = 1.0 / 1024; // of a recipe's positions
 
-FrameLayers layers(
-    std::optional<CursorState> cursor, std::vector<Ripple> ripples = {}, double zoom = 1)
+FrameLayers
+layers(std::optional<CursorState> cursor, std::vector<Ripple> ripples = {}, double zoom = 1)
 {
     const VideoFrame none(YuvPlanes<const std::uint8_t>{}, nullptr, 0, 0);
     return {
@@ -35,8 +36,7 @@ StyleSpec fullFrame()
 Vec2 hotspotOnCanvas(const FrameRecipe::Overlay& overlay)
 {
     const Vec2 hotspot = CursorSprite::hotspot(overlay.shape);
-    return {
-        overlay.box.x + hotspot.x * overlay.box.w, overlay.box.y + hotspot.y * overlay.box.h};
+    return {overlay.box.x + hotspot.x * overlay.box.w, overlay.box.y + hotspot.y * overlay.box.h};
 }
 
 TEST(FrameRecipeTest, PointerSprites)
@@ -101,8 +101,7 @@ TEST(FrameRecipeTest, WhatIsInvisibleIsAbsent)
     for (const Case& c : cases) {
         StyleSpec style = fullFrame();
         style.cursorStyle = c.cursorStyle;
-        EXPECT_THAT(
-            frameRecipe(layers(c.cursor), kHd, style, kSource).overlays, SizeIs(c.overlays))
+        EXPECT_THAT(frameRecipe(layers(c.cursor), kHd, style, kSource).overlays, SizeIs(c.overlays))
             << c.name;
     }
 }
@@ -142,8 +141,8 @@ TEST(FrameRecipeTest, RipplesLieUnderThePointerAndSpread)
     EXPECT_NEAR(overlays[1].box.center().x, 600, kGrid);
     EXPECT_NEAR(overlays[1].box.center().y, 300, kGrid);
 
-    const auto zoomed
-        = frameRecipe(layers({}, {{{960, 540}, 0}}, 2), kHd, fullFrame(), kSource).overlays;
+    const auto zoomed =
+        frameRecipe(layers({}, {{{960, 540}, 0}}, 2), kHd, fullFrame(), kSource).overlays;
     EXPECT_NEAR(zoomed.at(0).box.w, 2 * largest * 1.3 * 0.25, kGrid);
 }
 

@@ -61,11 +61,11 @@ TEST(FrameValuesTest, TheTrackIsSortedAndFallsBackToMoves)
 
 TEST(FrameValuesTest, Interpolate)
 {
-    const std::vector<CursorSample> track
-        = {{1, {10, 0}, "arrow"},
-           {2, {20, 100}, "iBeam"},
-           {2, {40, 0}, "pointingHand"},
-           {4, {80, 0}, "arrow"}};
+    const std::vector<CursorSample> track = {
+        {1, {10, 0}, "arrow"},
+        {2, {20, 100}, "iBeam"},
+        {2, {40, 0}, "pointingHand"},
+        {4, {80, 0}, "arrow"}};
     struct Case {
         const char* name;
         double t;

@@ -20,7 +20,7 @@ Canvas loadImage(const std::filesystem::path& path, std::optional<int> maxPixels
 /// is written as the physical size of a pixel, one point being 1/72 inch.
 std::vector<std::byte> encodePng(const Canvas& canvas, double density = 1);
 
-/// Writes a PNG file, whole or not at all.
+/// Writes a PNG file.
 void savePng(const Canvas& canvas, const std::filesystem::path& path, double density = 1);
 void savePng(const ConstPictureView& picture, const std::filesystem::path& path);
 

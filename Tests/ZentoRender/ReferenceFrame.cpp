@@ -31,7 +31,8 @@ std::vector<double> gaussian(double sigma)
 }
 
 /// A blurred rounded rectangle at the pixels of a canvas, of the plain definition.
-std::vector<double> blurredRoundedRect(VideoSize size, const Rect& rect, double radius, double sigma)
+std::vector<double>
+blurredRoundedRect(VideoSize size, const Rect& rect, double radius, double sigma)
 {
     const std::vector<double> weights = gaussian(sigma);
     const int reach = static_cast<int>(weights.size() / 2);
@@ -55,7 +56,8 @@ std::vector<double> blurredRoundedRect(VideoSize size, const Rect& rect, double 
     for (int y = 0; y < h; ++y)
         for (int x = reach; x < w - reach; ++x)
             for (int k = -reach; k <= reach; ++k)
-                across[at(x, y)] += weights[static_cast<std::size_t>(k + reach)] * covered[at(x + k, y)];
+                across[at(x, y)] +=
+                    weights[static_cast<std::size_t>(k + reach)] * covered[at(x + k, y)];
     std::vector<double> blurred;
     for (int y = reach; y < h - reach; ++y)
         for (int x = reach; x < w - reach; ++x) {

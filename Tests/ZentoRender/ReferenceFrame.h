@@ -1,7 +1,6 @@
 #pragma once
 
 #include "SyntheticSource.h"
-
 #include "ZentoCore/StyleSpec.h"
 #include "ZentoRender/Card.h"
 

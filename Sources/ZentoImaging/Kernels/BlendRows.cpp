@@ -39,7 +39,8 @@ HWY_INLINE hn::Vec<D> dividedBy255([[maybe_unused]] D d, hn::Vec<D> x)
 }
 
 template <class D>
-HWY_INLINE hn::Vec<D> mixed([[maybe_unused]] D d, hn::Vec<D> below, hn::Vec<D> above, hn::Vec<D> mask)
+HWY_INLINE hn::Vec<D>
+mixed([[maybe_unused]] D d, hn::Vec<D> below, hn::Vec<D> above, hn::Vec<D> mask)
 {
     const auto rest = hn::Sub(hn::Set(d, 255), mask);
     return dividedBy255(d, hn::Add(hn::Mul(above, mask), hn::Mul(below, rest)));

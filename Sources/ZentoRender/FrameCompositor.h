@@ -7,7 +7,7 @@
 #include "ZentoRender/CardPainter.h"
 #include "ZentoRender/FrameRecipe.h"
 #include "ZentoRender/OverlayPainter.h"
-#include "ZentoRender/PicturePool.h"
+#include "ZentoRender/CanvasPool.h"
 
 #include <cstdint>
 #include <memory>
@@ -50,7 +50,7 @@ private:
     Vec2 m_sourceSize;
     CardPainter m_cardPainter;
     OverlayPainter m_overlayPainter;
-    PicturePool m_pool;
+    CanvasPool m_pool;
     std::optional<Drawn> m_last;
 };
 

@@ -15,7 +15,7 @@ constexpr OutputSpec kOutput = {.width = 200, .height = 120, .fps = 60};
 constexpr VideoSize kSource = {240, 150};
 
 /// Slow waves: whatever kernel scales them, they stay the same function.
-Rgb waves(Vec2 p)
+RgbValue waves(Vec2 p)
 {
     return {
         0.5 + 0.3 * std::sin(p.x * 0.06 + 0.3),
@@ -95,13 +95,14 @@ TEST(FrameCompositorTest, AgreesWithAPointByPointCompositionInRgb)
             kCanvas,
             subject.card(c.camera),
             style,
-            [](Vec2) { return Rgb{0x7A / 255.0, 0x8C / 255.0, 0xB0 / 255.0}; },
+            [](Vec2) { return RgbValue{0x7A / 255.0, 0x8C / 255.0, 0xB0 / 255.0}; },
             waves);
         for (std::size_t plane = 0; plane < 3; ++plane) {
             SCOPED_TRACE(plane);
             const Difference difference = compare(picture->plane(plane), reference, plane);
-            EXPECT_LT(difference.largest, 3.0);
-            EXPECT_LT(difference.mean, 0.5);
+            // Along the corners coverage is good to 0.03, here of 110 levels.
+            EXPECT_LT(difference.largest, 3.5);
+            EXPECT_LT(difference.mean, 0.4);
         }
     }
 }
@@ -112,7 +113,7 @@ TEST(FrameCompositorTest, CornersShowTheBackgroundAndTheShadowLiesBelow)
     style.shadowOffsetY = 8;
     FrameCompositor subject = compositor(style);
     const CameraRig::State camera = {{120, 75}, 1};
-    const auto white = sampled([](Vec2) { return Rgb{1, 1, 1}; }, kSource);
+    const auto white = sampled([](Vec2) { return RgbValue{1, 1, 1}; }, kSource);
     const auto picture = subject.compose(layersOf(white, camera));
     const Card card = subject.card(camera);
     const auto luma = [&](double x, double y) {
@@ -161,7 +162,7 @@ Mark markOf(const Picture& with, const Picture& without, std::size_t planeIndex 
     return mark;
 }
 
-const Painting kBlack = [](Vec2) { return Rgb{0, 0, 0}; };
+const Painting kBlack = [](Vec2) { return RgbValue{0, 0, 0}; };
 
 TEST(FrameCompositorTest, PointersAndRipplesSitOnTheirPlace)
 {
@@ -188,7 +189,7 @@ TEST(FrameCompositorTest, PointersAndRipplesSitOnTheirPlace)
             SCOPED_TRACE(c.name + std::string(", zoom ") + std::to_string(zoom));
             StyleSpec style = cardStyle();
             style.cursorStyle = c.cursorStyle;
-            style.cursorScale = 5;
+            style.cursorScale = 8;
             FrameCompositor subject = compositor(style);
             FrameLayers layers = layersOf(sampled(kBlack, kSource), {{110, 70}, zoom});
             const auto without = subject.compose(layers);
@@ -197,8 +198,8 @@ TEST(FrameCompositorTest, PointersAndRipplesSitOnTheirPlace)
             const auto with = subject.compose(layers);
             const Vec2 expected = subject.card(layers.camera).toOutput(c.source);
             const Mark mark = markOf(*with, *without);
-            EXPECT_NEAR(mark.centroid.x, expected.x, 0.1);
-            EXPECT_NEAR(mark.centroid.y, expected.y, 0.1);
+            EXPECT_NEAR(mark.centroid.x, expected.x, 0.2);
+            EXPECT_NEAR(mark.centroid.y, expected.y, 0.2);
         }
     }
 }
@@ -227,8 +228,9 @@ TEST(FrameCompositorTest, TheTipsOfArrowAndHandAreAtThePointer)
         const Mark mark = markOf(*subject.compose(layers), *without);
         const Vec2 hotspot = subject.card(layers.camera).toOutput({100, 60});
         EXPECT_NEAR(mark.box.y, hotspot.y + c.tip.y * unit, 1.0);
-        if (c.tip.x != 0)
+        if (c.tip.x != 0) {
             EXPECT_NEAR(mark.box.x, hotspot.x + c.tip.x * unit, 1.0);
+        }
     }
 }
 
@@ -256,7 +258,7 @@ TEST(FrameCompositorTest, ASlowCameraMovesWithoutJitterInLumaAndChroma)
         [&](Vec2 p) {
             const double d = (p.x - spot.x) * (p.x - spot.x) + (p.y - spot.y) * (p.y - spot.y);
             const double light = std::exp(-d / 18);
-            return Rgb{light * 0.9, light * 0.2, light * 0.3};
+            return RgbValue{light * 0.9, light * 0.2, light * 0.3};
         },
         kSource);
     const VideoFrame dark = sampled(kBlack, kSource, SourceFormat::TenBits422, 2);

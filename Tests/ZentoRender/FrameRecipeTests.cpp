@@ -33,10 +33,18 @@ StyleSpec fullFrame()
     return style;
 }
 
-Vec2 hotspotOnCanvas(const FrameRecipe::Overlay& overlay)
+double widthOf(const FrameRecipe::Pointer& pointer)
 {
-    const Vec2 hotspot = CursorSprite::hotspot(overlay.shape);
-    return {overlay.box.x + hotspot.x * overlay.box.w, overlay.box.y + hotspot.y * overlay.box.h};
+    const Vec2 units = CursorSprite::size(pointer.shape);
+    return pointer.height / units.y * units.x;
+}
+
+Vec2 hotspotOnCanvas(const FrameRecipe::Pointer& pointer)
+{
+    const Vec2 hotspot = CursorSprite::hotspot(pointer.shape);
+    return {
+        pointer.origin.x + hotspot.x * widthOf(pointer),
+        pointer.origin.y + hotspot.y * pointer.height};
 }
 
 TEST(FrameRecipeTest, PointerSprites)
@@ -70,14 +78,13 @@ TEST(FrameRecipeTest, PointerSprites)
         StyleSpec style = fullFrame();
         style.cursorScale = c.cursorScale;
         const FrameRecipe recipe = frameRecipe(layers(c.cursor, {}, c.zoom), kHd, style, kSource);
-        ASSERT_THAT(recipe.overlays, SizeIs(1));
-        const FrameRecipe::Overlay& overlay = recipe.overlays.front();
-        EXPECT_EQ(overlay.shape, c.shape);
-        EXPECT_EQ(overlay.alpha, 1);
-        EXPECT_NEAR(overlay.box.h, c.height, kGrid);
-        EXPECT_NEAR(overlay.box.w, c.height * c.widthPerHeight, kGrid);
-        EXPECT_NEAR(hotspotOnCanvas(overlay).x, c.cursor.pos.x, kGrid);
-        EXPECT_NEAR(hotspotOnCanvas(overlay).y, c.cursor.pos.y, kGrid);
+        ASSERT_TRUE(recipe.pointer);
+        EXPECT_EQ(recipe.pointer->shape, c.shape);
+        EXPECT_EQ(recipe.pointer->alpha, 1);
+        EXPECT_NEAR(recipe.pointer->height, c.height, kGrid);
+        EXPECT_NEAR(widthOf(*recipe.pointer), c.height * c.widthPerHeight, kGrid);
+        EXPECT_NEAR(hotspotOnCanvas(*recipe.pointer).x, c.cursor.pos.x, kGrid);
+        EXPECT_NEAR(hotspotOnCanvas(*recipe.pointer).y, c.cursor.pos.y, kGrid);
     }
 }
 
@@ -86,23 +93,28 @@ TEST(FrameRecipeTest, WhatIsInvisibleIsAbsent)
     struct Case {
         const char* name;
         std::string cursorStyle;
+        double cursorScale;
         std::optional<CursorState> cursor;
-        std::size_t overlays;
+        bool hasSprite;
+        std::size_t discs;
     };
     const Case cases[] = {
-        {"no pointer", "system", std::nullopt, 0},
-        {"faded out", "system", CursorState{{1, 1}, "arrow", 0, 0.01}, 0},
-        {"all but", "system", CursorState{{1, 1}, "arrow", 0, 0.0101}, 1},
-        {"hidden", "hidden", CursorState{{1, 1}, "arrow"}, 0},
-        {"a circle and its halo", "circle", CursorState{{1, 1}, "arrow"}, 2},
-        {"a faded circle", "circle", CursorState{{1, 1}, "arrow", 1, 0}, 0},
-        {"other words take the sprite", "hand", CursorState{{1, 1}, "arrow"}, 1},
+        {"no pointer", "system", 2, std::nullopt, false, 0},
+        {"faded out", "system", 2, CursorState{{1, 1}, "arrow", 0, 0.01}, false, 0},
+        {"all but", "system", 2, CursorState{{1, 1}, "arrow", 0, 0.0101}, true, 0},
+        {"hidden", "hidden", 2, CursorState{{1, 1}, "arrow"}, false, 0},
+        {"of no size", "system", 0, CursorState{{1, 1}, "arrow"}, false, 0},
+        {"a circle and its halo", "circle", 2, CursorState{{1, 1}, "arrow"}, false, 2},
+        {"a faded circle", "circle", 2, CursorState{{1, 1}, "arrow", 1, 0}, false, 0},
+        {"other words take the sprite", "hand", 2, CursorState{{1, 1}, "arrow"}, true, 0},
     };
     for (const Case& c : cases) {
         StyleSpec style = fullFrame();
         style.cursorStyle = c.cursorStyle;
-        EXPECT_THAT(frameRecipe(layers(c.cursor), kHd, style, kSource).overlays, SizeIs(c.overlays))
-            << c.name;
+        style.cursorScale = c.cursorScale;
+        const FrameRecipe recipe = frameRecipe(layers(c.cursor), kHd, style, kSource);
+        EXPECT_EQ(recipe.pointer.has_value(), c.hasSprite) << c.name;
+        EXPECT_THAT(recipe.discs, SizeIs(c.discs)) << c.name;
     }
 }
 
@@ -111,39 +123,31 @@ TEST(FrameRecipeTest, TheCirclePointerSwellsAroundThePointer)
     StyleSpec style = fullFrame();
     style.cursorStyle = "circle";
     const CursorState cursor = {{100, 50}, "iBeam", 1, 0.5};
-    const auto overlays = frameRecipe(layers(cursor), kHd, style, kSource).overlays;
-    ASSERT_THAT(overlays, SizeIs(2));
+    const auto discs = frameRecipe(layers(cursor), kHd, style, kSource).discs;
+    ASSERT_THAT(discs, SizeIs(2));
     const double diameter = 1080 * 0.034 * 1.35;
-    EXPECT_EQ(overlays[0].shape, Shape::BlackDisc);
-    EXPECT_DOUBLE_EQ(overlays[0].alpha, 0.175);
-    EXPECT_NEAR(overlays[0].box.w, diameter * 1.16, kGrid);
-    EXPECT_EQ(overlays[1].shape, Shape::WhiteDisc);
-    EXPECT_DOUBLE_EQ(overlays[1].alpha, 0.425);
-    EXPECT_NEAR(overlays[1].box.w, diameter, kGrid);
-    for (const auto& overlay : overlays) {
-        EXPECT_NEAR(overlay.box.center().x, 100, kGrid);
-        EXPECT_NEAR(overlay.box.center().y, 50, kGrid);
-    }
+    EXPECT_EQ(discs[0].color, Color::gray(0, 0.175));
+    EXPECT_NEAR(discs[0].radius, diameter * 0.58, kGrid);
+    EXPECT_EQ(discs[1].color, Color::gray(1, 0.425));
+    EXPECT_NEAR(discs[1].radius, diameter * 0.5, kGrid);
+    for (const auto& disc : discs)
+        EXPECT_EQ(disc.center, cursor.pos);
 }
 
-TEST(FrameRecipeTest, RipplesLieUnderThePointerAndSpread)
+TEST(FrameRecipeTest, RipplesSpreadAndFade)
 {
     const std::vector<Ripple> ripples = {{{500, 400}, 0}, {{600, 300}, 0.5}};
-    const CursorState cursor = {{1, 1}, "arrow"};
-    const auto overlays = frameRecipe(layers(cursor, ripples), kHd, fullFrame(), kSource).overlays;
-    ASSERT_THAT(overlays, SizeIs(3));
-    EXPECT_EQ(overlays[2].shape, Shape::Arrow);
+    const auto rings = frameRecipe(layers({}, ripples), kHd, fullFrame(), kSource).rings;
+    ASSERT_THAT(rings, SizeIs(2));
     const double largest = 1080 * 0.055;
-    EXPECT_NEAR(overlays[0].box.w, 2 * largest * 0.25, kGrid);
-    EXPECT_DOUBLE_EQ(overlays[0].alpha, 0.55);
-    EXPECT_NEAR(overlays[1].box.w, 2 * largest * (0.25 + 0.75 * 0.875), kGrid);
-    EXPECT_DOUBLE_EQ(overlays[1].alpha, 0.275);
-    EXPECT_NEAR(overlays[1].box.center().x, 600, kGrid);
-    EXPECT_NEAR(overlays[1].box.center().y, 300, kGrid);
+    EXPECT_NEAR(rings[0].radius, largest * 0.25, kGrid);
+    EXPECT_DOUBLE_EQ(rings[0].alpha, 0.55);
+    EXPECT_NEAR(rings[1].radius, largest * (0.25 + 0.75 * 0.875), kGrid);
+    EXPECT_DOUBLE_EQ(rings[1].alpha, 0.275);
+    EXPECT_EQ(rings[1].center, (Vec2{600, 300}));
 
-    const auto zoomed =
-        frameRecipe(layers({}, {{{960, 540}, 0}}, 2), kHd, fullFrame(), kSource).overlays;
-    EXPECT_NEAR(zoomed.at(0).box.w, 2 * largest * 1.3 * 0.25, kGrid);
+    const auto zoomed = frameRecipe(layers({}, {{{960, 540}, 0}}, 2), kHd, fullFrame(), kSource);
+    EXPECT_NEAR(zoomed.rings.at(0).radius, largest * 1.3 * 0.25, kGrid);
 }
 
 TEST(FrameRecipeTest, ASettledCameraGivesEqualRecipes)
@@ -162,7 +166,7 @@ TEST(FrameRecipeTest, ASettledCameraGivesEqualRecipes)
     EXPECT_GT(lastChange, 60);
     EXPECT_LT(lastChange, 300) << "the springs alone take twice as long to stand still";
     EXPECT_NEAR(last.card.w, 3840, kGrid);
-    EXPECT_NEAR(last.card.x, 160, kGrid);
+    EXPECT_NEAR(last.card.y, -60, kGrid);
 }
 
 TEST(FrameRecipeTest, TheRecipeStaysOnTheExactGeometry)

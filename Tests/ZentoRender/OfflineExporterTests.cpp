@@ -149,30 +149,28 @@ TEST_F(OfflineExporterTest, WhatCannotBeMadeSaysWhyAndLeavesNoFile)
 {
     struct Case {
         const char* name;
-        std::function<void(OfflineExporterTest&)> prepare;
+        std::function<void()> prepare;
         std::vector<std::string> says;
     };
     const Case cases[] = {
         {"no recording",
-         [](auto& t) { std::filesystem::remove(t.m_bundle.screenMovieURL()); },
+         [&] { std::filesystem::remove(m_bundle.screenMovieURL()); },
          {"screen.mov"}},
         {"an unreadable recording",
-         [](auto& t) { std::ofstream(t.m_bundle.screenMovieURL()) << "torn"; },
+         [&] { std::ofstream(m_bundle.screenMovieURL()) << "torn"; },
          {"screen.mov"}},
-        {"nothing kept", [](auto& t) { t.m_plan.timeRemap.clear(); }, {"a.mp4", "no frame"}},
-        {"an odd width", [](auto& t) { t.m_plan.output.width = 129; }, {"a.mp4", "129 × 96"}},
-        {"an odd height", [](auto& t) { t.m_plan.output.height = 95; }, {"a.mp4", "128 × 95"}},
-        {"no size", [](auto& t) { t.m_plan.output = {}; }, {"a.mp4", "0 × 0"}},
-        {"no rate", [](auto& t) { t.m_plan.output.fps = 0; }, {"a.mp4", "frames per second"}},
-        {"no folder",
-         [](auto& t) { t.m_film = t.m_folder / "gone" / "a.mp4"; },
-         {"gone", "No such"}},
+        {"nothing kept", [&] { m_plan.timeRemap.clear(); }, {"a.mp4", "no frame"}},
+        {"an odd width", [&] { m_plan.output.width = 129; }, {"a.mp4", "129 × 96"}},
+        {"an odd height", [&] { m_plan.output.height = 95; }, {"a.mp4", "128 × 95"}},
+        {"no size", [&] { m_plan.output = {}; }, {"a.mp4", "0 × 0"}},
+        {"no rate", [&] { m_plan.output.fps = 0; }, {"a.mp4", "frames per second"}},
+        {"no folder", [&] { m_film = m_folder / "gone" / "a.mp4"; }, {"gone", "No such"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         record(10);
         const EditPlan plan = m_plan;
-        c.prepare(*this);
+        c.prepare();
         const std::string message = failure();
         for (const std::string& part : c.says)
             EXPECT_THAT(message, HasSubstr(part));

@@ -7,7 +7,9 @@
 namespace zento {
 namespace {
 
-constexpr int kPointsPerSide = 8; // of a mean
+// Points along the side of a mean: inside, all is smooth; across an edge the share must be exact.
+constexpr int kPointsInside = 3;
+constexpr int kPointsAcrossEdge = 40;
 
 bool isInRoundedRect(Vec2 p, const Rect& rect, double radius)
 {
@@ -113,27 +115,39 @@ double ReferenceFrame::shadowAt(Vec2 p) const
            + (pixel(x, y + 1) * (1 - fx) + pixel(x + 1, y + 1) * fx) * fy;
 }
 
-Rgb ReferenceFrame::colorAt(Vec2 p) const
+RgbValue ReferenceFrame::colorAt(Vec2 p) const
 {
     if (isOnCard(p))
         return m_source(
             {(p.x - m_card.origin.x) / m_card.scale, (p.y - m_card.origin.y) / m_card.scale});
-    Rgb color = m_background(p);
+    RgbValue color = m_background(p);
+    const bool coversCanvas = m_card.origin.x <= 0 && m_card.origin.y <= 0
+                              && m_card.origin.x + m_card.w >= m_canvas.width
+                              && m_card.origin.y + m_card.h >= m_canvas.height;
+    const double opacity = coversCanvas ? 0 : m_style.shadowOpacity;
     for (double& component : color)
-        component *= 1 - m_style.shadowOpacity * shadowAt(p);
+        component *= 1 - opacity * shadowAt(p);
     return color;
+}
+
+bool ReferenceFrame::isCrossed(const Rect& area) const
+{
+    const bool first = isOnCard({area.x, area.y});
+    return first != isOnCard({area.x + area.w, area.y})
+           || first != isOnCard({area.x, area.y + area.h})
+           || first != isOnCard({area.x + area.w, area.y + area.h});
 }
 
 std::array<double, 3> ReferenceFrame::mean(const Rect& area) const
 {
-    Rgb sum = {};
-    for (int i = 0; i < kPointsPerSide; ++i)
-        for (int j = 0; j < kPointsPerSide; ++j) {
-            const Rgb color = colorAt(
-                {area.x + (i + 0.5) / kPointsPerSide * area.w,
-                 area.y + (j + 0.5) / kPointsPerSide * area.h});
+    const int points = isCrossed(area) ? kPointsAcrossEdge : kPointsInside;
+    RgbValue sum = {};
+    for (int i = 0; i < points; ++i)
+        for (int j = 0; j < points; ++j) {
+            const RgbValue color = colorAt(
+                {area.x + (i + 0.5) / points * area.w, area.y + (j + 0.5) / points * area.h});
             for (std::size_t c = 0; c < sum.size(); ++c)
-                sum[c] += color[c] / (kPointsPerSide * kPointsPerSide);
+                sum[c] += color[c] / (points * points);
         }
     return limitedRange(sum);
 }

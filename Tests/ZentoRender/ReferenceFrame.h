@@ -24,8 +24,9 @@ public:
 
 private:
     bool isOnCard(Vec2 p) const;
-    double shadowAt(Vec2 p) const; // coverage, [0, 1]
-    Rgb colorAt(Vec2 p) const;
+    bool isCrossed(const Rect& area) const; // by the card's edge
+    double shadowAt(Vec2 p) const;          // coverage, [0, 1]
+    RgbValue colorAt(Vec2 p) const;
 
     VideoSize m_canvas;
     Card m_card;

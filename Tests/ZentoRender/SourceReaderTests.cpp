@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace zento {
 namespace {
 
@@ -23,6 +25,7 @@ TEST(SourceReaderTest, GivesTheLastFrameThatIsDue)
         {"before the first", -3, 7},
         {"at the first", 0, 7},
         {"just before a frame", 0.0999, 7},
+        {"at a frame but for a rounding error", std::nextafter(0.1, 0), 8},
         {"at a frame", 0.1, 8},
         {"again", 0.1, 8},
         {"between", 0.49, 8},

@@ -55,7 +55,7 @@ VideoFrame sampledAs(
 
 } // namespace
 
-std::array<double, 3> limitedRange(const Rgb& color)
+std::array<double, 3> limitedRange(const RgbValue& color)
 {
     const double y = 0.2126 * color[0] + 0.7152 * color[1] + 0.0722 * color[2];
     return {16 + 219 * y, 128 + 224 * (color[2] - y) / 1.8556, 128 + 224 * (color[0] - y) / 1.5748};

@@ -10,13 +10,13 @@
 namespace zento {
 
 /// Gamma-coded red, green and blue in [0, 1].
-using Rgb = std::array<double, 3>;
+using RgbValue = std::array<double, 3>;
 
 /// Y', Cb, Cr of BT.709 as limited-range values of 8 bits, not rounded.
-std::array<double, 3> limitedRange(const Rgb& color);
+std::array<double, 3> limitedRange(const RgbValue& color);
 
 /// A picture given as a function of a place in its pixels.
-using Painting = std::function<Rgb(Vec2)>;
+using Painting = std::function<RgbValue(Vec2)>;
 
 enum class SourceFormat { TenBits422, EightBits420 };
 

@@ -1,4 +1,4 @@
-#include "ZentoRender/PicturePool.h"
+#include "ZentoRender/CanvasPool.h"
 
 #include <mutex>
 #include <utility>
@@ -6,19 +6,19 @@
 
 namespace zento {
 
-struct PicturePool::Idle {
+struct CanvasPool::Idle {
     std::mutex mutex;
     std::vector<std::unique_ptr<Picture>> pictures;
 };
 
-PicturePool::PicturePool(int width, int height)
+CanvasPool::CanvasPool(int width, int height)
     : m_width(width)
     , m_height(height)
     , m_idle(std::make_shared<Idle>())
 {
 }
 
-std::shared_ptr<Picture> PicturePool::acquire()
+std::shared_ptr<Picture> CanvasPool::acquire()
 {
     std::unique_ptr<Picture> picture;
     {

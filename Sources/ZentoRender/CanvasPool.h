@@ -11,10 +11,10 @@ namespace zento {
 ///
 /// Threading: `acquire` from one thread; pictures may be let go on any, also after the pool is
 /// gone.
-class PicturePool {
+class CanvasPool {
 public:
     /// 4:2:0 pictures of that size in pixels.
-    PicturePool(int width, int height);
+    CanvasPool(int width, int height);
 
     /// A picture with any content.
     std::shared_ptr<Picture> acquire();

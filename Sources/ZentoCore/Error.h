@@ -41,6 +41,7 @@ inline constexpr int kNoPicturePool = 4;
 inline constexpr int kNoPicture = 5;
 inline constexpr int kAppendRefused = 6;
 inline constexpr int kFilmNotFinished = 7;
+inline constexpr int kNoDefinedPlan = 8; // inputs that contradict each other
 inline constexpr int kNoDisplay = 20;
 inline constexpr int kMovieNotStarted = 21;
 inline constexpr int kMovieNotFinished = 22;

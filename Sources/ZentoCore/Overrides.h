@@ -67,7 +67,8 @@ struct SavedOverrides {
     bool operator==(const SavedOverrides&) const = default;
 };
 
-/// JSON forms. The decoders throw `Error`, also for two zoom edits of one source time.
+/// JSON forms. The decoders throw `Error`; for two zoom edits of one source time its code is
+/// `ErrorCode::kNoDefinedPlan`.
 std::string encodeOverrides(const Overrides& overrides);
 Overrides decodeOverrides(std::string_view json);
 std::string encodeSavedOverrides(const SavedOverrides& saved);

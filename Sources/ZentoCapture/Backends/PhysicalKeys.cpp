@@ -12,14 +12,16 @@ namespace {
 
 using Row = std::pair<std::string_view, std::int64_t>;
 
-// Rows of the keyboard from top to bottom, keys from left to right.
+// Rows of the keyboard from top to bottom, keys from left to right. 5 and 6 have the codes under
+// which `KeyLabel` knows them, so that a film shows what was pressed; the codes of hot keys have
+// them the other way round.
 constexpr std::array kKeys{
     Row{"ESC", 53},   Row{"FK01", 122}, Row{"FK02", 120}, Row{"FK03", 99},  Row{"FK04", 118},
     Row{"FK05", 96},  Row{"FK06", 97},  Row{"FK07", 98},  Row{"FK08", 100}, Row{"FK09", 101},
     Row{"FK10", 109}, Row{"FK11", 103}, Row{"FK12", 111},
 
     Row{"TLDE", 50},  Row{"AE01", 18},  Row{"AE02", 19},  Row{"AE03", 20},  Row{"AE04", 21},
-    Row{"AE05", 23},  Row{"AE06", 22},  Row{"AE07", 26},  Row{"AE08", 28},  Row{"AE09", 25},
+    Row{"AE05", 22},  Row{"AE06", 23},  Row{"AE07", 26},  Row{"AE08", 28},  Row{"AE09", 25},
     Row{"AE10", 29},  Row{"AE11", 27},  Row{"AE12", 24},  Row{"BKSP", 51},
 
     Row{"TAB", 48},   Row{"AD01", 12},  Row{"AD02", 13},  Row{"AD03", 14},  Row{"AD04", 15},

@@ -4,29 +4,37 @@ namespace zento {
 
 namespace {
 
+constexpr std::string_view kIcon = "weather-storm-symbolic";
+constexpr std::string_view kLine = "A picture for the storm warning";
+
 ElementQuery inBrowser(const std::string& role, const std::string& name)
 {
-    return {.application = "gtk3-icon-browser", .role = role, .name = name};
+    return {
+        .application = "gtk3-icon-browser", .window = "Icon Browser", .role = role, .name = name};
+}
+
+ElementQuery inIconDialog(const std::string& role, const std::string& name)
+{
+    return {
+        .application = "gtk3-icon-browser",
+        .window = std::string(kIcon),
+        .role = role,
+        .name = name};
 }
 
 ElementQuery inEditor(const std::string& role, const std::string& name)
 {
-    return {.application = "l3afpad", .role = role, .name = name};
+    return {.application = "l3afpad", .window = "", .role = role, .name = name};
 }
 
 ElementQuery notesLine(const std::string& line)
 {
-    return {.application = "l3afpad", .role = "text", .name = "", .text = line};
+    return {.application = "l3afpad", .window = "", .role = "text", .name = "", .text = line};
 }
 
-ClickStep rightClick(ElementQuery target)
+ClickStep clickBehind(ElementQuery text, PointerButton button = PointerButton::Left)
 {
-    return {.target = std::move(target), .button = PointerButton::Right};
-}
-
-ClickStep clickBehind(ElementQuery target)
-{
-    return {.target = std::move(target), .spot = Spot::TextEnd};
+    return {.target = std::move(text), .button = button, .spot = Spot::TextEnd};
 }
 
 } // namespace
@@ -36,32 +44,31 @@ std::vector<DemoStep> demoScript()
     return {
         PauseStep{0.8},
 
-        // An icon is looked up and looked at.
+        // An icon is looked up, looked at and copied.
         ClickStep{inBrowser("radio button", "Symbolic")},
         PauseStep{0.3},
         ClickStep{inBrowser("label", "Weather")},
-        PauseStep{0.5},
-        ClickStep{inBrowser("icon", "weather-storm-symbolic")},
+        PauseStep{0.4},
+        ClickStep{inBrowser("icon", std::string(kIcon))},
         PauseStep{6.6},
-        ClickStep{inBrowser("push button", "Close")},
-        PauseStep{0.3},
+        ClickStep{inIconDialog("push button", "Copy to Clipboard")},
+        PauseStep{0.2},
+        ClickStep{inIconDialog("push button", "Close")},
+        PauseStep{0.2},
 
         // It is noted down among the plans.
         ScrollStep{inEditor("text", ""), WheelDirection::Down, 8},
         PauseStep{0.4},
         ScrollStep{inEditor("text", ""), WheelDirection::Up, 4},
-        PauseStep{0.3},
-        ClickStep{clickBehind(notesLine("A picture for the storm warning"))},
-        TypeStep{": weather-storm\n- Ask Ida if it reads well at 16 px!"},
-        PauseStep{0.3},
+        PauseStep{0.2},
+        ClickStep{clickBehind(notesLine(std::string(kLine)))},
+        TypeStep{": "},
+        clickBehind(notesLine(std::string(kLine) + ": "), PointerButton::Right),
+        PauseStep{0.4},
+        ClickStep{inEditor("menu item", "Paste")},
+        TypeStep{"\n- Ask Ida: is it clear at 16 px?"},
         PressStep{{"Control_L", "s"}},
-        PauseStep{0.5},
-
-        // The line is copied from the menu.
-        rightClick(notesLine("weather-storm")),
-        PauseStep{0.5},
-        ClickStep{inEditor("menu item", "Select All")},
-        PauseStep{0.5},
+        PauseStep{0.4},
 
         // On to the next one.
         ClickStep{inBrowser("toggle button", "")},

@@ -259,10 +259,15 @@ void visitMatches(const Bus& bus, const ElementQuery& query, const Visit& visit)
                && (query.name.empty() || std::regex_match(label(bus, node), name)) && visit(node);
     };
     for (const Node& application : bus.children(Bus::applications())) {
-        const bool isAsked =
-            query.application.empty() || bus.name(application) == query.application;
-        if (isAsked && walk(bus, application, 0, fits)) {
-            return;
+        if (!query.application.empty() && bus.name(application) != query.application) {
+            continue;
+        }
+        for (const Node& window : bus.children(application)) {
+            const bool isAsked =
+                bus.isShowing(window) && (query.window.empty() || bus.name(window) == query.window);
+            if (isAsked && walk(bus, window, 0, fits)) {
+                return;
+            }
         }
     }
 }

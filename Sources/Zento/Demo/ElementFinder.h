@@ -11,6 +11,7 @@ namespace zento {
 /// What to look for in the windows of a desktop: the first element shown that fits.
 struct ElementQuery {
     std::string application; // its name on the accessibility bus; empty: any
+    std::string window;      // the title of its window; empty: any
     std::string role;        // as AT-SPI names it: "push button", "text", "list item"
     std::string name;        // a regular expression for its whole name, or, where it has none, for
                              // the whole text it holds; empty: any

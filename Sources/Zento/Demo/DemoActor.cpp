@@ -75,23 +75,23 @@ void DemoActor::moveOnto(const ElementQuery& query, Spot spot, const std::stop_t
     m_pointer.moveTo(point, std::min(frame.w, frame.h), stop);
 }
 
-void DemoActor::perform(const PauseStep& step, const std::stop_token& stop)
+void DemoActor::carryOut(const PauseStep& step, const std::stop_token& stop)
 {
     sleepFor(step.seconds, stop);
 }
 
-void DemoActor::perform(const MoveStep& step, const std::stop_token& stop)
+void DemoActor::carryOut(const MoveStep& step, const std::stop_token& stop)
 {
     moveOnto(step.target, Spot::Middle, stop);
 }
 
-void DemoActor::perform(const ClickStep& step, const std::stop_token& stop)
+void DemoActor::carryOut(const ClickStep& step, const std::stop_token& stop)
 {
     moveOnto(step.target, step.spot, stop);
     m_pointer.click(step.button, stop);
 }
 
-void DemoActor::perform(const TypeStep& step, const std::stop_token& stop)
+void DemoActor::carryOut(const TypeStep& step, const std::stop_token& stop)
 {
     // From the mouse to the keys.
     if (sleepFor(m_random.between(0.25, 0.4), stop)) {
@@ -99,12 +99,12 @@ void DemoActor::perform(const TypeStep& step, const std::stop_token& stop)
     }
 }
 
-void DemoActor::perform(const PressStep& step, const std::stop_token& stop)
+void DemoActor::carryOut(const PressStep& step, const std::stop_token& stop)
 {
     m_typist.press(step.keys, stop);
 }
 
-void DemoActor::perform(const ScrollStep& step, const std::stop_token& stop)
+void DemoActor::carryOut(const ScrollStep& step, const std::stop_token& stop)
 {
     moveOnto(step.target, Spot::Middle, stop);
     m_pointer.scroll(step.direction, step.notches, stop);
@@ -112,7 +112,7 @@ void DemoActor::perform(const ScrollStep& step, const std::stop_token& stop)
 
 void DemoActor::perform(const DemoStep& step, const std::stop_token& stop)
 {
-    std::visit([&](const auto& kind) { perform(kind, stop); }, step);
+    std::visit([&](const auto& kind) { carryOut(kind, stop); }, step);
 }
 
 void awaitCurtain(std::span<const DemoStep> script, DemoActor& actor, const std::stop_token& stop)

@@ -30,12 +30,12 @@ public:
     void perform(const DemoStep& step, const std::stop_token& stop);
 
 private:
-    void perform(const PauseStep& step, const std::stop_token& stop);
-    void perform(const MoveStep& step, const std::stop_token& stop);
-    void perform(const ClickStep& step, const std::stop_token& stop);
-    void perform(const TypeStep& step, const std::stop_token& stop);
-    void perform(const PressStep& step, const std::stop_token& stop);
-    void perform(const ScrollStep& step, const std::stop_token& stop);
+    void carryOut(const PauseStep& step, const std::stop_token& stop);
+    void carryOut(const MoveStep& step, const std::stop_token& stop);
+    void carryOut(const ClickStep& step, const std::stop_token& stop);
+    void carryOut(const TypeStep& step, const std::stop_token& stop);
+    void carryOut(const PressStep& step, const std::stop_token& stop);
+    void carryOut(const ScrollStep& step, const std::stop_token& stop);
     void moveOnto(const ElementQuery& query, Spot spot, const std::stop_token& stop);
 
     Random m_random;

@@ -1,6 +1,5 @@
 #include "Zento/Demo/ElementFinder.h"
 
-#include "Zento/Demo/DemoError.h"
 #include "ZentoCore/Error.h"
 
 #include <gio/gio.h>
@@ -64,8 +63,7 @@ public:
             const std::string reason = error->message;
             g_error_free(error);
             throw Error(
-                DemoErrorCode::kDesktopFailed,
-                "The accessibility bus cannot be reached: " + reason);
+                ErrorCode::kDesktopFailed, "The accessibility bus cannot be reached: " + reason);
         }
     }
 
@@ -146,8 +144,8 @@ public:
 
     std::optional<Rect> textFrame(const Node& node, const std::string& wanted) const
     {
-        const std::optional<std::string> whole = text(node);
-        const std::size_t found = whole ? whole->find(wanted) : std::string::npos;
+        const std::string whole = text(node).value_or("");
+        const std::size_t found = whole.find(wanted);
         if (found == std::string::npos) {
             return std::nullopt;
         }
@@ -157,8 +155,8 @@ public:
             "GetRangeExtents",
             g_variant_new(
                 "(iiu)",
-                characterOffset(*whole, found),
-                characterOffset(*whole, found + wanted.size()),
+                characterOffset(whole, found),
+                characterOffset(whole, found + wanted.size()),
                 kScreen),
             "(iiii)");
         if (!reply) {

@@ -1,7 +1,6 @@
 #include "Zento/Demo/DemoStage.h"
 
 #include "Zento/Demo/DemoActor.h"
-#include "Zento/Demo/DemoError.h"
 #include "Zento/Demo/StopSignals.h"
 #include "Zento/Demo/Waiting.h"
 #include "ZentoCore/Error.h"
@@ -103,13 +102,13 @@ TEST(DemoStage, saysThatItWasStopped)
         const DemoStage stage(stop.get_token());
         FAIL() << "it was set";
     } catch (const Error& error) {
-        EXPECT_EQ(error.code(), DemoErrorCode::kStopped);
+        EXPECT_EQ(error.code(), ErrorCode::kDemoStopped);
     }
 }
 
 /// In a process of its own: sets a stage, is hit by a signal, and goes the way a command goes.
 class InterruptedStageTest : public testing::Test {
-protected:
+public:
     InterruptedStageTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 
     ~InterruptedStageTest() override
@@ -118,6 +117,7 @@ protected:
         fs::remove(m_note, ignored);
     }
 
+protected:
     [[noreturn]] void runAndGetHit(int signal) const
     {
         const StopSignals signals;
@@ -129,7 +129,7 @@ protected:
             kill(getpid(), signal);
             perform(script, actor, signals.token());
         } catch (const Error& error) {
-            if (error.code() != DemoErrorCode::kStopped) {
+            if (error.code() != ErrorCode::kDemoStopped) {
                 _exit(1);
             }
         }

@@ -4,7 +4,6 @@
 #include "Zento/Commands/Recording.h"
 #include "Zento/Commands/Subcommands.h"
 #include "Zento/Demo/DemoActor.h"
-#include "Zento/Demo/DemoError.h"
 #include "Zento/Demo/DemoStage.h"
 #include "ZentoCore/Error.h"
 
@@ -33,7 +32,7 @@ std::filesystem::path recordDemo(const std::filesystem::path& folder, Interrupti
         interruption);
     perform(script, actor, interruption.token());
     if (interruption.token().stop_requested()) {
-        throw Error(DemoErrorCode::kStopped, "the demo was stopped before its end");
+        throw Error(ErrorCode::kDemoStopped, "the demo was stopped before its end");
     }
     return recording.finish();
 }

@@ -1,6 +1,5 @@
 #include "Zento/Demo/DemoStage.h"
 
-#include "Zento/Demo/DemoError.h"
 #include "Zento/Demo/DemoScript.h"
 #include "Zento/Demo/DesktopWindows.h"
 #include "Zento/Demo/Programs.h"
@@ -42,7 +41,7 @@ void place(const PrivateDesktop& desktop, const StageWindow& window, const std::
         desktop.requireRunning();
         if (!ProcessGroup::isRunning(window.program)) {
             throw Error(
-                DemoErrorCode::kDesktopFailed,
+                ErrorCode::kDesktopFailed,
                 "The program of the window “" + window.title + "” has ended by itself.");
         }
         handle = windowTitled(connection, window.title);

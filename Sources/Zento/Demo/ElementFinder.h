@@ -15,7 +15,7 @@ struct ElementQuery {
     std::string role;        // as AT-SPI names it: "push button", "text", "list item"
     std::string name;        // a regular expression for its whole name, or, where it has none, for
                              // the whole text it holds; empty: any
-    std::string text = {};   // if set, not the element but the first place of this text in it
+    std::string text;        // if set, not the element but the first place of this text in it
 };
 
 /// An element, or a piece of text, that was found.

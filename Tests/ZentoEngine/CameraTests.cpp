@@ -19,7 +19,7 @@ struct CameraCase {
     std::vector<Moment> moments;
     std::vector<Shot> expected; // of a film of 100 s that is the source
     Overrides overrides = {};
-    std::optional<double> hero = {};
+    std::optional<double> hero;
 };
 
 class Camera : public testing::TestWithParam<CameraCase> {};

@@ -7,6 +7,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace zento::test {
 
 namespace {
@@ -16,9 +19,10 @@ using namespace EditPlanner;
 std::vector<std::string> labels(const std::vector<InputEvent>& events)
 {
     std::vector<std::string> result;
-    for (const KeystrokeChip& chip : keystrokeChips(EventLog(events), wholeFilm())) {
-        result.push_back(chip.label);
-    }
+    std::ranges::transform(
+        keystrokeChips(EventLog(events), wholeFilm()),
+        std::back_inserter(result),
+        &KeystrokeChip::label);
     return result;
 }
 
@@ -103,7 +107,7 @@ TEST(Chapters, KeepTheirDistance)
     EXPECT_EQ(markers[2].title, "measured from the last");
 }
 
-std::string shapeAt(double t, PlanConfig config, double clickTime, Moment typing)
+std::string shapeAt(double t, const PlanConfig& config, double clickTime, const Moment& typing)
 {
     const std::vector<InputEvent> events = {event(t, EventKind::Move), click(clickTime)};
     return smoothCursor(EventLog(events), std::vector{typing}, config).front().style;

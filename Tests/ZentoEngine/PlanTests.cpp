@@ -92,6 +92,7 @@ TEST(Plan, IsTheSameOnEveryThread)
     std::vector<EditPlan> plans(4);
     {
         std::vector<std::jthread> threads;
+        threads.reserve(plans.size());
         for (EditPlan& result : plans) {
             threads.emplace_back([&] { result = plan(session.input); });
         }

@@ -39,6 +39,7 @@ TEST(KeystrokeChips, GrowWithinARun)
 TEST(KeystrokeChips, ShowTheEndOfALongText)
 {
     std::vector<InputEvent> events;
+    events.reserve(30);
     for (int i = 0; i < 30; ++i) {
         events.push_back(key(i * 0.1, std::string(1, static_cast<char>('A' + i))));
     }

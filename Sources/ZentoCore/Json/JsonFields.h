@@ -4,7 +4,9 @@
 #include "ZentoCore/Json/JsonReader.h"
 #include "ZentoCore/Json/JsonWriter.h"
 
+#include <map>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -65,6 +67,17 @@ void encode(JsonWriter& json, const std::vector<Item>& items)
         encode(json, item);
     }
     json.endArray();
+}
+
+template <typename Item>
+void encode(JsonWriter& json, const std::map<std::string, Item>& items)
+{
+    json.beginObject();
+    for (const auto& [key, item] : items) {
+        json.key(key);
+        encode(json, item);
+    }
+    json.endObject();
 }
 
 /// One key and its value; an absent value leaves the key out.

@@ -5,6 +5,7 @@
 #include <simdjson.h>
 
 #include <concepts>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,6 +34,9 @@ void decodeValue(simdjson::dom::element element, Record& value);
 
 template <typename Item>
 void decodeValue(simdjson::dom::element element, std::vector<Item>& value);
+
+template <typename Item>
+void decodeValue(simdjson::dom::element element, std::map<std::string, Item>& value);
 
 [[noreturn]] void throwWrongType(std::string_view expected);
 
@@ -110,6 +114,15 @@ void decodeValue(simdjson::dom::element element, std::vector<Item>& value)
     value.reserve(array.size());
     for (const simdjson::dom::element item : array) {
         decodeValue(item, value.emplace_back());
+    }
+}
+
+template <typename Item>
+void decodeValue(simdjson::dom::element element, std::map<std::string, Item>& value)
+{
+    value.clear();
+    for (const auto& [key, item] : JsonObject(element).fields()) {
+        decodeValue(item, value[std::string(key)]);
     }
 }
 

@@ -33,7 +33,9 @@ void JsonWriter::key(std::string_view name)
 {
     assert(!m_levels.empty() && m_levels.back().isObject && !m_afterKey);
     Level& level = m_levels.back();
-    assert((level.isEmpty || level.lastKey < name) && "keys stand in ascending order");
+    assert(
+        (m_keyOrder == KeyOrder::AsGiven || level.isEmpty || level.lastKey < name)
+        && "keys stand in ascending order");
     separate();
     level.lastKey = name;
     writeString(name);

@@ -10,9 +10,9 @@ namespace zento {
 /// Writes one JSON text, piece by piece, in one of the two forms of a bundle's files.
 ///
 /// Keys must be given in ascending byte order within an object (asserted), so that equal values
-/// always give equal bytes. Text is made well-formed on the way: nothing written here can fail to
-/// be read back. Numbers are the shortest that read back as the same double; a whole number has no
-/// fraction.
+/// always give equal bytes; only a record whose own order is its form says so. Text is made
+/// well-formed on the way: nothing written here can fail to be read back. Numbers are the shortest
+/// that read back as the same double; a whole number has no fraction.
 class JsonWriter {
 public:
     enum class Form {
@@ -20,8 +20,11 @@ public:
         Line,     // compact, slashes as they are
     };
 
-    explicit JsonWriter(Form form)
+    enum class KeyOrder { Ascending, AsGiven };
+
+    explicit JsonWriter(Form form, KeyOrder keyOrder = KeyOrder::Ascending)
         : m_form(form)
+        , m_keyOrder(keyOrder)
     {
     }
 
@@ -64,6 +67,7 @@ private:
     void writeString(std::string_view text);
 
     Form m_form;
+    KeyOrder m_keyOrder;
     std::string m_text;
     std::vector<Level> m_levels;
     bool m_afterKey = false;

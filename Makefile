@@ -1,0 +1,46 @@
+# A newcomer types `make run` or `make test`; each installs what is missing first.
+#
+#   make run     build, then open Zento (without a display: record and render the demo)
+#   make test    build, then run every test          make bench   timings as ratios in one run
+#   make lint    formatting, includes, clang-tidy    make format  rewrite the formatting
+#   make asan    tests under address and undefined-behaviour sanitizers
+#   make tsan    tests under the thread sanitizer    make fuzz    the fuzzers, FUZZ_SECONDS each
+SHELL := /bin/bash
+BUILD := build/release
+JOBS := $(shell nproc)
+FUZZ_SECONDS ?= 60
+
+.PHONY: run test build bench lint format asan tsan fuzz clean
+
+run: build
+	@if [ -n "$$DISPLAY$$WAYLAND_DISPLAY" ]; then $(BUILD)/zento; else $(BUILD)/zento demo; fi
+
+build:
+	@tools/install-packages.sh build run test
+	@tools/build.sh release
+
+test: build
+	@cd $(BUILD) && ctest --output-on-failure --no-tests=error -j $(JOBS)
+
+bench: build
+	@tools/bench.sh $(BUILD)
+
+lint:
+	@tools/install-packages.sh build test lint
+	@tools/lint.sh
+
+format:
+	@tools/install-packages.sh lint
+	@tools/format.sh -i
+
+asan tsan:
+	@tools/install-packages.sh build run test
+	@tools/build.sh $@
+	@cd build/$@ && ctest --output-on-failure --no-tests=error -j $(JOBS)
+
+fuzz:
+	@tools/install-packages.sh build fuzz
+	@tools/fuzz.sh $(FUZZ_SECONDS)
+
+clean:
+	rm -rf build

@@ -1,0 +1,115 @@
+#include "Zento/Model/PlanSources.h"
+
+#include "ZentoCore/Error.h"
+#include "ZentoCore/FileIO.h"
+
+#include <filesystem>
+#include <system_error>
+
+namespace zento {
+
+namespace {
+
+bool isThere(const std::filesystem::path& file)
+{
+    std::error_code ignored;
+    return std::filesystem::exists(file, ignored);
+}
+
+/// A file of an analysis; anything wrong with it means that the analysis is not there.
+template <typename Decode>
+auto analysis(const std::filesystem::path& file, Decode decode)
+    -> std::optional<decltype(decode(""))>
+{
+    try {
+        return decode(readFile(file));
+    } catch (const Error&) {
+        return std::nullopt;
+    }
+}
+
+/// With captions off the stretches stay, so that speech is still protected, but have no text.
+std::vector<TranscriptSegment> transcript(const SessionBundle& bundle, const AppSettings& settings)
+{
+    auto segments = analysis(bundle.transcriptURL(), decodeTranscript)
+                        .value_or(std::vector<TranscriptSegment>{});
+    if (!settings.showCaptions) {
+        for (TranscriptSegment& segment : segments) {
+            segment.text.clear();
+        }
+    }
+    return segments;
+}
+
+std::optional<NarrationPlan>
+soundTrack(const std::filesystem::path& file, std::optional<double> offset, double gainDb)
+{
+    if (!isThere(file)) {
+        return std::nullopt;
+    }
+    return NarrationPlan{file.string(), offset.value_or(0), gainDb};
+}
+
+std::optional<WebcamPlan> webcam(const SessionBundle& bundle, const AppSettings& settings)
+{
+    if (!isThere(bundle.webcamURL())) {
+        return std::nullopt;
+    }
+    return WebcamPlan{
+        .file = bundle.webcamURL().string(),
+        .offset = bundle.meta.webcamOffset.value_or(0),
+        .corner = settings.webcamCorner,
+        .size = settings.webcamSize,
+        .shape = settings.webcamShape,
+        .ring = settings.webcamRing,
+        .roundness = settings.webcamRoundness,
+        .mirror = settings.webcamMirror,
+        .zoom = settings.webcamZoom,
+        .shadow = settings.webcamShadow,
+        .enhance = settings.webcamEnhance,
+        .blurBackground = settings.webcamBlurBackground,
+    };
+}
+
+} // namespace
+
+SavedOverrides loadSavedOverrides(const SessionBundle& bundle)
+{
+    try {
+        return parseFile(bundle.overridesURL(), decodeSavedOverrides);
+    } catch (const Error& error) {
+        if (error.domain() == "Zento" && error.code() == ErrorCode::kNoDefinedPlan) {
+            throw;
+        }
+        return {};
+    }
+}
+
+EditPlanner::PlanInput gatherPlanInput(
+    const SessionBundle& bundle,
+    const AppSettings& settings,
+    const SavedOverrides& edits,
+    const std::optional<std::string>& desktopImage)
+{
+    EditPlanner::PlanInput input;
+    input.events = bundle.events;
+    input.meta = bundle.meta;
+    input.config = settings.planConfig();
+    input.overrides = edits.overrides(bundle.meta.duration);
+    input.output = settings.outputSpec();
+    input.style = settings.styleSpec(desktopImage);
+    input.framingHints =
+        analysis(bundle.framingURL(), decodeFramingHints).value_or(std::vector<FramingHint>{});
+    input.transcript = transcript(bundle, settings);
+    input.narration =
+        soundTrack(bundle.narrationURL(), bundle.meta.narrationOffset, settings.narrationGainDb);
+    if (settings.semanticEdit) {
+        input.semantics = analysis(bundle.semanticsURL(), decodeSemanticNotes);
+    }
+    input.webcam = webcam(bundle, settings);
+    input.systemAudio = soundTrack(
+        bundle.systemAudioURL(), bundle.meta.systemAudioOffset, settings.systemAudioGainDb);
+    return input;
+}
+
+} // namespace zento

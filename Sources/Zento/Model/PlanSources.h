@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Zento/Model/AppSettings.h"
+#include "ZentoCore/Overrides.h"
+#include "ZentoCore/SessionBundle.h"
+#include "ZentoEngine/EditPlanner.h"
+
+#include <optional>
+#include <string>
+
+namespace zento {
+
+/// The user's edits of a bundle, or none: a file that is missing or does not decode counts as no
+/// edits. Throws `Error` only for edits that contradict each other.
+SavedOverrides loadSavedOverrides(const SessionBundle& bundle);
+
+/// Everything the plan of a bundle is made from, gathered from its files and the settings.
+///
+/// Analyses that are missing or do not decode are left out; none is run. A track exists when its
+/// file does. Music is not part of it: its beats are an analysis. The result views
+/// `bundle.events`, so the bundle must outlive it. Blocks on files.
+EditPlanner::PlanInput gatherPlanInput(
+    const SessionBundle& bundle,
+    const AppSettings& settings,
+    const SavedOverrides& edits,
+    const std::optional<std::string>& desktopImage);
+
+} // namespace zento

@@ -1,0 +1,38 @@
+#!/bin/bash
+# The architecture, as far as includes can show it: which outside library belongs to which module,
+# and which modules a module may see. The build cannot confine a header on the default include path.
+cd "$(dirname "$0")/.." || exit 1
+bad=0
+
+# <header pattern> <the only folders below Sources/ that may include it>
+while read -r pattern owner; do
+    hits=$(grep -rnE "#include [<\"]($pattern)" Sources --include='*.h' --include='*.cpp' \
+        | grep -vE "^Sources/($owner)/")
+    [[ -n $hits ]] && { echo "only Sources/$owner may include <$pattern>:"; echo "$hits"; bad=1; }
+done <<'RULES'
+libav|libsw ZentoMedia
+cairo|pango|gdk-pixbuf|hwy/|png\.h ZentoImaging
+X11/|xcb/|xkbcommon/ ZentoCapture/Backends|Zento/Desktop|Zento/Demo
+pipewire/|spa/ ZentoCapture/Backends
+atspi/ ZentoCapture/Backends|Zento/Demo
+opencv ZentoIntelligence|ZentoRender
+simdjson ZentoCore
+Q[A-Z] Zento
+RULES
+
+# <folder> <the module folders it may include from, itself aside>
+while read -r folder allowed; do
+    hits=$(grep -rnE '#include "[A-Z]' "Sources/$folder" --include='*.h' --include='*.cpp' \
+        | grep -vE "#include \"($folder|$allowed)/")
+    [[ -n $hits ]] && { echo "Sources/$folder may include from $allowed only:"; echo "$hits"; bad=1; }
+done <<'EDGES'
+ZentoCore ZentoCore
+ZentoMedia ZentoCore
+ZentoImaging ZentoCore
+ZentoEngine ZentoCore|ZentoMedia
+ZentoRender ZentoCore|ZentoMedia|ZentoImaging
+ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
+Zento/Model ZentoCore|ZentoEngine
+Zento/Demo ZentoCore
+EDGES
+exit $bad

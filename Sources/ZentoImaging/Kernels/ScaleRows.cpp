@@ -215,7 +215,7 @@ loadBlocks([[maybe_unused]] D d, const std::int16_t* row, const std::int32_t* ba
 
 enum class Halves { First, Both };
 
-template <Halves Read>
+template <Halves kHalves>
 HWY_INLINE void scaleWindows(
     const std::int16_t* row,
     std::size_t count,
@@ -238,14 +238,14 @@ HWY_INLINE void scaleWindows(
         const std::int16_t* window = row;
         for (int g = 0; g < groups; ++g, window += group) {
             const auto first = hn::BitCast(bytes, loadBlocks(d, window, bases + x / 8));
-            const auto second = Read == Halves::Both
+            const auto second = kHalves == Halves::Both
                                     ? hn::BitCast(bytes, loadBlocks(d, window + 8, bases + x / 8))
                                     : first;
             const std::uint8_t* pick = picks + 2 * x;
             for (int t = 0; t < group; ++t, pick += 2 * padded, w += padded) {
                 const auto index = hn::LoadU(bytes, pick);
                 auto picked = hn::TableLookupBytesOr0(first, index);
-                if constexpr (Read == Halves::Both) {
+                if constexpr (kHalves == Halves::Both) {
                     picked =
                         hn::Or(picked, hn::TableLookupBytesOr0(second, hn::Xor(index, otherHalf)));
                 }

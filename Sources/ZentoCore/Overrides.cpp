@@ -161,9 +161,7 @@ std::string encodeOverrides(const Overrides& overrides)
 
 Overrides decodeOverrides(std::string_view json)
 {
-    auto overrides = decodeDocument<Overrides>(json);
-    requireUnique(overrides.zoomEdits);
-    return overrides;
+    return decodeDocument<Overrides>(json);
 }
 
 std::string encodeSavedOverrides(const SavedOverrides& saved)

@@ -24,7 +24,7 @@ void convert(const BgraView& source, const YuvPlanes<std::uint16_t>& destination
 Picture toPicture(const Canvas& canvas, Layout layout);
 Picture toPicture(const BgraView& source, Layout layout);
 
-/// An opaque picture as a canvas, chroma interpolated linearly.
+/// An opaque picture as a canvas, chroma interpolated as in scaling.
 Canvas toCanvas(const ConstPictureView& picture);
 Canvas toCanvas(const YuvPlanes<const std::uint8_t>& planes);
 Canvas toCanvas(const YuvPlanes<const std::uint16_t>& planes);

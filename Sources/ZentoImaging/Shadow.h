@@ -15,7 +15,7 @@ namespace zento {
 /// small field that depends on radius and sigma alone: it is integrated once, kept as a patch and
 /// subtracted at the four corners. Accurate to half a level of 255.
 ///
-/// Threading: one thread at a time. Copies share nothing.
+/// Threading: one thread at a time.
 class Shadow {
 public:
     /// In samples of the plane it is used for. A sigma below 0.5 counts as 0.5.

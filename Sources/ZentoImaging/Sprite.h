@@ -58,7 +58,6 @@ private:
         std::size_t color = 0; // where its samples begin in m_samples, then width * height of alpha
         std::size_t alpha = 0;
     };
-    Part place(const Sprite& sprite, std::size_t plane, Vec2 origin, double scale);
 
     Layout m_layout = Layout::Yuv420;
     std::array<Part, 3> m_parts;

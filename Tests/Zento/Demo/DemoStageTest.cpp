@@ -1,0 +1,228 @@
+#include "Zento/Demo/DemoStage.h"
+
+#include "Zento/Demo/DemoActor.h"
+#include "Zento/Demo/DemoError.h"
+#include "Zento/Demo/StopSignals.h"
+#include "Zento/Demo/Waiting.h"
+#include "ZentoCore/Error.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <fstream>
+#include <sstream>
+
+namespace zento {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string content(const fs::path& file)
+{
+    std::ostringstream text;
+    text << std::ifstream(file, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+fs::path socketOf(const std::string& display)
+{
+    return "/tmp/.X11-unix/X" + display.substr(1);
+}
+
+/// The programs that have `folder` for their home: only a desktop's own have.
+std::vector<std::string> programsAtHomeIn(const fs::path& folder)
+{
+    std::vector<std::string> result;
+    for (const auto& entry : fs::directory_iterator("/proc")) {
+        if (content(entry.path() / "environ").contains("HOME=" + folder.string())) {
+            result.push_back(content(entry.path() / "cmdline"));
+        }
+    }
+    return result;
+}
+
+/// What a process that sets a stage tells those who look after it has gone.
+struct Traces {
+    fs::path home;
+    std::string display;
+
+    static Traces of(const DemoStage& stage)
+    {
+        return {stage.desktop().home().path(), stage.display()};
+    }
+
+    void write(const fs::path& file) const
+    {
+        std::ofstream(file) << home.string() << '\n' << display << '\n';
+    }
+
+    static Traces read(const fs::path& file)
+    {
+        Traces traces;
+        std::string home;
+        std::ifstream(file) >> home >> traces.display;
+        traces.home = home;
+        return traces;
+    }
+};
+
+TEST(DemoStage, leavesNothingBehind)
+{
+    Traces traces;
+    {
+        const DemoStage stage;
+        traces = Traces::of(stage);
+        EXPECT_GE(programsAtHomeIn(traces.home).size(), 7U)
+            << "server, windows, two buses with their two helpers, two programs";
+        EXPECT_TRUE(fs::exists(socketOf(traces.display)));
+    }
+    EXPECT_TRUE(programsAtHomeIn(traces.home).empty());
+    EXPECT_FALSE(fs::exists(traces.home));
+    EXPECT_FALSE(fs::exists(socketOf(traces.display)));
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child is left, dead or alive";
+    EXPECT_EQ(errno, ECHILD);
+}
+
+TEST(DemoStage, twoStandSideBySide)
+{
+    const DemoStage one;
+    const DemoStage other;
+    EXPECT_NE(one.display(), other.display());
+    EXPECT_NE(one.accessibilityAddress(), other.accessibilityAddress());
+}
+
+TEST(DemoStage, saysThatItWasStopped)
+{
+    std::stop_source stop;
+    stop.request_stop();
+    try {
+        const DemoStage stage(stop.get_token());
+        FAIL() << "it was set";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.code(), DemoErrorCode::kStopped);
+    }
+}
+
+/// In a process of its own: sets a stage, is hit by a signal, and goes the way a command goes.
+class InterruptedStageTest : public testing::Test {
+protected:
+    InterruptedStageTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+
+    ~InterruptedStageTest() override
+    {
+        std::error_code ignored;
+        fs::remove(m_note, ignored);
+    }
+
+    [[noreturn]] void runAndGetHit(int signal) const
+    {
+        const StopSignals signals;
+        try {
+            const DemoStage stage(signals.token());
+            Traces::of(stage).write(m_note);
+            const std::vector<DemoStep> script = demoScript();
+            DemoActor actor(stage.display(), stage.accessibilityAddress());
+            kill(getpid(), signal);
+            perform(script, actor, signals.token());
+        } catch (const Error& error) {
+            if (error.code() != DemoErrorCode::kStopped) {
+                _exit(1);
+            }
+        }
+        _exit(128 + signals.received());
+    }
+
+    void expectNoProgramsLeft() const
+    {
+        const Traces traces = Traces::read(m_note);
+        ASSERT_TRUE(traces.home.string().contains("zento-desktop-"));
+        const auto isGone = [&] { return programsAtHomeIn(traces.home).empty(); };
+        EXPECT_NO_THROW(waitUntil(isGone, 30, "programs are left", {}));
+        EXPECT_FALSE(fs::exists(socketOf(traces.display)));
+    }
+
+    // Found again by the process of the test's other half: the same name there.
+    fs::path m_note =
+        fs::temp_directory_path()
+        / ("zento-test-"
+           + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+};
+
+using InterruptedStageDeathTest = InterruptedStageTest;
+
+TEST_F(InterruptedStageDeathTest, sigtermTakesEverythingDown)
+{
+    EXPECT_EXIT(runAndGetHit(SIGTERM), testing::ExitedWithCode(128 + SIGTERM), "");
+    expectNoProgramsLeft();
+    EXPECT_FALSE(fs::exists(Traces::read(m_note).home));
+}
+
+TEST_F(InterruptedStageDeathTest, sigintTakesEverythingDown)
+{
+    EXPECT_EXIT(runAndGetHit(SIGINT), testing::ExitedWithCode(128 + SIGINT), "");
+    expectNoProgramsLeft();
+    EXPECT_FALSE(fs::exists(Traces::read(m_note).home));
+}
+
+TEST_F(InterruptedStageDeathTest, noProgramOutlivesEvenAKilledProcess)
+{
+    EXPECT_EXIT(runAndGetHit(SIGKILL), testing::KilledBySignal(SIGKILL), "");
+    expectNoProgramsLeft();
+    fs::remove_all(Traces::read(m_note).home); // nobody was left to do it
+}
+
+TEST(DemoScript, holdsWhatAnEditorWorksOn)
+{
+    const std::vector<DemoStep> script = demoScript();
+    const auto count = [&](const auto& isWanted) {
+        return std::ranges::count_if(script, isWanted);
+    };
+    EXPECT_GE(
+        count([](const DemoStep& step) {
+            const auto* pause = std::get_if<PauseStep>(&step);
+            return pause != nullptr && pause->seconds >= 6;
+        }),
+        1);
+    EXPECT_GE(
+        count([](const DemoStep& step) {
+            const auto* click = std::get_if<ClickStep>(&step);
+            return click != nullptr && click->button == PointerButton::Right;
+        }),
+        1);
+    EXPECT_GE(count([](const DemoStep& s) { return std::holds_alternative<ScrollStep>(s); }), 1);
+    EXPECT_GE(count([](const DemoStep& s) { return std::holds_alternative<TypeStep>(s); }), 2);
+    EXPECT_GE(count([](const DemoStep& s) { return std::holds_alternative<ClickStep>(s); }), 6);
+}
+
+// Every click has to hit and every key to arrive for this: the icon's name in the notes has gone
+// through a dialog's button, the clipboard and a menu, and the file was saved by the keyboard.
+TEST(DemoScript, endsWithTheNotesWrittenAndTheSearchDone)
+{
+    const DemoStage stage;
+    const std::vector<DemoStep> script = demoScript();
+    DemoActor actor(stage.display(), stage.accessibilityAddress());
+    awaitCurtain(script, actor, {});
+    perform(script, actor, {});
+
+    std::string expected = notesText();
+    const std::string line = "A picture for the storm warning";
+    expected.insert(
+        expected.find(line) + line.size(),
+        ": weather-storm-symbolic\n- Ask Ida: is it clear at 16 px?");
+    EXPECT_EQ(content(stage.desktop().home().path() / kNotesFile), expected);
+    EXPECT_EQ(
+        ElementFinder(stage.accessibilityAddress())
+            .textOf(
+                {.application = "gtk3-icon-browser",
+                 .window = "Icon Browser",
+                 .role = "text",
+                 .name = ""}),
+        "calendar");
+}
+
+} // namespace
+} // namespace zento

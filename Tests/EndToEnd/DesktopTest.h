@@ -74,8 +74,8 @@ protected:
     static PrivateDesktop& stage();
     static const std::string& display() { return stage().display(); }
 
-    std::unique_ptr<Desktop> desktop = openDesktop(display());
-    TestUser user{display()};
+    std::unique_ptr<Desktop> m_desktop = openDesktop(display());
+    TestUser m_user{display()};
 };
 
 } // namespace zento

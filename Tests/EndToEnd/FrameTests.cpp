@@ -108,8 +108,8 @@ class FrameTest : public DesktopTest {
 protected:
     std::unique_ptr<FrameSource> wholeScreen() const
     {
-        return desktop->frameSource(
-            {.displayID = desktop->displays().at(0).id,
+        return m_desktop->frameSource(
+            {.displayID = m_desktop->displays().at(0).id,
              .pixelWidth = kWidth,
              .pixelHeight = kHeight});
     }
@@ -125,7 +125,7 @@ TEST_F(FrameTest, comesAtOnceAndThenOnlyWhenPixelsChange)
 
     window.setColour(0); // painted again as it was
     for (int x = 0; x < 200; ++x) {
-        user.move(x, 50); // the pointer is no part of the picture
+        m_user.move(x, 50); // the pointer is no part of the picture
     }
     window.setColour(0x123456);
     ASSERT_TRUE(eventually([&] { return list.pixels().back() == 0x123456; }));
@@ -180,7 +180,7 @@ TEST_F(FrameTest, aMonitorIsRecordedWithoutItsNeighbour)
             defineMonitor(connection.get(), name, i * kWidth / 2, kWidth / 2, kHeight);
     }
     roundTrip(connection.get());
-    const auto displays = desktop->displays();
+    const auto displays = m_desktop->displays();
     const auto right = std::ranges::find(displays, std::string("RIGHT"), &DisplayInfo::name);
     ASSERT_NE(right, displays.end());
     EXPECT_EQ(right->bounds, (Rect{kWidth / 2.0, 0, kWidth / 2.0, kHeight}));
@@ -189,7 +189,7 @@ TEST_F(FrameTest, aMonitorIsRecordedWithoutItsNeighbour)
     ColourWindow leftWindow(display(), 100, 100, 50, 50);
     ColourWindow rightWindow(display(), kWidth / 2 + 100, 100, 50, 50);
     FrameList list(110, 110);
-    const auto source = desktop->frameSource(
+    const auto source = m_desktop->frameSource(
         {.displayID = right->id, .pixelWidth = kWidth / 2, .pixelHeight = kHeight});
     source->start(list.handler(), ignoreEnd);
     ASSERT_TRUE(eventually([&] { return list.frames().size() == 1; }));
@@ -209,16 +209,16 @@ TEST_F(FrameTest, aMonitorIsRecordedWithoutItsNeighbour)
 
 TEST_F(FrameTest, whatLiesOutsideTheScreenIsRefused)
 {
-    const auto id = desktop->displays().at(0).id;
+    const auto id = m_desktop->displays().at(0).id;
     EXPECT_THROW(
-        (void)desktop->frameSource(
+        (void)m_desktop->frameSource(
             {.displayID = id,
              .sourceRect = Rect{600, 0, 100, 100},
              .pixelWidth = 100,
              .pixelHeight = 100}),
         Error);
     EXPECT_THROW(
-        (void)desktop->frameSource({.displayID = id + 1, .pixelWidth = 10, .pixelHeight = 10}),
+        (void)m_desktop->frameSource({.displayID = id + 1, .pixelWidth = 10, .pixelHeight = 10}),
         Error);
 }
 

@@ -26,9 +26,9 @@ constexpr std::uint8_t kKeyLeft = 113;
 class InputTest : public DesktopTest {
 protected:
     InputTest()
-        : source(desktop->inputSource())
+        : m_source(m_desktop->inputSource())
     {
-        source->start([this](const RawInput& input) {
+        m_source->start([this](const RawInput& input) {
             const std::lock_guard lock(m_mutex);
             m_inputs.push_back(input);
         });
@@ -37,7 +37,7 @@ protected:
     /// All that was heard until now; the source hears no more.
     std::vector<RawInput> heard()
     {
-        source->stop();
+        m_source->stop();
         return m_inputs;
     }
 
@@ -45,13 +45,13 @@ protected:
     bool hears(std::size_t count)
     {
         return eventually([&] {
-            source->pointerPosition();
+            m_source->pointerPosition();
             const std::lock_guard lock(m_mutex);
             return m_inputs.size() >= count;
         });
     }
 
-    std::unique_ptr<InputSource> source;
+    std::unique_ptr<InputSource> m_source;
 
 private:
     std::mutex m_mutex;
@@ -79,6 +79,7 @@ std::string text(const RawInput& input)
 std::vector<std::string> texts(const std::vector<RawInput>& inputs)
 {
     std::vector<std::string> result;
+    result.reserve(inputs.size());
     for (const RawInput& input : inputs) {
         result.push_back(text(input));
     }
@@ -90,7 +91,7 @@ using testing::ElementsAre;
 TEST_F(InputTest, buttonsAreThoseOfTheLog)
 {
     for (const int button : {1, 2, 3, 8}) {
-        user.click(static_cast<std::uint8_t>(button));
+        m_user.click(static_cast<std::uint8_t>(button));
     }
     EXPECT_THAT(texts(heard()), ElementsAre("left down", "left up", "right down"));
 }
@@ -98,7 +99,7 @@ TEST_F(InputTest, buttonsAreThoseOfTheLog)
 TEST_F(InputTest, theWheelTurnsUpAndLeftPositively)
 {
     for (const int button : {4, 5, 6, 7}) {
-        user.click(static_cast<std::uint8_t>(button));
+        m_user.click(static_cast<std::uint8_t>(button));
     }
     EXPECT_THAT(
         texts(heard()), ElementsAre("scroll 0 10", "scroll 0 -10", "scroll 10 0", "scroll -10 0"));
@@ -106,16 +107,16 @@ TEST_F(InputTest, theWheelTurnsUpAndLeftPositively)
 
 TEST_F(InputTest, keysAreNamedWithTheirModifiers)
 {
-    user.type(kKeyA);
+    m_user.type(kKeyA);
     for (const std::uint8_t modifier : {kKeyShift, kKeyControl, kKeyAlt, kKeySuper}) {
-        user.pressKey(modifier); // no record of its own
-        user.type(kKeyA);
+        m_user.pressKey(modifier); // no record of its own
+        m_user.type(kKeyA);
     }
     for (const std::uint8_t modifier : {kKeyShift, kKeyControl, kKeyAlt, kKeySuper}) {
-        user.releaseKey(modifier);
+        m_user.releaseKey(modifier);
     }
     for (const std::uint8_t key : {kKey5, kKeyF5, kKeyLeft, kKeypad1}) {
-        user.type(key);
+        m_user.type(key);
     }
     EXPECT_THAT(
         texts(heard()), ElementsAre("a", "⇧A", "⌃⇧A", "⌃⌥⇧A", "⌃⌥⇧⌘A", "5", "F5", "←", "·"));
@@ -123,9 +124,9 @@ TEST_F(InputTest, keysAreNamedWithTheirModifiers)
 
 TEST_F(InputTest, aHeldKeyIsLoggedForEachRepeat)
 {
-    user.pressKey(kKeyA);
+    m_user.pressKey(kKeyA);
     ASSERT_TRUE(hears(4));
-    user.releaseKey(kKeyA);
+    m_user.releaseKey(kKeyA);
     const auto inputs = heard();
     for (std::size_t i = 1; i < inputs.size(); ++i) {
         EXPECT_EQ(text(inputs[i]), "a");
@@ -139,11 +140,11 @@ TEST_F(InputTest, aClickLiesWhereItHappenedHoweverFastThePointerGoesOn)
     std::vector<double> times;
     for (int i = 0; i < 50; ++i) {
         places.push_back({10.0 + 12 * i, 200.0 - 3 * i});
-        user.move(10 + 12 * i, 200 - 3 * i);
+        m_user.move(10 + 12 * i, 200 - 3 * i);
         times.push_back(monotonicSeconds());
-        user.press(1);
-        user.move(600, 300);
-        user.release(1);
+        m_user.press(1);
+        m_user.move(600, 300);
+        m_user.release(1);
     }
     const double end = monotonicSeconds();
     std::vector<RawInput> clicks;
@@ -179,17 +180,17 @@ TEST_F(InputTest, grabsOfOtherProgramsHideNothing)
     xcb_grab_keyboard(
         other.get(), 0, root, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
     roundTrip(other.get());
-    user.click(1);
-    user.click(4);
-    user.type(kKeyA);
+    m_user.click(1);
+    m_user.click(4);
+    m_user.type(kKeyA);
     EXPECT_THAT(
         texts(heard()), testing::UnorderedElementsAre("left down", "left up", "scroll 0 10", "a"));
 }
 
 TEST_F(InputTest, thePointerIsRead)
 {
-    user.move(123, 45);
-    EXPECT_EQ(source->pointerPosition(), (Vec2{123, 45}));
+    m_user.move(123, 45);
+    EXPECT_EQ(m_source->pointerPosition(), (Vec2{123, 45}));
 }
 
 TEST(InputWithoutServer, hasNoDisplay)

@@ -70,13 +70,13 @@ TEST_F(RecordingTest, aClickAndItsEffectLieTogetherInTheBundle)
 {
     constexpr int kClicks = 5;
     ColourWindow window(display(), 100, 100, 80, 60);
-    CaptureSession session(bundleURL(), *desktop);
-    user.move(130, 120);
+    CaptureSession session(bundleURL(), *m_desktop);
+    m_user.move(130, 120);
     session.start();
     ASSERT_TRUE(waitForFrames(session, 1));
     for (int click = 0; click < kClicks; ++click) {
-        user.move(130 + click, 120);
-        user.click(1);
+        m_user.move(130 + click, 120);
+        m_user.click(1);
         ASSERT_TRUE(waitForFrames(session, click + 2));
     }
     session.stop();
@@ -108,12 +108,12 @@ TEST_F(RecordingTest, aClickAndItsEffectLieTogetherInTheBundle)
 TEST_F(RecordingTest, anAreaHasItsOwnSizeAndOrigin)
 {
     ColourWindow window(display(), 100, 100, 80, 60);
-    CaptureSession session(bundleURL(), *desktop);
+    CaptureSession session(bundleURL(), *m_desktop);
     session.target = Target::Area{{90, 95, 101, 51}};
     session.start();
     ASSERT_TRUE(waitForFrames(session, 1));
-    user.move(105, 105);
-    user.click(1);
+    m_user.move(105, 105);
+    m_user.click(1);
     ASSERT_TRUE(waitForFrames(session, 2));
     session.stop();
     const SessionBundle bundle = SessionBundle::load(bundleURL());
@@ -203,18 +203,18 @@ TEST_F(RecordingTest, aClickKnowsTheElementItHit)
     const Rect entry = frameOfElement(finder, {.window = "Who", .role = "text"});
     ASSERT_GT(button.w * button.h * entry.w * entry.h, 0);
 
-    CountingDesktop counting(*desktop);
+    CountingDesktop counting(*m_desktop);
     CaptureSession session(bundleURL(), counting);
     session.start();
     ASSERT_TRUE(waitForFrames(session, 1));
     int clicks = 0;
     for (const Rect& frame : {entry, button}) {
-        user.move(static_cast<int>(frame.center().x), static_cast<int>(frame.center().y));
-        user.press(1);
+        m_user.move(static_cast<int>(frame.center().x), static_cast<int>(frame.center().y));
+        m_user.press(1);
         ++clicks;
         // The dialog goes with the release, and an answer with the dialog.
         EXPECT_TRUE(eventually([&] { return counting.foundCount() == clicks; }));
-        user.release(1);
+        m_user.release(1);
     }
     EXPECT_TRUE(eventually([&] { return !ProcessGroup::isRunning(dialog); }));
     session.stop();
@@ -246,7 +246,7 @@ TEST_F(RecordingTest, aServerThatDiesEndsTheStreamAndLeavesABundle)
 TEST_F(RecordingTest, aFullDiskIsToldAtTheEndByTheMoviesName)
 {
     ColourWindow window(display(), 0, 0, kWidth, kHeight);
-    CaptureSession session(bundleURL(), *desktop);
+    CaptureSession session(bundleURL(), *m_desktop);
     session.start();
     ASSERT_TRUE(waitForFrames(session, 1));
     {

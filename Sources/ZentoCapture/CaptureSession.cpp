@@ -88,12 +88,13 @@ void CaptureSession::stop()
     }
     m_intake.setWriter(nullptr);
     const auto writer = std::exchange(m_writer, nullptr);
-    if (!m_intake.epoch()) {
+    const std::optional<double> epoch = m_intake.epoch();
+    if (!epoch) {
         throw Error(ErrorCode::kNoFrames, "no frames captured");
     }
     writer->finish();
     const SessionBundle bundle{
-        .url = m_bundleURL, .meta = meta(), .events = m_log->finished(*m_intake.epoch())};
+        .url = m_bundleURL, .meta = meta(*epoch), .events = m_log->finished(*epoch)};
     bundle.writeMetadata();
 }
 
@@ -176,7 +177,7 @@ void CaptureSession::startCursorPolling()
     });
 }
 
-SessionMeta CaptureSession::meta() const
+SessionMeta CaptureSession::meta(double epoch) const
 {
     return {
         .appName = appName,
@@ -184,7 +185,7 @@ SessionMeta CaptureSession::meta() const
         .pixelHeight = m_pixelHeight,
         .scaleFactor = m_scale,
         .nominalFPS = kNominalFPS,
-        .duration = std::max(0.0, m_intake.lastPTS() - m_intake.epoch().value_or(0))};
+        .duration = std::max(0.0, m_intake.lastPTS() - epoch)};
 }
 
 } // namespace zento

@@ -73,7 +73,7 @@ private:
     void startWriter();
     void startStream(const FrameRequest& request);
     void startCursorPolling();
-    SessionMeta meta() const;
+    SessionMeta meta(double epoch) const;
 
     std::filesystem::path m_bundleURL;
     Desktop& m_desktop;

@@ -29,7 +29,7 @@ protected:
 
     std::filesystem::path bundleURL() const { return m_folder / "a" / "b.zento"; }
 
-    CaptureSession makeSession() { return {bundleURL(), desktop, desktop.writerFactory()}; }
+    CaptureSession makeSession() { return {bundleURL(), m_desktop, m_desktop.writerFactory()}; }
 
     /// The code of what a step throws; 0 if it throws nothing.
     template <typename Step>
@@ -51,7 +51,7 @@ protected:
         return events;
     }
 
-    FakeDesktop desktop;
+    FakeDesktop m_desktop;
 
 private:
     std::filesystem::path m_folder;
@@ -61,10 +61,10 @@ TEST_F(CaptureSessionTest, listensFirstAndStopsListeningFirst)
 {
     CaptureSession session = makeSession();
     session.start();
-    desktop.showFrame(monotonicSeconds());
+    m_desktop.showFrame(monotonicSeconds());
     session.stop();
     EXPECT_THAT(
-        desktop.steps,
+        m_desktop.steps,
         ElementsAre(
             "input on", "displays", "writer", "stream on", "input off", "stream off", "finish"));
 }
@@ -74,16 +74,16 @@ TEST_F(CaptureSessionTest, timesCountFromTheFirstFrame)
     CaptureSession session = makeSession();
     session.start();
     const double epoch = monotonicSeconds();
-    desktop.input({.type = RawInputType::LeftDown, .time = epoch - 0.001, .point = {1, 1}});
-    desktop.showFrame(epoch - 9, FrameStatus::Incomplete);
-    desktop.showFrame(epoch);
-    desktop.input({.type = RawInputType::LeftUp, .time = epoch + 0.3, .point = {30, 3}});
-    desktop.input({.type = RawInputType::LeftDown, .time = epoch, .point = {10, 1}});
-    desktop.input({.type = RawInputType::RightDown, .time = epoch + 0.3, .point = {40, 4}});
-    desktop.showFrame(epoch + 0.5);
+    m_desktop.input({.type = RawInputType::LeftDown, .time = epoch - 0.001, .point = {1, 1}});
+    m_desktop.showFrame(epoch - 9, FrameStatus::Incomplete);
+    m_desktop.showFrame(epoch);
+    m_desktop.input({.type = RawInputType::LeftUp, .time = epoch + 0.3, .point = {30, 3}});
+    m_desktop.input({.type = RawInputType::LeftDown, .time = epoch, .point = {10, 1}});
+    m_desktop.input({.type = RawInputType::RightDown, .time = epoch + 0.3, .point = {40, 4}});
+    m_desktop.showFrame(epoch + 0.5);
     session.stop();
 
-    EXPECT_THAT(desktop.appendedTimes, ElementsAre(0, 0.5));
+    EXPECT_THAT(m_desktop.appendedTimes, ElementsAre(0, 0.5));
     const auto events = eventsWithoutMoves();
     ASSERT_EQ(events.size(), 3U); // what came before the first frame is gone
     EXPECT_EQ(events[0].t, 0);
@@ -101,30 +101,30 @@ TEST_F(CaptureSessionTest, aRefusedFrameIsCountedAndStillMovesTheClock)
 {
     CaptureSession session = makeSession();
     session.start();
-    desktop.writerIsReady = false;
-    EXPECT_EQ(desktop.showFrame(100), FrameVerdict::Refused);
-    desktop.writerIsReady = true;
-    EXPECT_EQ(desktop.showFrame(101), FrameVerdict::Taken);
-    desktop.writerIsReady = false;
-    desktop.showFrame(103);
+    m_desktop.writerIsReady = false;
+    EXPECT_EQ(m_desktop.showFrame(100), FrameVerdict::Refused);
+    m_desktop.writerIsReady = true;
+    EXPECT_EQ(m_desktop.showFrame(101), FrameVerdict::Taken);
+    m_desktop.writerIsReady = false;
+    m_desktop.showFrame(103);
     EXPECT_EQ(session.frameCount(), 1);
     EXPECT_EQ(session.droppedFrameCount(), 2);
     session.stop();
-    EXPECT_THAT(desktop.appendedTimes, ElementsAre(1)); // 100 is the epoch
+    EXPECT_THAT(m_desktop.appendedTimes, ElementsAre(1)); // 100 is the epoch
     EXPECT_DOUBLE_EQ(SessionBundle::load(bundleURL()).meta.duration, 3);
 }
 
 TEST_F(CaptureSessionTest, thePointerIsLoggedAllTheTimeAlsoWhenItCannotBeRead)
 {
-    desktop.pointer.reset();
+    m_desktop.pointer.reset();
     CaptureSession session = makeSession();
     session.target = Target::Screen{7};
-    desktop.displayList[0].bounds = {100, 50, 640, 480};
+    m_desktop.displayList[0].bounds = {100, 50, 640, 480};
     session.start();
     const double epoch = monotonicSeconds();
-    desktop.showFrame(epoch);
-    const int before = desktop.pointerReads;
-    while (desktop.pointerReads < before + 3) {
+    m_desktop.showFrame(epoch);
+    const int before = m_desktop.pointerReads;
+    while (m_desktop.pointerReads < before + 3) {
         std::this_thread::yield();
     }
     session.stop();
@@ -142,19 +142,19 @@ TEST_F(CaptureSessionTest, aLookupFindsItsClickUntilTheRecordingStops)
     {
         CaptureSession session = makeSession();
         session.start();
-        desktop.showFrame(100);
+        m_desktop.showFrame(100);
         for (const double x : {11.0, 12.0, 13.0}) {
-            desktop.input({.type = RawInputType::LeftDown, .time = 100 + x, .point = {x, 5}});
+            m_desktop.input({.type = RawInputType::LeftDown, .time = 100 + x, .point = {x, 5}});
         }
-        desktop.input({.type = RawInputType::KeyDown, .time = 120, .keyCode = 8});
-        ASSERT_EQ(desktop.lookups.size(), 3U);
-        EXPECT_EQ(desktop.lookups[1].first, (Vec2{12, 5}));
-        desktop.lookups[1].second(button);
-        desktop.lookups[0].second({.role = "AXButton", .frame = {0, 0, 20, 0}});
+        m_desktop.input({.type = RawInputType::KeyDown, .time = 120, .keyCode = 8});
+        ASSERT_EQ(m_desktop.lookups.size(), 3U);
+        EXPECT_EQ(m_desktop.lookups[1].first, (Vec2{12, 5}));
+        m_desktop.lookups[1].second(button);
+        m_desktop.lookups[0].second({.role = "AXButton", .frame = {0, 0, 20, 0}});
         session.stop();
-        desktop.lookups[2].second(button); // too late
+        m_desktop.lookups[2].second(button); // too late
     }
-    desktop.lookups[2].second(button); // nobody is left to tell
+    m_desktop.lookups[2].second(button); // nobody is left to tell
 
     const auto events = eventsWithoutMoves();
     ASSERT_EQ(events.size(), 4U);
@@ -209,7 +209,7 @@ TEST_F(CaptureSessionTest, aWindowCannotBeRecordedYetAndSaysSo)
     CaptureSession session = makeSession();
     session.target = Target::Window{3};
     EXPECT_THROW(session.start(), Error);
-    EXPECT_THAT(desktop.steps, ElementsAre("input on", "displays", "input off"));
+    EXPECT_THAT(m_desktop.steps, ElementsAre("input on", "displays", "input off"));
 }
 
 TEST_F(CaptureSessionTest, noFramesAndAFullDiskWriteNoMetadata)
@@ -219,10 +219,10 @@ TEST_F(CaptureSessionTest, noFramesAndAFullDiskWriteNoMetadata)
     EXPECT_EQ(codeOf([&] { session.stop(); }), ErrorCode::kNoFrames);
     EXPECT_FALSE(std::filesystem::exists(bundleURL() / "meta.json"));
 
-    desktop.finishFailure = Error("errno", ENOSPC, "could not write screen.mov: no space left");
+    m_desktop.finishFailure = Error("errno", ENOSPC, "could not write screen.mov: no space left");
     CaptureSession full = makeSession();
     full.start();
-    desktop.showFrame(1);
+    m_desktop.showFrame(1);
     EXPECT_EQ(codeOf([&] { full.stop(); }), ENOSPC);
     EXPECT_FALSE(std::filesystem::exists(bundleURL() / "meta.json"));
 }
@@ -235,9 +235,9 @@ TEST_F(CaptureSessionTest, theEndOfTheStreamIsPassedOnAndStopStillWorks)
         ends.emplace_back(error ? error->what() : "user");
     };
     session.start();
-    desktop.showFrame(1);
-    desktop.streamEnd(Error(20, "gone"));
-    desktop.streamEnd({});
+    m_desktop.showFrame(1);
+    m_desktop.streamEnd(Error(20, "gone"));
+    m_desktop.streamEnd({});
     session.stop();
     EXPECT_THAT(ends, ElementsAre("gone", "user"));
     EXPECT_TRUE(std::filesystem::exists(bundleURL() / "meta.json"));
@@ -253,7 +253,7 @@ TEST_F(CaptureSessionTest, anOldMovieIsRemovedAndAnUnwritableFolderFails)
 
     const auto file = bundleURL() / "file";
     std::ofstream(file) << "no folder";
-    CaptureSession inAFile(file / "x.zento", desktop, desktop.writerFactory());
+    CaptureSession inAFile(file / "x.zento", m_desktop, m_desktop.writerFactory());
     EXPECT_EQ(codeOf([&] { inAFile.start(); }), ENOTDIR);
 }
 
@@ -294,17 +294,17 @@ TEST_F(CaptureSessionTest, everyTargetHasItsSizeAndOrigin)
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
-        desktop.displayList = {hiDpi, right};
-        desktop.pointer = row.pointer;
+        m_desktop.displayList = {hiDpi, right};
+        m_desktop.pointer = row.pointer;
         CaptureSession session = makeSession();
         session.target = row.target;
         session.start();
-        desktop.showFrame(1);
-        desktop.input({.type = RawInputType::LeftUp, .time = 1, .point = {1450, 10}});
+        m_desktop.showFrame(1);
+        m_desktop.input({.type = RawInputType::LeftUp, .time = 1, .point = {1450, 10}});
         session.stop();
-        EXPECT_EQ(desktop.request->displayID, row.displayID);
-        EXPECT_EQ(desktop.request->sourceRect, row.sourceRect);
-        EXPECT_EQ(desktop.writerSize, row.size);
+        EXPECT_EQ(m_desktop.request->displayID, row.displayID);
+        EXPECT_EQ(m_desktop.request->sourceRect, row.sourceRect);
+        EXPECT_EQ(m_desktop.writerSize, row.size);
         EXPECT_EQ(eventsWithoutMoves().at(0).pos, row.mapped);
     }
 }

@@ -41,8 +41,8 @@ public:
     /// Never destroyed: a call into a hung application would hold up the end of the process.
     static Worker& shared()
     {
-        static auto* const worker = new Worker;
-        return *worker;
+        static auto* const kWorker = new Worker;
+        return *kWorker;
     }
 
     void add(Lookup lookup)

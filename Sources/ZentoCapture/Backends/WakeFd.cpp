@@ -23,7 +23,7 @@ WakeFd::~WakeFd()
     close(m_fileDescriptor);
 }
 
-void WakeFd::wake() noexcept
+void WakeFd::wake() const noexcept
 {
     eventfd_write(m_fileDescriptor, 1);
 }

@@ -13,7 +13,7 @@ public:
     WakeFd(const WakeFd&) = delete;
     WakeFd& operator=(const WakeFd&) = delete;
 
-    void wake() noexcept;
+    void wake() const noexcept;
     bool isAwake() const;
     int fileDescriptor() const { return m_fileDescriptor; }
 

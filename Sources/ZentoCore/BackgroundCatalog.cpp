@@ -28,7 +28,7 @@ BackgroundPreset preset(std::string id, std::string name, StyleSpec::Background 
 
 const std::vector<BackgroundPreset>& table()
 {
-    static const std::vector<BackgroundPreset> presets = {
+    static const std::vector<BackgroundPreset> kPresets = {
         // duos
         preset("indigo-night", "Indigo Night", Background::LinearGradient{"#2A2E3D", "#0C0E14"}),
         preset("deep-ocean", "Deep Ocean", Background::LinearGradient{"#0F2947", "#050A14"}),
@@ -149,7 +149,7 @@ const std::vector<BackgroundPreset>& table()
         preset("off-white", "Off White", Background::Color{"#F2F3F5"}),
         preset("white", "White", Background::Color{"#FFFFFF"}),
     };
-    return presets;
+    return kPresets;
 }
 
 std::span<const BackgroundPreset> part(Extent extent)

@@ -42,6 +42,7 @@ inline constexpr int kNoPicture = 5;
 inline constexpr int kAppendRefused = 6;
 inline constexpr int kFilmNotFinished = 7;
 inline constexpr int kNoDefinedPlan = 8; // inputs that contradict each other
+inline constexpr int kCancelled = 9; // a long job whose owner asked it to stop
 inline constexpr int kNoDisplay = 20;
 inline constexpr int kMovieNotStarted = 21;
 inline constexpr int kMovieNotFinished = 22;

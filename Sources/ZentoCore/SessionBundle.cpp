@@ -81,8 +81,8 @@ void SessionBundle::writeMetadata() const
 
 std::filesystem::path sessionsFolder()
 {
-    static const std::filesystem::path folder = userVideosFolder() / "Zento";
-    return folder;
+    static const std::filesystem::path kFolder = userVideosFolder() / "Zento";
+    return kFolder;
 }
 
 std::string bundleName(std::chrono::system_clock::time_point start)

@@ -13,25 +13,6 @@ constexpr double kHalfWindow = 0.045;
 constexpr double kHandBefore = 0.15;
 constexpr double kHandAfter = 0.4;
 
-struct PointerMove {
-    double t = 0;
-    Vec2 pos;
-};
-
-std::vector<PointerMove> sortedMoves(std::span<const InputEvent> events)
-{
-    std::vector<PointerMove> moves;
-    for (const InputEvent& event : events) {
-        if (event.kind == EventKind::Move) {
-            moves.push_back({event.t, event.pos});
-        }
-    }
-    if (!std::ranges::is_sorted(moves, {}, &PointerMove::t)) {
-        std::ranges::stable_sort(moves, {}, &PointerMove::t);
-    }
-    return moves;
-}
-
 Vec2 operator+(const Vec2& a, const Vec2& b)
 {
     return {a.x + b.x, a.y + b.y};
@@ -97,10 +78,7 @@ private:
 /// The pointer's shape at ascending times.
 class ShapeTrack {
 public:
-    ShapeTrack(
-        std::span<const InputEvent> events,
-        std::span<const Moment> moments,
-        const PlanConfig& config)
+    ShapeTrack(const EventList& clicks, std::span<const Moment> moments, const PlanConfig& config)
     {
         for (const Moment& moment : moments) {
             if (moment.kind == Moment::Kind::Typing) {
@@ -109,10 +87,8 @@ public:
         }
         std::ranges::sort(m_typing, {}, &Stretch::start);
         if (config.pointerOnClick) {
-            for (const InputEvent& event : events) {
-                if (event.kind == EventKind::Click) {
-                    m_clicks.push_back({event.t - kHandBefore, event.t + kHandAfter});
-                }
+            for (const InputEvent* click : clicks) {
+                m_clicks.push_back({click->t - kHandBefore, click->t + kHandAfter});
             }
             std::ranges::sort(m_clicks, {}, &Stretch::start);
         }
@@ -153,14 +129,9 @@ private:
     Reach m_clickReach;
 };
 
-} // namespace
-
-std::vector<CursorSample> smoothCursor(
-    std::span<const InputEvent> events, std::span<const Moment> moments, const PlanConfig& config)
+std::vector<CursorSample> samplesOf(std::span<const PointerMove> moves, ShapeTrack& shapes)
 {
-    const std::vector<PointerMove> moves = sortedMoves(events);
     WindowSum sums(moves);
-    ShapeTrack shapes(events, moments, config);
     std::vector<CursorSample> samples;
     samples.reserve(moves.size());
     std::size_t lo = 0;
@@ -177,6 +148,20 @@ std::vector<CursorSample> smoothCursor(
         samples.push_back({move.t, {sum.x / count, sum.y / count}, shapes.at(move.t)});
     }
     return samples;
+}
+
+} // namespace
+
+std::vector<CursorSample>
+smoothCursor(const EventLog& events, std::span<const Moment> moments, const PlanConfig& config)
+{
+    ShapeTrack shapes(events.clicks, moments, config);
+    if (std::ranges::is_sorted(events.moves, {}, &PointerMove::t)) {
+        return samplesOf(events.moves, shapes);
+    }
+    std::vector<PointerMove> sorted = events.moves;
+    std::ranges::stable_sort(sorted, {}, &PointerMove::t);
+    return samplesOf(sorted, shapes);
 }
 
 } // namespace zento::EditPlanner

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ZentoCore/EditPlan.h"
-#include "ZentoCore/InputEvent.h"
+#include "ZentoEngine/EventLog.h"
 #include "ZentoEngine/Moment.h"
 #include "ZentoEngine/PlanConfig.h"
 
@@ -15,7 +15,7 @@ namespace zento::EditPlanner {
 /// wants it), else "arrow".
 ///
 /// `moments` are those of `detectMoments`, before the user's edits. The log need not ascend.
-std::vector<CursorSample> smoothCursor(
-    std::span<const InputEvent> events, std::span<const Moment> moments, const PlanConfig& config);
+std::vector<CursorSample>
+smoothCursor(const EventLog& events, std::span<const Moment> moments, const PlanConfig& config);
 
 } // namespace zento::EditPlanner

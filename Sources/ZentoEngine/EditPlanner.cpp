@@ -6,6 +6,7 @@
 #include "ZentoEngine/Captions.h"
 #include "ZentoEngine/Chapters.h"
 #include "ZentoEngine/CursorSmoothing.h"
+#include "ZentoEngine/EventLog.h"
 #include "ZentoEngine/KeystrokeChips.h"
 #include "ZentoEngine/MomentDetection.h"
 #include "ZentoEngine/MusicPlanning.h"
@@ -46,8 +47,9 @@ std::optional<std::vector<Item>> presentUnlessEmpty(std::vector<Item> items)
 EditPlan plan(const PlanInput& input)
 {
     const PlanConfig& config = input.config;
+    const EventLog events(input.events);
     const std::vector<TimeRange> speech = speechRanges(input.transcript, kSpeechPad);
-    const std::vector<Moment> moments = detectMoments(input.events, input.meta, input.framingHints);
+    const std::vector<Moment> moments = detectMoments(events, input.meta, input.framingHints);
 
     EditPlan plan;
     plan.output = input.output;
@@ -56,7 +58,7 @@ EditPlan plan(const PlanInput& input)
     const RemapCurve remap(plan.timeRemap);
 
     CameraScript camera = buildCamera(
-        applyZoomEdits(moments, input.overrides, input.events),
+        applyZoomEdits(moments, input.overrides, events),
         remap,
         input.meta,
         config,
@@ -64,12 +66,12 @@ EditPlan plan(const PlanInput& input)
         input.semantics ? input.semantics->heroSourceTime : std::nullopt);
     plan.camera = std::move(camera.keyframes);
     plan.focusMoments = std::move(camera.focusMoments);
-    plan.cursor = smoothCursor(input.events, moments, config);
-    plan.clicks = clickMarkers(input.events, remap);
+    plan.cursor = smoothCursor(events, moments, config);
+    plan.clicks = clickMarkers(events, remap);
     plan.sfx = soundCues(plan.clicks, plan.camera, remap, config);
     std::ranges::stable_sort(plan.sfx, {}, &SFXCue::tOut);
     if (config.showKeystrokes) {
-        plan.keystrokes = keystrokeChips(input.events, remap);
+        plan.keystrokes = keystrokeChips(events, remap);
     }
     plan.captions = presentUnlessEmpty(buildCaptions(input.transcript, remap));
     if (input.semantics) {

@@ -1,9 +1,9 @@
 #include "ZentoEngine/KeystrokeChips.h"
 
 #include "ZentoCore/Text.h"
-#include "ZentoEngine/EventRuns.h"
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -66,13 +66,10 @@ void appendChips(
 
 } // namespace
 
-std::vector<KeystrokeChip>
-keystrokeChips(std::span<const InputEvent> events, const RemapCurve& remap)
+std::vector<KeystrokeChip> keystrokeChips(const EventLog& events, const RemapCurve& remap)
 {
     std::vector<KeystrokeChip> chips;
-    forEachRun(eventsOfKind(events, EventKind::KeyDown), kRunGap, [&](auto run) {
-        appendChips(chips, run, remap);
-    });
+    forEachRun(events.keys, kRunGap, [&](auto run) { appendChips(chips, run, remap); });
     return chips;
 }
 

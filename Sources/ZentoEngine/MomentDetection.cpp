@@ -1,6 +1,5 @@
 #include "ZentoEngine/MomentDetection.h"
 
-#include "ZentoEngine/EventRuns.h"
 #include "ZentoEngine/NearestTime.h"
 
 #include <algorithm>
@@ -163,26 +162,21 @@ std::optional<Rect> sanitizedHint(const Rect& hint, const SessionMeta& meta)
 }
 
 std::vector<Moment> detectMoments(
-    std::span<const InputEvent> events,
-    const SessionMeta& meta,
-    std::span<const FramingHint> framingHints)
+    const EventLog& events, const SessionMeta& meta, std::span<const FramingHint> framingHints)
 {
     const HintIndex hints(framingHints, meta);
-    const EventList clicks = eventsOfKind(events, EventKind::Click);
-    const TextTargets targets(clicks);
+    const TextTargets targets(events.clicks);
 
     std::vector<Moment> moments;
-    for (const InputEvent* click : clicks) {
+    for (const InputEvent* click : events.clicks) {
         moments.push_back(clickMoment(*click, hints));
     }
-    forEachRun(eventsOfKind(events, EventKind::KeyDown), kTypingGap, [&](auto run) {
+    forEachRun(events.keys, kTypingGap, [&](auto run) {
         if (run.size() >= 2) { // a lone key press is no typing
             moments.push_back(typingMoment(run, targets, hints));
         }
     });
-    forEachRun(eventsOfKind(events, EventKind::Scroll), kScrollGap, [&](auto run) {
-        moments.push_back(scrollMoment(run));
-    });
+    forEachRun(events.scrolls, kScrollGap, [&](auto run) { moments.push_back(scrollMoment(run)); });
     std::ranges::stable_sort(moments, {}, &Moment::start);
     return moments;
 }

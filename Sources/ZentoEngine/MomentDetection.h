@@ -1,8 +1,8 @@
 #pragma once
 
 #include "ZentoCore/Analyses.h"
-#include "ZentoCore/InputEvent.h"
 #include "ZentoCore/SessionMeta.h"
+#include "ZentoEngine/EventLog.h"
 #include "ZentoEngine/Moment.h"
 
 #include <optional>
@@ -18,9 +18,7 @@ namespace zento::EditPlanner {
 /// framed by the text field that was last clicked before it. A frame that cannot serve the camera
 /// is replaced by a framing hint of that instant, if there is a usable one.
 std::vector<Moment> detectMoments(
-    std::span<const InputEvent> events,
-    const SessionMeta& meta,
-    std::span<const FramingHint> framingHints);
+    const EventLog& events, const SessionMeta& meta, std::span<const FramingHint> framingHints);
 
 /// `hint` unchanged, if it can serve the camera: not small, not nearly the whole picture, not far
 /// outside. Its limits are deliberately not those of `AXInfo::usableFrame`: a hint comes from the

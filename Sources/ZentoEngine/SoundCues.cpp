@@ -12,12 +12,12 @@ constexpr double kWhooshGain = 0.7;
 
 } // namespace
 
-std::vector<ClickMarker> clickMarkers(std::span<const InputEvent> events, const RemapCurve& remap)
+std::vector<ClickMarker> clickMarkers(const EventLog& events, const RemapCurve& remap)
 {
     std::vector<ClickMarker> markers;
-    for (const InputEvent& event : events) {
-        if (event.kind == EventKind::Click && remap.contains(event.t)) {
-            markers.push_back({event.t, event.pos});
+    for (const InputEvent* click : events.clicks) {
+        if (remap.contains(click->t)) {
+            markers.push_back({click->t, click->pos});
         }
     }
     return markers;

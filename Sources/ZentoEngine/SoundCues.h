@@ -1,8 +1,8 @@
 #pragma once
 
 #include "ZentoCore/EditPlan.h"
-#include "ZentoCore/InputEvent.h"
 #include "ZentoCore/RemapCurve.h"
+#include "ZentoEngine/EventLog.h"
 #include "ZentoEngine/PlanConfig.h"
 
 #include <span>
@@ -11,7 +11,7 @@
 namespace zento::EditPlanner {
 
 /// The clicks that survive the cuts, of any button, in recording order and in source time.
-std::vector<ClickMarker> clickMarkers(std::span<const InputEvent> events, const RemapCurve& remap);
+std::vector<ClickMarker> clickMarkers(const EventLog& events, const RemapCurve& remap);
 
 /// A click for each marker, then a whoosh for each big change of zoom, which starts with the
 /// camera's move. Not sorted.

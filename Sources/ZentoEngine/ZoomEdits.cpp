@@ -1,10 +1,10 @@
 #include "ZentoEngine/ZoomEdits.h"
 
-#include "ZentoEngine/EventRuns.h"
 #include "ZentoEngine/NearestTime.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <span>
 
 namespace zento::EditPlanner {
 
@@ -41,13 +41,13 @@ void applyEdits(std::vector<Moment>& moments, std::span<const Overrides::ZoomEdi
 /// first move at or after a time can be searched.
 class PointerPlaces {
 public:
-    explicit PointerPlaces(std::span<const InputEvent> events)
-        : m_moves(eventsOfKind(events, EventKind::Move))
+    explicit PointerPlaces(std::span<const PointerMove> moves)
+        : m_moves(moves)
     {
         m_latestUpTo.reserve(m_moves.size());
-        for (const InputEvent* move : m_moves) {
+        for (const PointerMove& move : m_moves) {
             m_latestUpTo.push_back(
-                m_latestUpTo.empty() ? move->t : std::max(m_latestUpTo.back(), move->t));
+                m_latestUpTo.empty() ? move.t : std::max(m_latestUpTo.back(), move.t));
         }
     }
 
@@ -60,11 +60,11 @@ public:
         }
         const auto found = std::ranges::lower_bound(m_latestUpTo, time);
         const auto index = static_cast<std::size_t>(found - m_latestUpTo.begin());
-        return m_moves[std::min(index, m_moves.size() - 1)]->pos;
+        return m_moves[std::min(index, m_moves.size() - 1)].pos;
     }
 
 private:
-    EventList m_moves;
+    std::span<const PointerMove> m_moves;
     std::vector<double> m_latestUpTo;
 };
 
@@ -83,8 +83,8 @@ Moment addedMoment(const Overrides::AddedZoom& zoom, const PointerPlaces& pointe
 
 } // namespace
 
-std::vector<Moment> applyZoomEdits(
-    std::vector<Moment> moments, const Overrides& overrides, std::span<const InputEvent> events)
+std::vector<Moment>
+applyZoomEdits(std::vector<Moment> moments, const Overrides& overrides, const EventLog& events)
 {
     if (!overrides.zoomEdits.empty()) {
         applyEdits(moments, overrides.zoomEdits);
@@ -95,7 +95,7 @@ std::vector<Moment> applyZoomEdits(
                && deleted.isWithin(kZoomIdentityTolerance, moment.key());
     });
     if (!overrides.addedZooms.empty()) {
-        const PointerPlaces pointer(events);
+        const PointerPlaces pointer(events.moves);
         for (const Overrides::AddedZoom& zoom : overrides.addedZooms) {
             moments.push_back(addedMoment(zoom, pointer));
         }

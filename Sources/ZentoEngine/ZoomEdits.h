@@ -1,10 +1,9 @@
 #pragma once
 
-#include "ZentoCore/InputEvent.h"
 #include "ZentoCore/Overrides.h"
+#include "ZentoEngine/EventLog.h"
 #include "ZentoEngine/Moment.h"
 
-#include <span>
 #include <vector>
 
 namespace zento::EditPlanner {
@@ -15,7 +14,7 @@ namespace zento::EditPlanner {
 /// Edits apply one after the other, so a later one sees the moves of the earlier ones. An edit
 /// farther than `kZoomIdentityTolerance` from every moment is ignored. Scrolls cannot be deleted,
 /// nor can zooms made by hand.
-std::vector<Moment> applyZoomEdits(
-    std::vector<Moment> moments, const Overrides& overrides, std::span<const InputEvent> events);
+std::vector<Moment>
+applyZoomEdits(std::vector<Moment> moments, const Overrides& overrides, const EventLog& events);
 
 } // namespace zento::EditPlanner

@@ -23,7 +23,8 @@ Error refused(int code, const std::filesystem::path& path, const std::string& re
 void checkFormat(const std::filesystem::path& path, const FilmFormat& format)
 {
     constexpr double kTooFast = 2147483648.0;
-    if (!(format.fps >= 1 && format.fps < kTooFast))
+    const bool hasRate = format.fps >= 1 && format.fps < kTooFast;
+    if (!hasRate)
         throw refused(
             ErrorCode::kWriterNotStarted,
             path,

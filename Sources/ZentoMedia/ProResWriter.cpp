@@ -52,11 +52,13 @@ void copyPlane(const Plane<const std::uint16_t>& from, const Plane<std::uint16_t
 } // namespace
 
 struct ProResWriter::State {
+    enum class Waiting { Encode, Drop };
+
     State(const std::filesystem::path& target, int width, int height, int encoderThreads);
 
     FrameHandle nextFrame();
     void encodeAll();
-    void stop(bool dropWaiting);
+    void stop(Waiting fate);
 
     std::filesystem::path path;
     std::shared_ptr<PicturePool> pool;
@@ -112,13 +114,13 @@ void ProResWriter::State::encodeAll()
 }
 
 /// Ends the encoding thread, after all that waits or before it.
-void ProResWriter::State::stop(bool dropWaiting)
+void ProResWriter::State::stop(Waiting fate)
 {
     isRefusing = true;
     {
         const std::scoped_lock lock(mutex);
         isClosing = true;
-        if (dropWaiting)
+        if (fate == Waiting::Drop)
             waiting.clear();
     }
     wake.notify_one();
@@ -135,7 +137,7 @@ ProResWriter::ProResWriter(
 
 ProResWriter::~ProResWriter()
 {
-    m_state->stop(true);
+    m_state->stop(State::Waiting::Drop);
 }
 
 bool ProResWriter::isReady() const
@@ -183,7 +185,7 @@ bool ProResWriter::append(YuvPlanes<const std::uint16_t> picture, double time)
 
 void ProResWriter::finish()
 {
-    m_state->stop(false);
+    m_state->stop(State::Waiting::Encode);
     const bool hasPictures = m_state->movie.framesWritten() > 0;
     try {
         if (hasPictures)

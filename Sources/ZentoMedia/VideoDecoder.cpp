@@ -82,6 +82,17 @@ CodecHandle openDecoder(const AVStream& stream, const std::filesystem::path& pat
     return codec;
 }
 
+/// The next whole packet of a track. False at the end of what can be read.
+bool readPacket(AVFormatContext& input, int streamIndex, AVPacket& packet)
+{
+    do {
+        av_packet_unref(&packet);
+        if (av_read_frame(&input, &packet) < 0)
+            return false;
+    } while (packet.stream_index != streamIndex);
+    return (packet.flags & AV_PKT_FLAG_CORRUPT) == 0;
+}
+
 bool holdsSameBytes(const AVPacket& a, const AVPacket& b)
 {
     const bool isPlain =
@@ -114,7 +125,6 @@ struct VideoDecoder::State {
     std::optional<VideoFrame> decoded();
     std::optional<VideoFrame> feed();
     std::optional<VideoFrame> repeated() const;
-    bool readPacket();
     void drain();
 };
 
@@ -174,7 +184,7 @@ std::optional<VideoFrame> VideoDecoder::State::decoded()
 /// Gives the decoder one packet, or the picture of the one before if it would only say the same.
 std::optional<VideoFrame> VideoDecoder::State::feed()
 {
-    if (!readPacket()) {
+    if (!readPacket(*input, stream->index, *packet)) {
         drain();
         return {};
     }
@@ -198,17 +208,6 @@ std::optional<VideoFrame> VideoDecoder::State::repeated() const
     if (!isRepeat)
         return {};
     return lastFrame->retimed(seconds(packet->pts));
-}
-
-/// The next whole packet of our track. False at the end of what can be read.
-bool VideoDecoder::State::readPacket()
-{
-    do {
-        av_packet_unref(packet.get());
-        if (av_read_frame(input.get(), packet.get()) < 0)
-            return false;
-    } while (packet->stream_index != stream->index);
-    return (packet->flags & AV_PKT_FLAG_CORRUPT) == 0;
 }
 
 void VideoDecoder::State::drain()

@@ -93,7 +93,7 @@ std::optional<std::string> onSmallDisk(
         runChild(ends[1], folder.path(), byteCount, work);
     }
     close(ends[1]);
-    const std::string said = readAll(ends[0]);
+    std::string said = readAll(ends[0]);
     close(ends[0]);
     int status = 0;
     waitpid(child, &status, 0);

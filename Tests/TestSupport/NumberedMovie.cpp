@@ -154,9 +154,19 @@ void writeNumberedFilm(
 std::vector<NumberedFrame> countedFrames(int first, int count, double fps)
 {
     std::vector<NumberedFrame> frames;
+    frames.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
         frames.push_back({first + i, i / fps});
     return frames;
+}
+
+std::vector<int> countedNumbers(int first, int count)
+{
+    std::vector<int> numbers;
+    numbers.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i)
+        numbers.push_back(first + i);
+    return numbers;
 }
 
 std::vector<VideoFrame> readFrames(const std::filesystem::path& path, int threads)

@@ -63,6 +63,9 @@ void writeNumberedFilm(
 /// The frames first, first + 1, … at a steady rate.
 std::vector<NumberedFrame> countedFrames(int first, int count, double fps);
 
+/// first, first + 1, …
+std::vector<int> countedNumbers(int first, int count);
+
 /// All frames the decoder gives.
 std::vector<VideoFrame> readFrames(const std::filesystem::path& path, int threads = 1);
 

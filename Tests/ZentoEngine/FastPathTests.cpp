@@ -45,9 +45,9 @@ TEST(FastPaths, MomentsAndZoomEditsEqualPlainSearch)
     std::size_t typing = 0;
     std::size_t edited = 0;
     forEachSession([&](const PlanInput& input) {
-        const auto moments = detectMoments(input.events, input.meta, input.framingHints);
+        const auto moments = detectMoments(EventLog(input.events), input.meta, input.framingHints);
         EXPECT_EQ(moments, plain::detectMoments(input));
-        const auto changed = applyZoomEdits(moments, input.overrides, input.events);
+        const auto changed = applyZoomEdits(moments, input.overrides, EventLog(input.events));
         EXPECT_EQ(changed, plain::applyZoomEdits(moments, input));
         typing += static_cast<std::size_t>(std::ranges::count_if(
             moments, [](const auto& m) { return m.kind == Moment::Kind::Typing && m.focus; }));
@@ -62,7 +62,7 @@ TEST(FastPaths, SegmentsEqualPlainSearch)
 {
     std::size_t segmentCount = 0;
     forEachSession([&](const PlanInput& input) {
-        const auto moments = detectMoments(input.events, input.meta, input.framingHints);
+        const auto moments = detectMoments(EventLog(input.events), input.meta, input.framingHints);
         const auto speech = speechRanges(input.transcript, kSpeechPad);
         const auto segments = buildTimeRemap(moments, input.meta.duration, input.config, speech);
         EXPECT_EQ(segments, plain::buildTimeRemap(moments, input, speech));
@@ -76,9 +76,10 @@ TEST(FastPaths, SegmentsEqualPlainSearch)
 TEST(FastPaths, CursorEqualsPlainSearch)
 {
     forEachSession([](const PlanInput& input) {
-        const auto moments = detectMoments(input.events, input.meta, input.framingHints);
+        const auto moments = detectMoments(EventLog(input.events), input.meta, input.framingHints);
         EXPECT_EQ(
-            smoothCursor(input.events, moments, input.config), plain::smoothCursor(moments, input));
+            smoothCursor(EventLog(input.events), moments, input.config),
+            plain::smoothCursor(moments, input));
     });
 }
 
@@ -94,7 +95,7 @@ TEST(FastPaths, CursorInCrowdedWindowsIsTheMean)
     }
     PlanInput input;
     input.events = events;
-    const auto samples = smoothCursor(events, {}, input.config);
+    const auto samples = smoothCursor(EventLog(events), {}, input.config);
     const auto expected = plain::smoothCursor({}, input);
     ASSERT_EQ(samples.size(), expected.size());
     for (std::size_t i = 0; i < samples.size(); ++i) {
@@ -108,7 +109,7 @@ TEST(FastPaths, KeystrokesEqualTheWholeGrowingText)
     std::size_t shortened = 0;
     forEachSession([&](const PlanInput& input) {
         const RemapCurve remap(plan(input).timeRemap);
-        const auto chips = keystrokeChips(input.events, remap);
+        const auto chips = keystrokeChips(EventLog(input.events), remap);
         EXPECT_EQ(chips, plain::keystrokeChips(input, remap));
         shortened += static_cast<std::size_t>(std::ranges::count_if(
             chips, [](const auto& chip) { return chip.label.starts_with("…"); }));

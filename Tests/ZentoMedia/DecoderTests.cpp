@@ -94,11 +94,8 @@ TEST(Decoder, aTornMovieGivesTheBeginningOrAnError)
 {
     const TemporaryFolder folder;
     writeNumberedRecording(folder / "a.mov", {96, 64}, countedFrames(500, 40, 30));
-    std::vector<int> numbers(40);
-    for (int i = 0; i < 40; ++i)
-        numbers[static_cast<std::size_t>(i)] = 500 + i;
     const FilmFormat format{.width = 96, .height = 64, .fps = 30, .bitRate = 1'000'000};
-    writeNumberedFilm(folder / "b.mp4", format, numbers);
+    writeNumberedFilm(folder / "b.mp4", format, countedNumbers(500, 40));
 
     for (const char* name : {"a.mov", "b.mp4"}) {
         const std::string whole = bytesOf(folder / name);
@@ -168,7 +165,9 @@ std::array<double, 3> middleOf(const VideoFrame& frame)
 {
     const auto middle = [](const auto& planes, double scale) {
         const auto at = [&](const auto& plane) {
-            return plane.row(plane.height / 2)[plane.width / 2] * scale;
+            const int x = plane.width / 2;
+            const int y = plane.height / 2;
+            return plane.row(y)[x] * scale;
         };
         return std::array<double, 3>{at(planes.y), at(planes.cb), at(planes.cr)};
     };

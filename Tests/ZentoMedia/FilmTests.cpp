@@ -58,9 +58,7 @@ TEST(Film, frameIsShownAtItsIndexOverTheTruncatedRate)
     for (const double fps : {60.0, 30.0, 24.0, 29.97, 23.976, 1.0, 144.0}) {
         SCOPED_TRACE(fps);
         const TemporaryFolder folder;
-        std::vector<int> numbers;
-        for (int i = 0; i < 70; ++i)
-            numbers.push_back(i + 1000);
+        const auto numbers = countedNumbers(1000, 70);
         writeNumberedFilm(folder / "film.mp4", smallFormat(fps), numbers);
 
         const auto frames = readFrames(folder / "film.mp4");

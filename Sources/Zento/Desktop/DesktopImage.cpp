@@ -61,7 +61,7 @@ std::string localPath(const std::string& location)
 std::optional<std::string> desktopImage()
 {
     for (const Place& place : kPlaces) {
-        const std::string path = localPath(setting(place));
+        std::string path = localPath(setting(place));
         std::error_code ignored;
         if (!path.empty() && std::filesystem::is_regular_file(path, ignored)) {
             return path;

@@ -26,7 +26,7 @@ template <class D>
 HWY_INLINE void store([[maybe_unused]] D d, hn::Vec<D> values, std::uint8_t* to)
 {
     const hn::Rebind<std::uint8_t, D> bytes;
-    const hn::RebindToSigned<D> asSigned; // what is stored is at most 510
+    const hn::RebindToSigned<D> asSigned; // what is stored is at most 255
     hn::StoreU(hn::DemoteTo(bytes, hn::BitCast(asSigned, values)), bytes, to);
 }
 
@@ -95,11 +95,14 @@ void blendPremultipliedRow(
 {
     forEachSample(count, [=](auto d, std::size_t x) HWY_ATTR {
         const auto faded = hn::Set(d, opacity);
+        const auto one = hn::Set(d, 255);
         const auto a = dividedBy255(d, hn::Mul(load(d, alpha + x), faded));
-        const auto color = dividedBy255(d, hn::Mul(load(d, premultiplied + x), faded));
-        const auto rest = hn::Sub(hn::Set(d, 255), a);
-        const auto below = dividedBy255(d, hn::Mul(load(d, row + x), rest));
-        store(d, hn::Add(below, color), row + x);
+        const auto color = hn::Mul(load(d, premultiplied + x), faded);
+        const auto below = hn::Mul(load(d, row + x), hn::Sub(one, a));
+        // Scaling may have left a colour above its alpha.
+        const auto most = hn::Set(d, 255 * 255);
+        const auto sum = hn::Min(hn::SaturatedAdd(below, color), most);
+        store(d, dividedBy255(d, sum), row + x);
     });
 }
 

@@ -1,5 +1,6 @@
 #include "ZentoMedia/Ffmpeg/BorrowedFrame.h"
 
+#include <tuple>
 #include <utility>
 
 namespace zento::ffmpeg {
@@ -31,7 +32,7 @@ void attachOwner(AVFrame& frame, Owner owner)
         av_buffer_create(frame.data[0], 1, &dropOwner, kept.get(), AV_BUFFER_FLAG_READONLY);
     if (frame.buf[0] == nullptr)
         throw std::bad_alloc();
-    static_cast<void>(kept.release());
+    std::ignore = kept.release(); // the buffer's now
 }
 
 } // namespace

@@ -1,0 +1,190 @@
+#include "ZentoCapture/CaptureSession.h"
+
+#include "ZentoCapture/MonotonicClock.h"
+#include "ZentoCore/SessionBundle.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <iostream>
+#include <span>
+#include <system_error>
+#include <utility>
+#include <variant>
+
+namespace zento {
+
+namespace {
+
+constexpr double kNominalFPS = 60; // whatever rate arrives
+
+int evenPixels(double points, double scale)
+{
+    const int pixels = static_cast<int>(points * scale);
+    return pixels - pixels % 2;
+}
+
+/// The display a target lies on, by its id.
+std::optional<std::uint32_t>
+targetDisplay(const CaptureTarget& target, std::span<const DisplayInfo> displays, Desktop& desktop)
+{
+    if (std::holds_alternative<Target::Window>(target)) {
+        throw Error(
+            "errno", ENOTSUP, "recording a single window is not supported on this desktop yet");
+    }
+    if (const auto* screen = std::get_if<Target::Screen>(&target)) {
+        return screen->displayID;
+    }
+    if (const auto* area = std::get_if<Target::Area>(&target)) {
+        return displayID(area->rect.center(), displays);
+    }
+    return displayID(desktop.pointerPosition().value_or(Vec2{}), displays);
+}
+
+void createFolder(const std::filesystem::path& path)
+{
+    std::error_code error;
+    std::filesystem::create_directories(path, error);
+    if (error) {
+        throw systemError("could not create", path.string(), error.value());
+    }
+}
+
+} // namespace
+
+CaptureSession::CaptureSession(
+    std::filesystem::path bundleURL, Desktop& desktop, ScreenWriterFactory makeWriter)
+    : m_bundleURL(std::move(bundleURL))
+    , m_desktop(desktop)
+    , m_makeWriter(std::move(makeWriter))
+    , m_log(InputLog::make(desktop.elementLookup()))
+{
+}
+
+CaptureSession::~CaptureSession() = default;
+
+void CaptureSession::start()
+{
+    startEventTap();
+    const DisplayInfo display = [&] {
+        try {
+            return chosenDisplay();
+        } catch (...) {
+            stopEventTap();
+            throw;
+        }
+    }();
+    const FrameRequest request = prepare(display);
+    startWriter();
+    startStream(request);
+    startCursorPolling();
+}
+
+void CaptureSession::stop()
+{
+    stopEventTap();
+    if (m_stream) {
+        m_stream->stop();
+        m_stream.reset();
+    }
+    m_intake.setWriter(nullptr);
+    const auto writer = std::exchange(m_writer, nullptr);
+    if (!m_intake.epoch()) {
+        throw Error(ErrorCode::kNoFrames, "no frames captured");
+    }
+    writer->finish();
+    const SessionBundle bundle{
+        .url = m_bundleURL, .meta = meta(), .events = m_log->finished(*m_intake.epoch())};
+    bundle.writeMetadata();
+}
+
+void CaptureSession::startEventTap()
+{
+    m_input = m_desktop.inputSource();
+    m_input->start([log = m_log](const RawInput& input) { log->handle(input); });
+}
+
+void CaptureSession::stopEventTap() noexcept
+{
+    m_poll.reset();
+    if (m_input) {
+        m_input->stop();
+        m_input.reset();
+    }
+}
+
+DisplayInfo CaptureSession::chosenDisplay() const
+{
+    const std::vector<DisplayInfo> displays = m_desktop.displays();
+    const auto id = targetDisplay(target, displays, m_desktop);
+    if (displays.empty()) {
+        throw Error(ErrorCode::kNoDisplay, "no display available");
+    }
+    const auto found = std::ranges::find(displays, id, &DisplayInfo::id);
+    return found == displays.end() ? displays.front() : *found;
+}
+
+/// Lays out the capture space; the log maps by it from here on.
+FrameRequest CaptureSession::prepare(const DisplayInfo& display)
+{
+    m_scale = display.scale;
+    appName = m_desktop.frontmostApplication();
+    const auto* area = std::get_if<Target::Area>(&target);
+    const Rect captured = area ? area->rect : display.bounds;
+    m_pixelWidth = evenPixels(captured.w, m_scale);
+    m_pixelHeight = evenPixels(captured.h, m_scale);
+    m_log->setSpace({.originPoints = {captured.x, captured.y}, .scale = m_scale});
+
+    FrameRequest request{
+        .displayID = display.id, .pixelWidth = m_pixelWidth, .pixelHeight = m_pixelHeight};
+    if (area) {
+        request.sourceRect = Rect{
+            captured.x - display.bounds.x, captured.y - display.bounds.y, captured.w, captured.h};
+    }
+    return request;
+}
+
+void CaptureSession::startWriter()
+{
+    createFolder(m_bundleURL);
+    const auto path = m_bundleURL / "screen.mov";
+    std::error_code ignored;
+    std::filesystem::remove(path, ignored);
+    m_writer = m_makeWriter(path, m_pixelWidth, m_pixelHeight);
+    m_intake.setWriter(m_writer.get());
+}
+
+void CaptureSession::startStream(const FrameRequest& request)
+{
+    auto stream = m_desktop.frameSource(request);
+    stream->start(
+        [this](const CapturedFrame& frame) { return m_intake.handle(frame); },
+        [stopped = onStreamStopped](const std::optional<Error>& error) {
+            std::cerr << "stream stopped: " << (error ? error->what() : "by the user") << '\n';
+            if (stopped) {
+                stopped(error);
+            }
+        });
+    m_stream = std::move(stream);
+}
+
+void CaptureSession::startCursorPolling()
+{
+    m_poll = std::make_unique<PointerPoll>([log = m_log, input = m_input.get()] {
+        // A pointer that cannot be read is logged at the global origin, not left out.
+        const Vec2 point = input->pointerPosition().value_or(Vec2{});
+        log->move(monotonicSeconds(), point);
+    });
+}
+
+SessionMeta CaptureSession::meta() const
+{
+    return {
+        .appName = appName,
+        .pixelWidth = m_pixelWidth,
+        .pixelHeight = m_pixelHeight,
+        .scaleFactor = m_scale,
+        .nominalFPS = kNominalFPS,
+        .duration = std::max(0.0, m_intake.lastPTS() - m_intake.epoch().value_or(0))};
+}
+
+} // namespace zento

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "ZentoCapture/CaptureTarget.h"
+#include "ZentoCapture/Desktop.h"
+#include "ZentoCapture/FrameIntake.h"
+#include "ZentoCapture/InputLog.h"
+#include "ZentoCapture/PointerPoll.h"
+#include "ZentoCapture/ScreenWriter.h"
+#include "ZentoCore/Error.h"
+#include "ZentoCore/SessionMeta.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace zento {
+
+/// One recording: a bundle folder and a target, from `start` to `stop`.
+///
+/// The time of the first video frame is the recording's epoch; all else is measured on the same
+/// clock and told against it. The movie gets a frame when the screen changes, so its rate varies
+/// and a still screen leaves a gap.
+///
+/// The fields are set before `start`. Dropping a session that was not stopped leaves the folder
+/// without "meta.json": an orphan for the caller to remove.
+///
+/// Threading: `start` and `stop` block, and are called by one thread at a time; the counters may be
+/// read by any thread meanwhile.
+class CaptureSession {
+public:
+    /// The desktop must outlive `start`.
+    CaptureSession(
+        std::filesystem::path bundleURL,
+        Desktop& desktop,
+        ScreenWriterFactory makeWriter = makeScreenWriter);
+    ~CaptureSession();
+    CaptureSession(const CaptureSession&) = delete;
+    CaptureSession& operator=(const CaptureSession&) = delete;
+
+    CaptureTarget target;
+
+    /// What was recorded, for the metadata; `start` fills it in.
+    std::optional<std::string> appName;
+
+    /// The desktop ended the capture: without an error when the user did. The recording goes on
+    /// without frames until `stop`. Runs on the thread "capture.video", which must not call `stop`.
+    std::function<void(const std::optional<Error>&)> onStreamStopped;
+
+    /// Returns when the capture runs. Listening for input is the first thing to start, so that a
+    /// missing right to listen fails before anything exists.
+    ///
+    /// Throws `Error`: 20 without a display, 25 without input, or what the desktop, the folder or
+    /// the writer say. The session is then good for nothing but `stop` and the destructor.
+    void start();
+
+    /// Returns when the bundle is written.
+    ///
+    /// Throws `Error`: 23 "no frames captured", or what the writer or the folder say; no metadata
+    /// is written then.
+    void stop();
+
+    int frameCount() const { return m_intake.frameCount(); }               // frames in the movie
+    int droppedFrameCount() const { return m_intake.droppedFrameCount(); } // the writer was busy
+
+private:
+    void startEventTap();
+    void stopEventTap() noexcept;
+    DisplayInfo chosenDisplay() const;
+    FrameRequest prepare(const DisplayInfo& display);
+    void startWriter();
+    void startStream(const FrameRequest& request);
+    void startCursorPolling();
+    SessionMeta meta() const;
+
+    std::filesystem::path m_bundleURL;
+    Desktop& m_desktop;
+    ScreenWriterFactory m_makeWriter;
+    double m_scale = 2; // pixels per point of the captured display
+    int m_pixelWidth = 0;
+    int m_pixelHeight = 0;
+    std::shared_ptr<InputLog> m_log;
+    FrameIntake m_intake;
+
+    // Torn down from the last to the first: who calls goes before what is called.
+    std::unique_ptr<ScreenWriter> m_writer;
+    std::unique_ptr<FrameSource> m_stream;
+    std::unique_ptr<InputSource> m_input;
+    std::unique_ptr<PointerPoll> m_poll;
+};
+
+} // namespace zento

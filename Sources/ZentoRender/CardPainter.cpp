@@ -1,0 +1,133 @@
+#include "ZentoRender/CardPainter.h"
+
+#include "ZentoImaging/Blend.h"
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+#include <utility>
+
+namespace zento {
+namespace {
+
+constexpr Color kShadowColor = {0, 0, 0, 1};
+
+bool leavesCanvasVisible(const Rect& card, const PictureView& canvas)
+{
+    return card.x > 0 || card.y > 0 || canvas.width > card.x + card.w
+           || canvas.height > card.y + card.h;
+}
+
+std::size_t count(SampleRange range)
+{
+    return static_cast<std::size_t>(range.size());
+}
+
+} // namespace
+
+/// One plane while it is painted.
+struct CardPainter::PlaneRows {
+    Plane<const std::uint8_t> background;
+    Plane<std::uint8_t> canvas;
+    Shadow* shadow = nullptr;     // none if the card hides it
+    std::uint8_t shadowValue = 0; // what the shadow's colour is in this plane
+};
+
+CardPainter::CardPainter(Picture background, const StyleSpec& style)
+    : m_background(std::move(background))
+    , m_cornerRadius(std::max(style.cornerRadius, 0.0))
+    , m_shadowOpacity(std::clamp(style.shadowOpacity, 0.0, 1.0))
+    , m_shadowSigma(std::max(style.shadowRadius, 0.0) * 0.5)
+    , m_shadowOffsetY(style.shadowOffsetY)
+    , m_scaledRow(static_cast<std::size_t>(m_background.width()))
+    , m_mask(static_cast<std::size_t>(m_background.width()))
+{
+}
+
+void CardPainter::paint(const VideoFrame& source, const Rect& card, const PictureView& canvas)
+{
+    assert(canvas.width == m_background.width() && canvas.height == m_background.height());
+    if (source.bitDepth() == 8)
+        paintPlanes(source.planes8(), card, canvas);
+    else
+        paintPlanes(source.planes10(), card, canvas);
+}
+
+template <typename Sample>
+void CardPainter::paintPlanes(
+    const YuvPlanes<const Sample>& source, const Rect& card, const PictureView& canvas)
+{
+    const PicturePlacement placement = {
+        .origin = {card.x, card.y},
+        .scaleX = card.w / source.y.width,
+        .scaleY = card.h / source.y.height};
+    m_scaler.prepare(source, placement, canvas, card);
+    const bool hasShadow = m_shadowOpacity > 0 && leavesCanvasVisible(card, canvas);
+    const RoundedRect shadowShape = {
+        {card.x, card.y + m_shadowOffsetY, card.w, card.h}, m_cornerRadius};
+    const std::array sourcePlanes = {source.y, source.cb, source.cr};
+    const auto shadowValues = planeValues(kShadowColor, canvas.layout);
+
+    for (std::size_t p = 0; p < sourcePlanes.size(); ++p) {
+        const PlaneGrid grid = canvas.grid(p);
+        const RoundedRect shape = RoundedRect{card, m_cornerRadius}.inPlane(grid);
+        PlaneScaler& scaler = m_scaler.plane(p);
+        const int width = canvas.planes[p].width;
+        const PlaneRows rows = {
+            .background = std::as_const(m_background).plane(p),
+            .canvas = canvas.planes[p],
+            .shadow =
+                hasShadow ? &m_shadows.placed(shadowShape, m_shadowSigma, grid, width) : nullptr,
+            .shadowValue = shadowValues[p]};
+
+        for (int y = 0; y < rows.canvas.height; ++y) {
+            const SampleRange touched = touchedColumns(shape, y, width);
+            if (touched.size() <= 0) {
+                paintMargin(rows, y, {0, width});
+                continue;
+            }
+            SampleRange opaque = opaqueColumns(shape, y, width);
+            if (opaque.size() <= 0)
+                opaque = {touched.end, touched.end};
+            paintMargin(rows, y, {0, opaque.begin});
+            paintMargin(rows, y, {opaque.end, width});
+
+            const int first = scaler.columns().begin;
+            scaler.scaleRow(sourcePlanes[p], y, m_scaledRow.data());
+            std::uint8_t* row = rows.canvas.row(y);
+            std::copy_n(
+                m_scaledRow.data() + (opaque.begin - first), opaque.size(), row + opaque.begin);
+            for (const SampleRange edge :
+                 {SampleRange{touched.begin, opaque.begin}, SampleRange{opaque.end, touched.end}}) {
+                coverageRow(shape, y, edge, m_mask.data());
+                std::uint8_t* const out = row + edge.begin;
+                blendMasked(
+                    out,
+                    out,
+                    m_scaledRow.data() + (edge.begin - first),
+                    m_mask.data(),
+                    count(edge));
+            }
+        }
+    }
+}
+
+void CardPainter::paintMargin(const PlaneRows& rows, int y, SampleRange columns)
+{
+    if (columns.size() <= 0)
+        return;
+    std::uint8_t* const row = rows.canvas.row(y);
+    std::copy_n(rows.background.row(y) + columns.begin, columns.size(), row + columns.begin);
+    if (!rows.shadow)
+        return;
+    const SampleRange shaded = rows.shadow->columns(rows.canvas.width);
+    const SampleRange seen = {
+        std::max(columns.begin, shaded.begin), std::min(columns.end, shaded.end)};
+    const SampleRange shadedRows = rows.shadow->rows(rows.canvas.height);
+    if (seen.size() <= 0 || y < shadedRows.begin || y >= shadedRows.end)
+        return;
+    rows.shadow->maskRow(y, seen, m_shadowOpacity, m_mask.data());
+    blendConstant(row + seen.begin, m_mask.data(), rows.shadowValue, count(seen));
+}
+
+} // namespace zento

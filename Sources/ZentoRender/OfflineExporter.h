@@ -1,0 +1,50 @@
+#pragma once
+
+#include "ZentoCore/EditPlan.h"
+#include "ZentoCore/SessionBundle.h"
+
+#include <filesystem>
+#include <functional>
+#include <stop_token>
+
+namespace zento {
+
+/// Writes the finished film of a recording.
+///
+/// The film is made under a temporary name beside the target and takes the target's name when it is
+/// complete. A failure or a cancellation removes the temporary file and leaves a film that was
+/// there before untouched.
+///
+/// Threading: one call at a time. A call decodes and composes on two threads of its own and encodes
+/// on the caller's.
+class OfflineExporter {
+public:
+    struct Progress {
+        int frame = 0; // frames written, from 1
+        int totalFrames = 0;
+        bool operator==(const Progress&) const = default;
+    };
+    using ProgressCallback = std::function<void(const Progress&)>;
+
+    /// What is done about a frame that looks like the one before it. The film is the same to the
+    /// byte; composing every frame anew is for proving that.
+    enum class Repeats { Reuse, Compose };
+
+    OfflineExporter(SessionBundle bundle, EditPlan plan, Repeats repeats = Repeats::Reuse);
+
+    /// Renders the plan to the MP4 file `to`, replacing it.
+    ///
+    /// `onProgress` may be empty; it is called on this thread after every frame and must be quick.
+    /// Throws `Error`, with the code `kCancelled` soon after `stop` is requested.
+    void exportFilm(
+        const std::filesystem::path& to,
+        const ProgressCallback& onProgress = {},
+        std::stop_token stop = {}) const;
+
+private:
+    SessionBundle m_bundle;
+    EditPlan m_plan;
+    Repeats m_repeats;
+};
+
+} // namespace zento

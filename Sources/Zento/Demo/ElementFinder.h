@@ -8,6 +8,8 @@
 
 namespace zento {
 
+class AccessibilityBus;
+
 /// What to look for in the windows of a desktop: the first element shown that fits.
 struct ElementQuery {
     std::string application; // its name on the accessibility bus; empty: any
@@ -45,8 +47,7 @@ public:
     std::optional<std::string> textOf(const ElementQuery& query) const;
 
 private:
-    class Bus;
-    std::unique_ptr<Bus> m_bus;
+    std::unique_ptr<AccessibilityBus> m_bus;
 };
 
 /// "the push button “Search” of notes": for sentences.

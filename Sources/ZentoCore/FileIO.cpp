@@ -1,39 +1,17 @@
 #include "ZentoCore/FileIO.h"
 
+#include "ZentoCore/FileDescriptor.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <utility>
 
 namespace zento {
 
 namespace {
-
-/// An open file descriptor, closed at the end of its life.
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor)
-        : m_descriptor(descriptor)
-    {
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor()
-    {
-        if (m_descriptor >= 0) {
-            ::close(m_descriptor);
-        }
-    }
-
-    int get() const { return m_descriptor; }
-    int release() { return std::exchange(m_descriptor, -1); }
-
-private:
-    int m_descriptor = -1;
-};
 
 /// Repeats a call that a signal interrupted.
 template <typename Call>
@@ -50,7 +28,7 @@ auto retried(Call call)
 
 std::string readFile(const std::filesystem::path& path)
 {
-    const Descriptor file(retried([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC); }));
+    const FileDescriptor file(retried([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC); }));
     struct stat status{};
     if (file.get() < 0 || ::fstat(file.get(), &status) != 0) {
         throw systemError("cannot read", path.string(), errno);
@@ -79,7 +57,7 @@ std::string readFile(const std::filesystem::path& path)
 void writeFile(const std::filesystem::path& path, std::string_view bytes)
 {
     constexpr mode_t kMode = 0666; // less the user's mask
-    Descriptor file(retried(
+    FileDescriptor file(retried(
         [&] { return ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kMode); }));
     if (file.get() < 0) {
         throw systemError("cannot write", path.string(), errno);

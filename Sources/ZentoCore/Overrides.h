@@ -67,8 +67,9 @@ struct SavedOverrides {
     bool operator==(const SavedOverrides&) const = default;
 };
 
-/// JSON forms. The decoders throw `Error`. Saved edits are one a zoom: for two of one source time the
-/// code is `ErrorCode::kNoDefinedPlan`. `Overrides` are applied one after the other and may repeat.
+/// JSON forms. The decoders throw `Error`. Saved edits are one a zoom: for two of one source time
+/// the code is `ErrorCode::kNoDefinedPlan`. `Overrides` are applied one after the other and may
+/// repeat.
 std::string encodeOverrides(const Overrides& overrides);
 Overrides decodeOverrides(std::string_view json);
 std::string encodeSavedOverrides(const SavedOverrides& saved);

@@ -1,5 +1,7 @@
 #include "Zento/Commands/Interruption.h"
 
+#include "ZentoCore/FileDescriptor.h"
+
 #include <poll.h>
 #include <pthread.h>
 #include <sys/eventfd.h>
@@ -27,16 +29,15 @@ sigset_t watchedSignals()
 /// Waits for one signal, or for the end of the thread.
 bool awaitSignal(int signals, const std::stop_token& end)
 {
-    const int wake = ::eventfd(0, EFD_CLOEXEC);
-    const std::stop_callback onEnd(end, [wake] {
+    const FileDescriptor wake(::eventfd(0, EFD_CLOEXEC));
+    const std::stop_callback onEnd(end, [&wake] {
         const std::uint64_t one = 1;
-        [[maybe_unused]] const auto written = ::write(wake, &one, sizeof(one));
+        [[maybe_unused]] const auto written = ::write(wake.get(), &one, sizeof(one));
     });
-    std::array<pollfd, 2> descriptors{{{signals, POLLIN, 0}, {wake, POLLIN, 0}}};
+    std::array<pollfd, 2> descriptors{{{signals, POLLIN, 0}, {wake.get(), POLLIN, 0}}};
     while (!end.stop_requested() && (descriptors[0].revents & POLLIN) == 0) {
         ::poll(descriptors.data(), descriptors.size(), -1);
     }
-    ::close(wake);
     return (descriptors[0].revents & POLLIN) != 0;
 }
 
@@ -49,15 +50,14 @@ Interruption::Interruption()
     m_watcher = std::jthread([source = m_source](const std::stop_token& end) mutable {
         pthread_setname_np(pthread_self(), "signals");
         const sigset_t watched = watchedSignals();
-        const int descriptor = ::signalfd(-1, &watched, SFD_CLOEXEC);
-        if (awaitSignal(descriptor, end)) {
+        const FileDescriptor queue(::signalfd(-1, &watched, SFD_CLOEXEC));
+        if (awaitSignal(queue.get(), end)) {
             // Taken off the queue, so that only another one can end the process.
             signalfd_siginfo info{};
-            [[maybe_unused]] const auto size = ::read(descriptor, &info, sizeof(info));
+            [[maybe_unused]] const auto size = ::read(queue.get(), &info, sizeof(info));
             source.request_stop();
             pthread_sigmask(SIG_UNBLOCK, &watched, nullptr);
         }
-        ::close(descriptor);
         std::mutex mutex;
         std::unique_lock lock(mutex);
         std::condition_variable_any().wait(lock, end, [] { return false; });

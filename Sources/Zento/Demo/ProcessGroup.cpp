@@ -1,6 +1,7 @@
 #include "Zento/Demo/ProcessGroup.h"
 
 #include "ZentoCore/Error.h"
+#include "ZentoCore/FileDescriptor.h"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -30,29 +31,6 @@ struct Launch {
     int failure = -1; // closed by a successful exec; else gets errno
     pid_t group = 0;
     pid_t parent = 0;
-};
-
-/// A descriptor that is closed with its scope.
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor)
-        : m_descriptor(descriptor)
-    {
-    }
-    ~Descriptor() { close(); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int get() const { return m_descriptor; }
-    void close()
-    {
-        if (m_descriptor >= 0) {
-            ::close(m_descriptor);
-        }
-        m_descriptor = -1;
-    }
-
-private:
-    int m_descriptor;
 };
 
 std::vector<char*> pointers(std::vector<std::string>& strings)
@@ -125,17 +103,18 @@ pid_t ProcessGroup::start(
         variables.push_back(name);
         variables.back().append("=").append(value);
     }
-    const Descriptor input(open("/dev/null", O_RDONLY | O_CLOEXEC));
-    const Descriptor output(
+    const FileDescriptor input(open("/dev/null", O_RDONLY | O_CLOEXEC));
+    const FileDescriptor output(
         open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, S_IRUSR | S_IWUSR));
     std::array<int, 2> failure{};
     if (input.get() < 0 || output.get() < 0 || pipe2(failure.data(), O_CLOEXEC) != 0) {
         throw fail(errno);
     }
-    const Descriptor failureIn(failure[0]);
-    Descriptor failureOut(failure[1]);
-    // Descriptor 3 is about to become the reports': what a child still needs must not stand there.
-    Descriptor failureCopy(fcntl(failureOut.get(), F_DUPFD_CLOEXEC, kReportDescriptor + 1));
+    const FileDescriptor failureIn(failure[0]);
+    FileDescriptor failureOut(failure[1]);
+    // FileDescriptor 3 is about to become the reports': what a child still needs must not stand
+    // there.
+    FileDescriptor failureCopy(fcntl(failureOut.get(), F_DUPFD_CLOEXEC, kReportDescriptor + 1));
     failureOut.close();
     const Launch launch{
         .arguments = pointers(arguments),

@@ -25,7 +25,10 @@ function(zento_tests name)
     add_executable(${name} ${sources})
     target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/Tests)
     target_link_libraries(${name} PRIVATE ${ARGN} project_options GTest::gmock GTest::gtest_main)
-    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES LABELS ${name} TIMEOUT 300)
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES
+        LABELS ${name}
+        TIMEOUT 300
+        ENVIRONMENT LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tools/leaks.supp)
 endfunction()
 
 # zento_pkg(<target> <modules...>): a pkg-config dependency as the target PkgConfig::<target>.

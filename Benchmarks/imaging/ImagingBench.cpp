@@ -182,7 +182,10 @@ void addConversion(std::vector<Job>& jobs, const std::string& name, int width, i
     const double swscale = swscaleConversion(*pixels, *out);
     jobs.push_back(
         {name,
-         [=](int) { convert(BgraView{pixels->data(), width, height, width * 4}, out->planes); },
+         [=](int) {
+             convert(
+                 BgraView{pixels->data(), width, height, std::ptrdiff_t{4} * width}, out->planes);
+         },
          swscale});
 }
 

@@ -111,8 +111,9 @@ SessionBundle humanSession(double hours)
     const double round = kHour * kBoutsBetweenPauses / kBoutsPerHour; // bouts and a pause
     const double boutLength = (round - kPause) / kBoutsBetweenPauses;
     for (int i = 0; i < bouts; ++i) {
+        const int roundIndex = i / kBoutsBetweenPauses;
         const int inRound = i % kBoutsBetweenPauses;
-        addBout(session.events, i / kBoutsBetweenPauses * round + inRound * boutLength, random);
+        addBout(session.events, roundIndex * round + inRound * boutLength, random);
     }
     Pointer pointer(random);
     const auto moves = static_cast<std::size_t>(hours * kHour * kMovesPerSecond);

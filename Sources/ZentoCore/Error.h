@@ -42,13 +42,18 @@ inline constexpr int kNoPicture = 5;
 inline constexpr int kAppendRefused = 6;
 inline constexpr int kFilmNotFinished = 7;
 inline constexpr int kNoDefinedPlan = 8; // inputs that contradict each other
-inline constexpr int kCancelled = 9; // a long job whose owner asked it to stop
+inline constexpr int kCancelled = 9;     // a long job whose owner asked it to stop
 inline constexpr int kNoDisplay = 20;
 inline constexpr int kMovieNotStarted = 21;
 inline constexpr int kMovieNotFinished = 22;
 inline constexpr int kNoFrames = 23;
 inline constexpr int kWindowGone = 24;
 inline constexpr int kNoInput = 25;
+inline constexpr int kProgramMissing = 60; // not installed; the sentence names the package
+inline constexpr int kDesktopFailed = 61; // a program of a private desktop did not come up, or died
+inline constexpr int kElementMissing = 62; // no window shows what the demo's script names
+inline constexpr int kDemoStopped = 63;    // by the user, before its stage was set
+inline constexpr int kUntypeable = 64;     // no key of the display's layout types the character
 } // namespace ErrorCode
 
 /// An `Error` of the domain "errno": "{action} {path}: {the system's text}".

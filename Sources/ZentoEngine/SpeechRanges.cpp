@@ -7,22 +7,20 @@ namespace zento::EditPlanner {
 
 namespace {
 
-/// Takes `speech` out of the pieces from index `first` on.
-void removeSpeech(std::vector<TimeRange>& pieces, std::size_t first, TimeRange speech)
+/// Takes `speech` out of the last piece. The others end where earlier speech starts, so no later
+/// speech reaches them.
+void removeSpeech(std::vector<TimeRange>& pieces, TimeRange speech)
 {
-    std::vector<TimeRange> rest(pieces.begin() + static_cast<std::ptrdiff_t>(first), pieces.end());
-    pieces.resize(first);
-    for (const TimeRange& piece : rest) {
-        if (speech.end <= piece.start || piece.end <= speech.start) {
-            pieces.push_back(piece);
-            continue;
-        }
-        if (piece.start < speech.start) {
-            pieces.push_back({piece.start, speech.start});
-        }
-        if (speech.end < piece.end) {
-            pieces.push_back({speech.end, piece.end});
-        }
+    const TimeRange piece = pieces.back();
+    if (speech.end <= piece.start || piece.end <= speech.start) {
+        return;
+    }
+    pieces.pop_back();
+    if (piece.start < speech.start) {
+        pieces.push_back({piece.start, speech.start});
+    }
+    if (speech.end < piece.end) {
+        pieces.push_back({speech.end, piece.end});
     }
 }
 
@@ -50,7 +48,6 @@ SpeechProtection::SpeechProtection(std::span<const TimeRange> speech)
     : m_speech(speech)
 {
     for (const TimeRange& range : speech) {
-        m_isDisjoint = m_isDisjoint && range.start <= range.end;
         m_latestEnd.push_back(
             m_latestEnd.empty() ? range.end : std::max(m_latestEnd.back(), range.end));
     }
@@ -66,8 +63,7 @@ std::vector<TimeRange> SpeechProtection::unprotected(TimeRange range) const
     std::vector<TimeRange> pieces = {range};
     for (; index < m_speech.size() && m_speech[index].start < range.end && !pieces.empty();
          ++index) {
-        // Disjoint speech comes in order, so only the last piece can still be touched by it.
-        removeSpeech(pieces, m_isDisjoint ? pieces.size() - 1 : 0, m_speech[index]);
+        removeSpeech(pieces, m_speech[index]);
     }
     return pieces;
 }

@@ -36,7 +36,6 @@ public:
 private:
     std::span<const TimeRange> m_speech;
     std::vector<double> m_latestEnd; // the largest end of the ranges up to each one
-    bool m_isDisjoint = true;        // false only with segments that end before they start
 };
 
 } // namespace zento::EditPlanner

@@ -54,9 +54,9 @@ void gaussianBlur(Plane<std::uint8_t> plane, double sigma, BlurEdge edge)
     const std::vector<std::uint8_t> nothing(width);
     std::vector<std::int16_t> middle(width + 2 * std::size_t(radius));
     std::vector<const std::uint8_t*> rows(std::size_t(taps), nullptr);
-    std::vector<const std::int16_t*> shifted;
+    std::vector<const std::int16_t*> shifted(std::size_t(taps), nullptr);
     for (int t = 0; t < taps; ++t) {
-        shifted.push_back(middle.data() + t);
+        shifted[std::size_t(t)] = middle.data() + t;
     }
     for (int y = 0; y < plane.height; ++y) {
         for (int t = 0; t < taps; ++t) {

@@ -54,8 +54,8 @@ TextContext makeContext(PangoFontMap* fonts)
 /// A font map belongs to one thread: Pango's are not safe to share.
 PangoContext* threadContext()
 {
-    thread_local const FontMap fonts(pango_cairo_font_map_new());
-    thread_local const TextContext context = makeContext(fonts.get());
+    thread_local FontMap fonts(pango_cairo_font_map_new());
+    thread_local TextContext context = makeContext(fonts.get());
     return context.get();
 }
 

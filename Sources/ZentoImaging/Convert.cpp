@@ -32,9 +32,10 @@ void splitIntoRgb(const BgraView& source, const PictureView& out)
         std::uint8_t* green = out.planes[1].row(y);
         std::uint8_t* blue = out.planes[2].row(y);
         for (int x = 0; x < source.width; ++x) {
-            blue[x] = from[4 * x];
-            green[x] = from[4 * x + 1];
-            red[x] = from[4 * x + 2];
+            blue[x] = from[0];
+            green[x] = from[1];
+            red[x] = from[2];
+            from += 4;
         }
     }
 }

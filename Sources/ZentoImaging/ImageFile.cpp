@@ -69,10 +69,11 @@ void unpremultiplyRow(const std::uint32_t* row, int width, guchar* out)
                        ? guchar{0}
                        : static_cast<guchar>(std::min(255U, (value * 255 + alpha / 2) / alpha));
         };
-        out[4 * x] = straight(16);
-        out[4 * x + 1] = straight(8);
-        out[4 * x + 2] = straight(0);
-        out[4 * x + 3] = static_cast<guchar>(alpha);
+        out[0] = straight(16);
+        out[1] = straight(8);
+        out[2] = straight(0);
+        out[3] = static_cast<guchar>(alpha);
+        out += 4;
     }
 }
 

@@ -227,9 +227,9 @@ void PlaneScaler::Plan::prepareColumns()
         buildDots(columns, rowBegin, dots);
     }
     // Vectors read past the last tap, by a window and the padding of the last group.
-    const int padding = 2 * kWindow + 8;
+    constexpr std::size_t kRowPadding = 2 * kernel::WindowTable::kWindow + 8;
     const int length = std::max(rowEnd - rowBegin, sourceEnd - sourceBegin) + columns.perSample;
-    row.assign(std::size_t(length + padding), 0);
+    row.assign(std::size_t(length) + kRowPadding, 0);
 }
 
 template <typename Sample>

@@ -61,7 +61,7 @@ CornerField::CornerField(double radius, double sigma)
     , m_steps(std::max(1, int(std::ceil(kSmoothSigma / sigma))))
     , m_size(int(std::ceil(radius + 2 * m_reach)) + 2)
 {
-    const auto count = std::size_t(m_size * m_steps);
+    const std::size_t count = std::size_t(m_size) * std::size_t(m_steps);
     const int nodes = std::max(48, int(8 * radius / sigma));
     std::vector<float> field(count * count);
     std::vector<float> alongU(count);

@@ -51,7 +51,7 @@ std::uint8_t coverage(const Edges& e, double coveredY, double cornerY, int x)
         const double distance = std::sqrt(cornerX * cornerX + cornerY * cornerY);
         covered = std::clamp(e.radius - distance + 0.5, 0.0, 1.0);
     }
-    return static_cast<std::uint8_t>(covered * 255 + 0.5);
+    return opacityByte(covered);
 }
 
 SampleRange limited(double from, double to, SampleRange within)

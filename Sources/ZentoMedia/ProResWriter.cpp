@@ -145,6 +145,11 @@ bool ProResWriter::isReady() const
     return !m_state->isRefusing && !m_state->pool->isEmpty();
 }
 
+bool ProResWriter::hasFailed() const
+{
+    return m_state->isRefusing;
+}
+
 std::optional<ProResWriter::Slot> ProResWriter::acquire()
 {
     if (m_state->isRefusing)

@@ -22,8 +22,8 @@ namespace zento {
 ///         writer.submit(std::move(*slot), time);
 ///     }
 ///
-/// Threading: `acquire`, `submit` and `append` by one thread at a time, `isReady` by any; `finish`
-/// after the last of them. A slot may be filled by any thread.
+/// Threading: `acquire`, `submit` and `append` by one thread at a time, `isReady` and `hasFailed`
+/// by any; `finish` after the last of them. A slot may be filled by any thread.
 class ProResWriter {
     struct State;
 
@@ -65,6 +65,9 @@ public:
 
     /// Whether `acquire` would give a slot. False for good once writing has failed.
     bool isReady() const;
+
+    /// Whether writing has failed; `finish` will say why.
+    bool hasFailed() const;
 
     /// A slot to fill, or nothing while the writer is not ready.
     std::optional<Slot> acquire();

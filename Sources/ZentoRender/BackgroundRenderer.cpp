@@ -11,7 +11,9 @@
 #include <cstddef>
 #include <numbers>
 #include <optional>
+#include <string>
 #include <variant>
+#include <vector>
 
 namespace zento::BackgroundRenderer {
 namespace {
@@ -63,6 +65,7 @@ public:
     {
         const double last = std::max(1.0, static_cast<double>(background.colors.size()) - 1);
         std::vector<GradientStop> stops;
+        stops.reserve(background.colors.size());
         for (const std::string& hex : background.colors)
             stops.push_back({static_cast<double>(stops.size()) / last, color(hex)});
         const double angle = background.angle * std::numbers::pi / 180;

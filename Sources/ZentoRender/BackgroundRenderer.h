@@ -6,13 +6,11 @@
 
 #include <string_view>
 
-namespace zento {
-
 /// Turns the recipe of a background into pixels of any size. Fully determined by its arguments, but
 /// for the file of an image background.
 ///
 /// Threading: free functions.
-namespace BackgroundRenderer {
+namespace zento::BackgroundRenderer {
 
 /// A canvas of that size in pixels, [1, ∞), filled. An image that cannot be read is dark grey.
 Canvas render(const StyleSpec::Background& background, int width, int height);
@@ -24,6 +22,4 @@ void draw(const StyleSpec::Background& background, Canvas& canvas);
 /// hexadecimal number, 0 if it is none. Short forms are not expanded.
 Color color(std::string_view hex, double alpha = 1);
 
-} // namespace BackgroundRenderer
-
-} // namespace zento
+} // namespace zento::BackgroundRenderer

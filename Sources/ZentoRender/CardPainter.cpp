@@ -27,6 +27,7 @@ std::size_t count(SampleRange range)
 
 /// One plane while it is painted.
 struct CardPainter::PlaneRows {
+    RoundedRect card;
     Plane<const std::uint8_t> background;
     Plane<std::uint8_t> canvas;
     Shadow* shadow = nullptr;     // none if the card hides it
@@ -70,45 +71,44 @@ void CardPainter::paintPlanes(
 
     for (std::size_t p = 0; p < sourcePlanes.size(); ++p) {
         const PlaneGrid grid = canvas.grid(p);
-        const RoundedRect shape = RoundedRect{card, m_cornerRadius}.inPlane(grid);
-        PlaneScaler& scaler = m_scaler.plane(p);
         const int width = canvas.planes[p].width;
         const PlaneRows rows = {
+            .card = RoundedRect{card, m_cornerRadius}.inPlane(grid),
             .background = std::as_const(m_background).plane(p),
             .canvas = canvas.planes[p],
             .shadow =
                 hasShadow ? &m_shadows.placed(shadowShape, m_shadowSigma, grid, width) : nullptr,
             .shadowValue = shadowValues[p]};
-
+        PlaneScaler& scaler = m_scaler.plane(p);
         for (int y = 0; y < rows.canvas.height; ++y) {
-            const SampleRange touched = touchedColumns(shape, y, width);
+            const SampleRange touched = touchedColumns(rows.card, y, width);
             if (touched.size() <= 0) {
                 paintMargin(rows, y, {0, width});
                 continue;
             }
-            SampleRange opaque = opaqueColumns(shape, y, width);
-            if (opaque.size() <= 0)
-                opaque = {touched.end, touched.end};
-            paintMargin(rows, y, {0, opaque.begin});
-            paintMargin(rows, y, {opaque.end, width});
-
-            const int first = scaler.columns().begin;
             scaler.scaleRow(sourcePlanes[p], y, m_scaledRow.data());
-            std::uint8_t* row = rows.canvas.row(y);
-            std::copy_n(
-                m_scaledRow.data() + (opaque.begin - first), opaque.size(), row + opaque.begin);
-            for (const SampleRange edge :
-                 {SampleRange{touched.begin, opaque.begin}, SampleRange{opaque.end, touched.end}}) {
-                coverageRow(shape, y, edge, m_mask.data());
-                std::uint8_t* const out = row + edge.begin;
-                blendMasked(
-                    out,
-                    out,
-                    m_scaledRow.data() + (edge.begin - first),
-                    m_mask.data(),
-                    count(edge));
-            }
+            paintCardRow(rows, y, touched, scaler.columns().begin);
         }
+    }
+}
+
+void CardPainter::paintCardRow(const PlaneRows& rows, int y, SampleRange touched, int firstScaled)
+{
+    const int width = rows.canvas.width;
+    SampleRange opaque = opaqueColumns(rows.card, y, width);
+    if (opaque.size() <= 0)
+        opaque = {touched.end, touched.end};
+    paintMargin(rows, y, {0, opaque.begin});
+    paintMargin(rows, y, {opaque.end, width});
+
+    std::uint8_t* const row = rows.canvas.row(y);
+    const auto scaled = [&](int x) { return m_scaledRow.data() + (x - firstScaled); };
+    std::copy_n(scaled(opaque.begin), opaque.size(), row + opaque.begin);
+    for (const SampleRange edge :
+         {SampleRange{touched.begin, opaque.begin}, SampleRange{opaque.end, touched.end}}) {
+        coverageRow(rows.card, y, edge, m_mask.data());
+        std::uint8_t* const out = row + edge.begin;
+        blendMasked(out, out, scaled(edge.begin), m_mask.data(), count(edge));
     }
 }
 

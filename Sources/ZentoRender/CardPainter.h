@@ -33,6 +33,8 @@ private:
     template <typename Sample>
     void
     paintPlanes(const YuvPlanes<const Sample>& source, const Rect& card, const PictureView& canvas);
+    /// `touched`: the samples the card touches. `firstScaled`: the sample m_scaledRow begins with.
+    void paintCardRow(const PlaneRows& rows, int y, SampleRange touched, int firstScaled);
     void paintMargin(const PlaneRows& rows, int y, SampleRange columns);
 
     Picture m_background;

@@ -5,11 +5,9 @@
 
 #include <string_view>
 
-namespace zento {
-
 /// The shapes of the pointer. They are drawn here and not taken from the desktop, so that a film
 /// looks the same everywhere.
-namespace CursorSprite {
+namespace zento::CursorSprite {
 
 enum class Shape { Arrow, IBeam, PointingHand };
 
@@ -26,6 +24,4 @@ Vec2 hotspot(Shape shape);
 /// scaled picture, so that it is crisp at every size.
 void draw(Canvas& canvas, Shape shape, Vec2 origin, double height);
 
-} // namespace CursorSprite
-
-} // namespace zento
+} // namespace zento::CursorSprite

@@ -3,11 +3,11 @@
 #include "ZentoCore/EditPlan.h"
 #include "ZentoImaging/Picture.h"
 #include "ZentoMedia/VideoFrame.h"
+#include "ZentoRender/CanvasPool.h"
 #include "ZentoRender/Card.h"
 #include "ZentoRender/CardPainter.h"
 #include "ZentoRender/FrameRecipe.h"
 #include "ZentoRender/OverlayPainter.h"
-#include "ZentoRender/CanvasPool.h"
 
 #include <cstdint>
 #include <memory>

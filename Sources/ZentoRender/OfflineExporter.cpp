@@ -202,7 +202,9 @@ OfflineExporter::OfflineExporter(SessionBundle bundle, EditPlan plan, Repeats re
 }
 
 void OfflineExporter::exportFilm(
-    const std::filesystem::path& to, const ProgressCallback& onProgress, std::stop_token stop) const
+    const std::filesystem::path& to,
+    const ProgressCallback& onProgress,
+    const std::stop_token& stop) const
 {
     const RemapCurve curve(m_plan.timeRemap);
     const int total = checkedFrameCount(m_plan.output, curve, to);

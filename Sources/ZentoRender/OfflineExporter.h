@@ -39,7 +39,7 @@ public:
     void exportFilm(
         const std::filesystem::path& to,
         const ProgressCallback& onProgress = {},
-        std::stop_token stop = {}) const;
+        const std::stop_token& stop = {}) const;
 
 private:
     SessionBundle m_bundle;

@@ -89,7 +89,8 @@ TEST(FastPaths, CursorInCrowdedWindowsIsTheMean)
     std::vector<InputEvent> events;
     for (int i = 0; i < 2000; ++i) {
         InputEvent move;
-        move.t = (i / 700) * 0.04 + (i % 7 == 0 ? 1e-4 * (i % 700) : 0);
+        const int crowd = i / 700;
+        move.t = crowd * 0.04 + (i % 7 == 0 ? 1e-4 * (i % 700) : 0);
         move.pos = {i * 0.37, 1000.0 - i};
         events.push_back(move);
     }

@@ -113,9 +113,9 @@ std::vector<Moment> detectMoments(const PlanInput& input)
 {
     std::vector<Moment> moments;
     const std::vector<InputEvent> clicks = ofKind(input, EventKind::Click);
-    for (const InputEvent& click : clicks) {
-        moments.push_back(ofClick(input, click));
-    }
+    std::ranges::transform(clicks, std::back_inserter(moments), [&](const InputEvent& click) {
+        return ofClick(input, click);
+    });
     for (const auto& run : runs(input, EventKind::KeyDown, 0.55)) {
         if (run.size() < 2) {
             continue;

@@ -241,7 +241,7 @@ TEST(Shapes, ShowAPictureThroughThemselves)
 
 struct ShadowCase {
     RoundedRect shape;
-    double sigma;
+    double sigma = 1;
 };
 const ShadowCase kShadows[] = {
     {{{60.3, 50.8, 90.4, 70.2}, 12}, 10}, // smaller than what the blur reaches

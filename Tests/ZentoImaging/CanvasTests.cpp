@@ -52,9 +52,9 @@ private:
 TEST(CanvasDrawing, ShapesCoverTheirArea)
 {
     struct Case {
-        const char* name;
+        const char* name = "";
         Path path;
-        double area;
+        double area = 0;
     };
     Path twice;
     twice.rect({10, 10, 20, 20}).rect({20, 10, 20, 20});

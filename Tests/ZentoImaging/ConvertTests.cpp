@@ -23,9 +23,9 @@ struct Bgra {
         // Some of the extremes: black, white and the full primaries.
         const std::array<std::uint8_t, 24> extremes{0, 0,   0, 9, 255, 255, 255, 9, 255, 0, 0,   9,
                                                     0, 255, 0, 9, 0,   0,   255, 9, 255, 0, 255, 9};
-        std::ranges::copy(extremes, bytes.begin());
+        std::copy_n(extremes.begin(), std::min(extremes.size(), bytes.size()), bytes.begin());
     }
-    BgraView view() const { return {bytes.data(), width, height, 4 * width}; }
+    BgraView view() const { return {bytes.data(), width, height, std::ptrdiff_t{4} * width}; }
     std::array<double, 3> rgb(int x, int y) const
     {
         const std::uint8_t* p =

@@ -69,10 +69,10 @@ double reference(
 }
 
 struct ScaleCase {
-    const char* name;
-    double scaleX;
-    double scaleY;
-    double origin;
+    const char* name = "";
+    double scaleX = 1;
+    double scaleY = 1;
+    double origin = 0;
     ScaleFilter filter = ScaleFilter::Sharp;
 };
 

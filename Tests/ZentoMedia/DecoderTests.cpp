@@ -130,19 +130,32 @@ TEST(Decoder, aTornMovieGivesTheBeginningOrAnError)
 
 TEST(Decoder, damageEndsTheMovie)
 {
-    const TemporaryFolder folder;
-    writeNumberedRecording(folder / "a.mov", {96, 64}, countedFrames(0, 20, 30));
-    std::string bytes = bytesOf(folder / "a.mov");
-    // Every frame begins with its name; the eleventh loses its own.
-    std::size_t at = 0;
-    for (int i = 0; i <= 10; ++i)
-        at = bytes.find("icpf", at + 1);
-    ASSERT_NE(at, std::string::npos);
-    bytes.replace(at, 40, 40, '\0');
-    write(folder / "a.mov", bytes);
-    const auto read = readNumbers(folder / "a.mov");
-    ASSERT_EQ(read.size(), 10U);
-    EXPECT_EQ(read.back().number, 9);
+    struct Case {
+        const char* name;
+        std::size_t offset; // from the name a frame begins with
+        std::size_t count;
+    };
+    for (const Case& row : {Case{"header", 0, 40}, Case{"one slice", 300, 60}}) {
+        SCOPED_TRACE(row.name);
+        const TemporaryFolder folder;
+        writeNumberedRecording(folder / "a.mov", {96, 64}, countedFrames(0, 20, 30));
+        std::string bytes = bytesOf(folder / "a.mov");
+        std::size_t at = 0;
+        for (int i = 0; i <= 10; ++i)
+            at = bytes.find("icpf", at + 1);
+        ASSERT_NE(at, std::string::npos);
+        bytes.replace(at + row.offset, row.count, row.count, '\0');
+        write(folder / "a.mov", bytes);
+        const auto read = readNumbers(folder / "a.mov");
+        ASSERT_EQ(read.size(), 10U);
+        EXPECT_EQ(read.back().number, 9);
+    }
+}
+
+void runFfmpeg(const std::string& arguments)
+{
+    const std::string command = "ffmpeg -y -v error " + arguments + " </dev/null";
+    ASSERT_EQ(std::system(command.c_str()), 0) << command; // NOLINT(concurrency-mt-unsafe)
 }
 
 struct Colour {
@@ -172,6 +185,23 @@ std::array<double, 3> middleOf(const VideoFrame& frame)
         return std::array<double, 3>{at(planes.y), at(planes.cb), at(planes.cr)};
     };
     return frame.bitDepth() == 8 ? middle(frame.planes8(), 1) : middle(frame.planes10(), 0.25);
+}
+
+TEST(Decoder, sitesChromaOnTheLeftPixelOfAPair)
+{
+    const TemporaryFolder folder;
+    // Red grows by 3 a pixel, and so Cr by 1.3: half a pixel aside would be 0.66 off everywhere.
+    runFfmpeg(
+        "-f lavfi -i color=s=80x32:d=0.1:r=10,format=gbrp,geq=r='3*X':g=0:b=0 -c:v png "
+        + (folder / "ramp.mov").string());
+    const auto frames = readFrames(folder / "ramp.mov");
+    ASSERT_EQ(frames.size(), 1U);
+    const auto& cr = frames[0].planes8().cr;
+    ASSERT_EQ(cr.width, 40);
+    double sum = 0;
+    for (int x = 4; x < 36; ++x)
+        sum += cr.row(8)[x] - bt709({6 * x, 0, 0})[2];
+    EXPECT_NEAR(sum / 32, 0, 0.3);
 }
 
 struct Encoding {
@@ -254,6 +284,13 @@ INSTANTIATE_TEST_SUITE_P(
             "-colorspace bt709 -color_range pc",
             "a.mp4",
             8,
+            {64, 48}},
+        Encoding{
+            "fullRangeTenBits",
+            "scale=out_color_matrix=bt709:out_range=pc,format=yuv420p10 -c:v libx264 -qp 4 "
+            "-colorspace bt709 -color_range pc",
+            "a.mp4",
+            10,
             {64, 48}},
         Encoding{
             "fourTwoZeroTenBits",

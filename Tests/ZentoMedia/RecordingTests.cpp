@@ -51,14 +51,11 @@ void fillWithNoise(ProResWriter& writer, VideoSize size, int limit)
     for (unsigned seed = 0; seed < 4; ++seed)
         pictures.push_back(noiseRecordedPicture(seed, size.width, size.height));
     // Slots come back while the writer works; after a failure none ever does.
-    for (int i = 0, refusals = 0; i < limit && refusals < 100000;) {
-        if (writer.append(pictures[static_cast<std::size_t>(i % 4)].planes, i / 60.0)) {
+    for (int i = 0; i < limit && !writer.hasFailed();) {
+        if (writer.append(pictures[static_cast<std::size_t>(i % 4)].planes, i / 60.0))
             ++i;
-            refusals = 0;
-        } else {
-            ++refusals;
+        else
             std::this_thread::yield();
-        }
     }
 }
 

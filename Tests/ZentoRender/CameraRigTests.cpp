@@ -14,6 +14,7 @@ constexpr double kFrame = 1.0 / 60;
 std::vector<CameraRig::State> replay(CameraRig rig, int frames, double dt = kFrame)
 {
     std::vector<CameraRig::State> states;
+    states.reserve(static_cast<std::size_t>(frames));
     for (int i = 0; i < frames; ++i)
         states.push_back(rig.step(i * dt, dt));
     return states;

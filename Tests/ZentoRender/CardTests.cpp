@@ -54,7 +54,7 @@ TEST(CardTest, Geometry)
         {"and at the near ones", kSource, style(0), {{5, 5}, 2}, {{0, 0}, 2, 3840, 2160}},
         {"filling covers the canvas and crops the excess",
          {2000, 1000},
-         style(0.06, true),
+         style(0.06, /*fills=*/true),
          {{0, 500}, 1},
          {{0, 0}, 1.08, 2160, 1080}},
         {"one axis follows while the other is centred",

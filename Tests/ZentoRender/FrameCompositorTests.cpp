@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace zento {
 namespace {
@@ -273,6 +274,28 @@ TEST(FrameCompositorTest, ASlowCameraMovesWithoutJitterInLumaAndChroma)
             ASSERT_NEAR(mark.centroid.x, expected.x, 0.06) << "plane " << plane << ", frame " << i;
             ASSERT_NEAR(mark.centroid.y, expected.y, 0.06) << "plane " << plane << ", frame " << i;
         }
+    }
+}
+
+TEST(FrameCompositorTest, ACardOfAnySizeCoversItsArea)
+{
+    StyleSpec style = cardStyle();
+    style.background = Background::Color{"#000000"};
+    style.shadowOpacity = 0;
+    style.cornerRadius = 6;
+    const VideoFrame white = sampled([](Vec2) { return RgbValue{1, 1, 1}; }, kSource);
+    FrameCompositor subject = compositor(style);
+    for (double zoom = 0.2; zoom < 1.1; zoom += 0.0137) {
+        const CameraRig::State camera = {{120, 75}, zoom};
+        const auto luma = subject.compose(layersOf(white, camera))->plane(0);
+        double covered = 0;
+        for (int y = 0; y < luma.height; ++y)
+            for (int x = 0; x < luma.width; ++x)
+                covered += (luma.row(y)[x] - 16) / 219.0;
+        const Card card = subject.card(camera);
+        const double corners = (4 - std::numbers::pi) * 6 * 6;
+        // Half a level along the edges and 0.03 of the corners' pixels; a lost column would be 60.
+        EXPECT_NEAR(covered, card.w * card.h - corners, 2.5) << zoom;
     }
 }
 

@@ -128,6 +128,7 @@ TEST_F(OfflineExporterTest, ReusingFramesGivesTheSameFile)
 {
     // Still, then moving, still again; a camera move, clicks, a pointer that hides.
     std::vector<test::NumberedFrame> frames;
+    frames.reserve(120);
     for (int i = 0; i < 120; ++i)
         frames.push_back({.number = i < 40 || i > 80 ? 5 : i, .time = i / 60.0});
     test::writeNumberedRecording(m_bundle.screenMovieURL(), {128, 96}, frames);

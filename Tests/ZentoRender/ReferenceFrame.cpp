@@ -40,32 +40,36 @@ blurredRoundedRect(VideoSize size, const Rect& rect, double radius, double sigma
     const int reach = static_cast<int>(weights.size() / 2);
     const int w = size.width + 2 * reach;
     const int h = size.height + 2 * reach;
-    const auto at = [w](int x, int y) { return static_cast<std::size_t>(y * w + x); };
+    const auto at = [w](int x, int y) {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(w)
+               + static_cast<std::size_t>(x);
+    };
     std::vector<double> covered(at(0, h));
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x) {
             int inside = 0;
             for (int i = 0; i < 16; ++i)
-                inside += isInRoundedRect(
-                              {x - reach + (i % 4 + 0.5) / 4, y - reach + (i / 4 + 0.5) / 4},
-                              rect,
-                              radius)
-                              ? 1
-                              : 0;
+                inside +=
+                    isInRoundedRect(
+                        {x - reach + (i & 3) * 0.25 + 0.125, y - reach + (i >> 2) * 0.25 + 0.125},
+                        rect,
+                        radius)
+                        ? 1
+                        : 0;
             covered[at(x, y)] = inside / 16.0;
         }
+    const auto weightAt = [&](int k) { return *(weights.begin() + reach + k); };
     std::vector<double> across(covered.size());
     for (int y = 0; y < h; ++y)
         for (int x = reach; x < w - reach; ++x)
             for (int k = -reach; k <= reach; ++k)
-                across[at(x, y)] +=
-                    weights[static_cast<std::size_t>(k + reach)] * covered[at(x + k, y)];
+                across[at(x, y)] += weightAt(k) * covered[at(x + k, y)];
     std::vector<double> blurred;
     for (int y = reach; y < h - reach; ++y)
         for (int x = reach; x < w - reach; ++x) {
             double sum = 0;
             for (int k = -reach; k <= reach; ++k)
-                sum += weights[static_cast<std::size_t>(k + reach)] * across[at(x, y + k)];
+                sum += weightAt(k) * across[at(x, y + k)];
             blurred.push_back(sum);
         }
     return blurred;
@@ -103,7 +107,9 @@ double ReferenceFrame::shadowAt(Vec2 p) const
     const auto pixel = [this](int x, int y) {
         x = std::clamp(x, 0, m_canvas.width - 1);
         y = std::clamp(y, 0, m_canvas.height - 1);
-        return m_shadow[static_cast<std::size_t>(y * m_canvas.width + x)];
+        return m_shadow
+            [static_cast<std::size_t>(y) * static_cast<std::size_t>(m_canvas.width)
+             + static_cast<std::size_t>(x)];
     };
     const double left = std::floor(p.x - 0.5);
     const double top = std::floor(p.y - 0.5);

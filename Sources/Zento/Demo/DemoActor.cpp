@@ -1,6 +1,5 @@
 #include "Zento/Demo/DemoActor.h"
 
-#include "Zento/Demo/DemoError.h"
 #include "Zento/Demo/Waiting.h"
 #include "ZentoCore/Error.h"
 
@@ -59,11 +58,11 @@ FoundElement DemoActor::await(const ElementQuery& query, const std::stop_token& 
         }
         before = std::move(now);
         if (!sleepFor(kLookSeconds, stop)) {
-            throw Error(DemoErrorCode::kStopped, "The demo was stopped.");
+            throw Error(ErrorCode::kDemoStopped, "The demo was stopped.");
         }
     }
     throw Error(
-        DemoErrorCode::kElementMissing,
+        ErrorCode::kElementMissing,
         "The demo cannot go on: " + description(query) + " is not to be found.");
 }
 

@@ -23,10 +23,10 @@ public:
     DemoActor(const std::string& display, const std::string& accessibilityAddress);
 
     /// Returns when the element is shown and stands still. Throws `Error` kElementMissing when it
-    /// is not there within some seconds, kStopped on a stop request.
+    /// is not there within some seconds, kDemoStopped on a stop request.
     FoundElement await(const ElementQuery& query, const std::stop_token& stop);
 
-    /// Throws `Error` kElementMissing, kUntypeable, kStopped.
+    /// Throws `Error` kElementMissing, kUntypeable, kDemoStopped.
     void perform(const DemoStep& step, const std::stop_token& stop);
 
 private:

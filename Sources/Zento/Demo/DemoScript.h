@@ -48,7 +48,7 @@ struct ScrollStep {
 
 using DemoStep = std::variant<PauseStep, MoveStep, ClickStep, TypeStep, PressStep, ScrollStep>;
 
-/// What the demo shows, about 25 seconds: a look through a collection of icons, the choice noted
+/// What the demo shows, about 27 seconds: a look through a collection of icons, the choice noted
 /// down in a text, and a search. It has what an automatic editor works on: clicks far apart,
 /// typing, scrolling, a menu, and more than six seconds in which nothing happens.
 std::vector<DemoStep> demoScript();

@@ -1,6 +1,5 @@
 #include "Zento/Demo/DemoStage.h"
 
-#include "Zento/Demo/DemoError.h"
 #include "Zento/Demo/DemoScript.h"
 #include "Zento/Demo/DesktopWindows.h"
 #include "Zento/Demo/Programs.h"
@@ -25,9 +24,6 @@ constexpr Rect kEditorFrame{1130, 90, 720, 900};
 /// automatic indent.
 constexpr std::string_view kEditorSettings = "0.8.18\n720\n860\nJetBrains Mono 15\n1\n0\n0\n";
 
-/// A text on the window's very edge looks cramped under a camera that comes close.
-constexpr std::string_view kEditorStyle = "textview { padding: 10px 16px; }\n";
-
 struct StageWindow {
     std::string title;
     Rect frame;
@@ -42,7 +38,7 @@ void place(const PrivateDesktop& desktop, const StageWindow& window, const std::
         desktop.requireRunning();
         if (!ProcessGroup::isRunning(window.program)) {
             throw Error(
-                DemoErrorCode::kDesktopFailed,
+                ErrorCode::kDesktopFailed,
                 "The program of the window “" + window.title + "” has ended by itself.");
         }
         handle = windowTitled(connection, window.title);
@@ -95,7 +91,6 @@ void DemoStage::openWindows(const std::stop_token& stop)
     const auto editor = requireProgram("l3afpad", "l3afpad", path);
     const auto notes = m_desktop.home().writeFile(kNotesFile, notesText());
     m_desktop.home().writeFile(".config/l3afpad/l3afpadrc", kEditorSettings);
-    m_desktop.home().writeFile(".config/gtk-3.0/gtk.css", kEditorStyle);
     const std::array windows{
         StageWindow{kNotesFile, kEditorFrame, m_desktop.start({editor, notes})},
         StageWindow{"Icon Browser", kBrowserFrame, m_desktop.start({browser})}};

@@ -25,7 +25,7 @@ namespace zento {
 class DemoStage {
 public:
     /// Returns when both windows stand in their places and the accessibility bus is up. Throws
-    /// `Error`: kProgramMissing, kDesktopFailed, kStopped, or of the domain "errno".
+    /// `Error`: kProgramMissing, kDesktopFailed, kDemoStopped, or of the domain "errno".
     explicit DemoStage(const std::stop_token& stop = {});
 
     /// As in DISPLAY: ":7".

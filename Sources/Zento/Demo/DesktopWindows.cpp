@@ -85,7 +85,7 @@ void askWindowManager(
     xcb_send_event(
         connection.get(),
         0,
-        connection.root(),
+        connection.root().id,
         XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
         reinterpret_cast<const char*>(&event));
 }
@@ -99,18 +99,19 @@ std::uint32_t whole(double value)
 
 bool hasWindowManager(const XConnection& connection)
 {
-    return !numbers(connection, connection.root(), "_NET_SUPPORTING_WM_CHECK").empty();
+    return !numbers(connection, connection.root().id, "_NET_SUPPORTING_WM_CHECK").empty();
 }
 
 std::string rootText(const XConnection& connection, const std::string& property)
 {
-    const std::vector<std::byte> bytes = propertyBytes(connection, connection.root(), property);
+    const std::vector<std::byte> bytes = propertyBytes(connection, connection.root().id, property);
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 std::optional<std::uint32_t> windowTitled(const XConnection& connection, const std::string& title)
 {
-    for (const std::uint32_t window : numbers(connection, connection.root(), "_NET_CLIENT_LIST")) {
+    for (const std::uint32_t window :
+         numbers(connection, connection.root().id, "_NET_CLIENT_LIST")) {
         const std::vector<std::byte> name = propertyBytes(connection, window, "_NET_WM_NAME");
         const std::string_view text(reinterpret_cast<const char*>(name.data()), name.size());
         if (text.contains(title)) {
@@ -145,7 +146,7 @@ std::optional<Rect> frameOf(const XConnection& connection, std::uint32_t window)
     xcb_connection_t* x = connection.get();
     const auto size = own(xcb_get_geometry_reply(x, xcb_get_geometry(x, window), nullptr));
     const auto place = own(xcb_translate_coordinates_reply(
-        x, xcb_translate_coordinates(x, window, connection.root(), 0, 0), nullptr));
+        x, xcb_translate_coordinates(x, window, connection.root().id, 0, 0), nullptr));
     if (!size || !place) {
         return std::nullopt;
     }

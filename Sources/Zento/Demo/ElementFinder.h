@@ -8,6 +8,8 @@
 
 namespace zento {
 
+class AccessibilityBus;
+
 /// What to look for in the windows of a desktop: the first element shown that fits.
 struct ElementQuery {
     std::string application; // its name on the accessibility bus; empty: any
@@ -15,7 +17,7 @@ struct ElementQuery {
     std::string role;        // as AT-SPI names it: "push button", "text", "list item"
     std::string name;        // a regular expression for its whole name, or, where it has none, for
                              // the whole text it holds; empty: any
-    std::string text = {};   // if set, not the element but the first place of this text in it
+    std::string text;        // if set, not the element but the first place of this text in it
 };
 
 /// An element, or a piece of text, that was found.
@@ -45,8 +47,7 @@ public:
     std::optional<std::string> textOf(const ElementQuery& query) const;
 
 private:
-    class Bus;
-    std::unique_ptr<Bus> m_bus;
+    std::unique_ptr<AccessibilityBus> m_bus;
 };
 
 /// "the push button “Search” of notes": for sentences.

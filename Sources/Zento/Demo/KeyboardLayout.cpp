@@ -1,6 +1,5 @@
 #include "Zento/Demo/KeyboardLayout.h"
 
-#include "Zento/Demo/DemoError.h"
 #include "Zento/Demo/XConnection.h"
 #include "ZentoCore/Error.h"
 
@@ -82,8 +81,7 @@ KeyboardLayout::KeyboardLayout(const XConnection& connection)
     constexpr xkb_keycode_t kLastKeycode = 255; // of the core protocol, which XTEST speaks
     const Keymap keymap = currentKeymap(connection);
     if (!keymap) {
-        throw Error(
-            DemoErrorCode::kDesktopFailed, "The display does not tell its keyboard layout.");
+        throw Error(ErrorCode::kDesktopFailed, "The display does not tell its keyboard layout.");
     }
     const xkb_keycode_t last = std::min(xkb_keymap_max_keycode(keymap.get()), kLastKeycode);
     for (xkb_keycode_t key = xkb_keymap_min_keycode(keymap.get()); key <= last; ++key) {

@@ -1,6 +1,5 @@
 #include "Zento/Demo/Pointer.h"
 
-#include "Zento/Demo/DemoError.h"
 #include "Zento/Demo/PointerPath.h"
 #include "Zento/Demo/Waiting.h"
 #include "Zento/Demo/XConnection.h"
@@ -22,8 +21,7 @@ Pointer::Pointer(const std::string& display, std::uint64_t seed)
     xcb_connection_t* x = m_connection->get();
     const auto version = own(xcb_test_get_version_reply(x, xcb_test_get_version(x, 2, 2), nullptr));
     if (!version) {
-        throw Error(
-            DemoErrorCode::kDesktopFailed, "The display " + display + " takes no test input.");
+        throw Error(ErrorCode::kDesktopFailed, "The display " + display + " takes no test input.");
     }
 }
 
@@ -33,7 +31,7 @@ Vec2 Pointer::position() const
 {
     xcb_connection_t* x = m_connection->get();
     const auto reply =
-        own(xcb_query_pointer_reply(x, xcb_query_pointer(x, m_connection->root()), nullptr));
+        own(xcb_query_pointer_reply(x, xcb_query_pointer(x, m_connection->root().id), nullptr));
     return reply ? Vec2{static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)}
                  : Vec2{};
 }
@@ -54,7 +52,7 @@ void Pointer::moveTo(Vec2 target, double targetSize, const std::stop_token& stop
             XCB_MOTION_NOTIFY,
             0,
             XCB_CURRENT_TIME,
-            m_connection->root(),
+            m_connection->root().id,
             static_cast<std::int16_t>(std::lround(point.position.x)),
             static_cast<std::int16_t>(std::lround(point.position.y)),
             0);

@@ -1,6 +1,5 @@
 #include "Zento/Demo/PrivateDesktop.h"
 
-#include "Zento/Demo/DemoError.h"
 #include "Zento/Demo/DesktopWindows.h"
 #include "Zento/Demo/Programs.h"
 #include "Zento/Demo/Waiting.h"
@@ -123,7 +122,7 @@ void PrivateDesktop::requireRunning() const
     for (const Member& member : m_members) {
         if (!ProcessGroup::isRunning(member.program)) {
             throw Error(
-                DemoErrorCode::kDesktopFailed,
+                ErrorCode::kDesktopFailed,
                 "The desktop's " + member.name + " has ended by itself.");
         }
     }
@@ -144,7 +143,7 @@ std::string PrivateDesktop::startReporting(
     m_members.push_back({name, program});
     const auto line = readLine(pipe[0], name, stop);
     if (!line) {
-        throw Error(DemoErrorCode::kDesktopFailed, name + " ended before it was ready.");
+        throw Error(ErrorCode::kDesktopFailed, name + " ended before it was ready.");
     }
     return *line;
 }

@@ -25,7 +25,7 @@ struct DesktopSize {
 class PrivateDesktop {
 public:
     /// Returns when the desktop is ready for programs. Throws `Error`: kProgramMissing,
-    /// kDesktopFailed, kStopped, or of the domain "errno".
+    /// kDesktopFailed, kDemoStopped, or of the domain "errno".
     explicit PrivateDesktop(DesktopSize size = {}, const std::stop_token& stop = {});
 
     /// As in DISPLAY: ":7".

@@ -58,6 +58,7 @@ private:
 std::vector<char*> pointers(std::vector<std::string>& strings)
 {
     std::vector<char*> result;
+    result.reserve(strings.size() + 1);
     for (std::string& string : strings) {
         result.push_back(string.data());
     }
@@ -72,7 +73,7 @@ void resetSignals()
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGCHLD}) {
         ::signal(signal, SIG_DFL);
     }
-    sigprocmask(SIG_SETMASK, &none, nullptr);
+    pthread_sigmask(SIG_SETMASK, &none, nullptr);
 }
 
 [[noreturn]] void becomeProgram(const Launch& launch)
@@ -121,7 +122,8 @@ pid_t ProcessGroup::start(
     std::vector<std::string> arguments = command;
     std::vector<std::string> variables;
     for (const auto& [name, value] : environment) {
-        variables.push_back(name + "=" + value);
+        variables.push_back(name);
+        variables.back().append("=").append(value);
     }
     const Descriptor input(open("/dev/null", O_RDONLY | O_CLOEXEC));
     const Descriptor output(

@@ -1,6 +1,5 @@
 #include "Zento/Demo/Programs.h"
 
-#include "Zento/Demo/DemoError.h"
 #include "ZentoCore/Error.h"
 
 #include <unistd.h>
@@ -41,7 +40,7 @@ requireProgram(std::string_view name, std::string_view package, std::string_view
         return *std::move(program);
     }
     throw Error(
-        DemoErrorCode::kProgramMissing,
+        ErrorCode::kProgramMissing,
         "zento demo needs " + std::string(name) + "; install the package " + std::string(package));
 }
 

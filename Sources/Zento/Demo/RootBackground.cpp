@@ -33,8 +33,8 @@ std::uint32_t blended(const VerticalGradient& gradient, double position, double 
 void paintRootBackground(const XConnection& connection, const VerticalGradient& gradient)
 {
     xcb_connection_t* x = connection.get();
-    const xcb_window_t root = connection.root();
-    const std::uint16_t height = connection.screen().height_in_pixels;
+    const xcb_window_t root = connection.root().id;
+    const std::uint16_t height = connection.root().height;
     constexpr std::uint16_t kTileWidth = kDither.size();
 
     // One column of the dither's width, repeated across by the server.
@@ -46,7 +46,7 @@ void paintRootBackground(const XConnection& connection, const VerticalGradient& 
         }
     }
     const xcb_pixmap_t tile = xcb_generate_id(x);
-    xcb_create_pixmap(x, connection.screen().root_depth, tile, root, kTileWidth, height);
+    xcb_create_pixmap(x, connection.root().depth, tile, root, kTileWidth, height);
     const xcb_gcontext_t context = xcb_generate_id(x);
     xcb_create_gc(x, context, tile, 0, nullptr);
     xcb_put_image(
@@ -59,7 +59,7 @@ void paintRootBackground(const XConnection& connection, const VerticalGradient& 
         0,
         0,
         0,
-        connection.screen().root_depth,
+        connection.root().depth,
         static_cast<std::uint32_t>(pixels.size() * sizeof(std::uint32_t)),
         reinterpret_cast<const std::uint8_t*>(pixels.data()));
     xcb_change_window_attributes(x, root, XCB_CW_BACK_PIXMAP, &tile);

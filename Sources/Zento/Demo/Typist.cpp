@@ -1,6 +1,5 @@
 #include "Zento/Demo/Typist.h"
 
-#include "Zento/Demo/DemoError.h"
 #include "Zento/Demo/Waiting.h"
 #include "Zento/Demo/XConnection.h"
 #include "ZentoCore/Error.h"
@@ -31,7 +30,7 @@ std::u32string decoded(std::string_view text)
 
 Error untypeable(const std::string& what)
 {
-    return {DemoErrorCode::kUntypeable, "No key of the display's layout types " + what + "."};
+    return {ErrorCode::kUntypeable, "No key of the display's layout types " + what + "."};
 }
 
 } // namespace
@@ -62,9 +61,9 @@ Typist::Typist(const std::string& display, std::uint64_t seed)
 
 Typist::~Typist() = default;
 
-void Typist::send(bool isPress, std::uint8_t keycode) const
+void Typist::send(KeyAction action, std::uint8_t keycode) const
 {
-    const std::uint8_t type = isPress ? XCB_KEY_PRESS : XCB_KEY_RELEASE;
+    const std::uint8_t type = action == KeyAction::Press ? XCB_KEY_PRESS : XCB_KEY_RELEASE;
     xcb_test_fake_input(m_connection->get(), type, keycode, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
     m_connection->flush();
 }
@@ -72,14 +71,14 @@ void Typist::send(bool isPress, std::uint8_t keycode) const
 void Typist::strike(const KeyStroke& stroke, const std::stop_token& stop)
 {
     if (stroke.withShift) {
-        send(true, m_shift.keycode);
+        send(KeyAction::Press, m_shift.keycode);
         sleepFor(m_random.between(0.015, 0.025), stop);
     }
-    send(true, stroke.keycode);
+    send(KeyAction::Press, stroke.keycode);
     sleepFor(m_random.between(0.025, 0.04), stop);
-    send(false, stroke.keycode);
+    send(KeyAction::Release, stroke.keycode);
     if (stroke.withShift) {
-        send(false, m_shift.keycode);
+        send(KeyAction::Release, m_shift.keycode);
     }
 }
 
@@ -120,11 +119,11 @@ void Typist::press(const std::vector<std::string>& keys, const std::stop_token& 
         keycodes.push_back(stroke->keycode);
     }
     for (const std::uint8_t keycode : keycodes) {
-        send(true, keycode);
+        send(KeyAction::Press, keycode);
         sleepFor(m_random.between(0.03, 0.06), stop);
     }
     while (!keycodes.empty()) {
-        send(false, keycodes.back());
+        send(KeyAction::Release, keycodes.back());
         keycodes.pop_back();
     }
 }

@@ -33,8 +33,10 @@ public:
     void press(const std::vector<std::string>& keys, const std::stop_token& stop);
 
 private:
+    enum class KeyAction : unsigned char { Press, Release };
+
     void strike(const KeyStroke& stroke, const std::stop_token& stop);
-    void send(bool isPress, std::uint8_t keycode) const;
+    void send(KeyAction action, std::uint8_t keycode) const;
 
     std::unique_ptr<XConnection> m_connection;
     KeyboardLayout m_layout;

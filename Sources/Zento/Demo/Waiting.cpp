@@ -1,6 +1,5 @@
 #include "Zento/Demo/Waiting.h"
 
-#include "Zento/Demo/DemoError.h"
 #include "ZentoCore/Error.h"
 
 #include <cmath>
@@ -38,11 +37,11 @@ void waitUntil(
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) {
             throw Error(
-                DemoErrorCode::kDesktopFailed,
+                ErrorCode::kDesktopFailed,
                 what + " within " + std::to_string(std::lround(seconds)) + " seconds.");
         }
         if (!sleepFor(kPollSeconds, stop)) {
-            throw Error(DemoErrorCode::kStopped, "The demo was stopped.");
+            throw Error(ErrorCode::kDemoStopped, "The demo was stopped.");
         }
     }
 }

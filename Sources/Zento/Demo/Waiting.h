@@ -16,7 +16,8 @@ bool sleepUntil(SteadyTime deadline, const std::stop_token& stop);
 bool sleepFor(double seconds, const std::stop_token& stop);
 
 /// Asks `condition` every few milliseconds until it holds. Throws `Error` kDesktopFailed with the
-/// sentence "{what} within {seconds} seconds." when it still does not, kStopped on a stop request.
+/// sentence "{what} within {seconds} seconds." when it still does not, kDemoStopped on a stop
+/// request.
 void waitUntil(
     const std::function<bool()>& condition,
     double seconds,

@@ -1,6 +1,5 @@
 #include "Zento/Demo/XConnection.h"
 
-#include "Zento/Demo/DemoError.h"
 #include "ZentoCore/Error.h"
 
 #include <xcb/xcb.h>
@@ -11,20 +10,15 @@ XConnection::XConnection(const std::string& display)
     : m_connection(xcb_connect(display.c_str(), nullptr))
 {
     if (xcb_connection_has_error(get()) != 0) {
-        throw Error(
-            DemoErrorCode::kDesktopFailed, "The display " + display + " cannot be reached.");
+        throw Error(ErrorCode::kDesktopFailed, "The display " + display + " cannot be reached.");
     }
-    m_screen = xcb_setup_roots_iterator(xcb_get_setup(get())).data;
+    const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(get())).data;
+    m_root = {screen->root, screen->width_in_pixels, screen->height_in_pixels, screen->root_depth};
 }
 
 void XConnection::Disconnect::operator()(xcb_connection_t* connection) const
 {
     xcb_disconnect(connection);
-}
-
-std::uint32_t XConnection::root() const
-{
-    return m_screen->root;
 }
 
 std::uint32_t XConnection::atom(const std::string& name) const

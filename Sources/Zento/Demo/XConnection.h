@@ -6,7 +6,6 @@
 #include <string>
 
 struct xcb_connection_t;
-struct xcb_screen_t;
 
 namespace zento {
 
@@ -25,6 +24,14 @@ XReply<Reply> own(Reply* reply)
     return XReply<Reply>(reply);
 }
 
+/// The window behind all others.
+struct RootWindow {
+    std::uint32_t id = 0;
+    std::uint16_t width = 0; // pixels
+    std::uint16_t height = 0;
+    std::uint8_t depth = 0; // bits a pixel
+};
+
 /// A connection to an X server's first screen, closed with the object.
 class XConnection {
 public:
@@ -32,8 +39,7 @@ public:
     explicit XConnection(const std::string& display);
 
     xcb_connection_t* get() const { return m_connection.get(); }
-    const xcb_screen_t& screen() const { return *m_screen; }
-    std::uint32_t root() const;
+    const RootWindow& root() const { return m_root; }
 
     /// The number of a name; the name becomes known if it was not.
     std::uint32_t atom(const std::string& name) const;
@@ -48,7 +54,7 @@ private:
         void operator()(xcb_connection_t* connection) const;
     };
     std::unique_ptr<xcb_connection_t, Disconnect> m_connection;
-    const xcb_screen_t* m_screen = nullptr;
+    RootWindow m_root;
 };
 
 } // namespace zento

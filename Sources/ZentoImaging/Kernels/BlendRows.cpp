@@ -175,7 +175,7 @@ void scaleMask(std::uint8_t* mask, std::uint8_t opacity, std::size_t count)
 std::uint8_t opacityByte(double opacity)
 {
     const double limited = opacity > 0 ? (opacity < 1 ? opacity : 1) : 0;
-    return static_cast<std::uint8_t>(limited * 255 + 0.5);
+    return static_cast<std::uint8_t>(std::lround(limited * 255));
 }
 
 } // namespace zento

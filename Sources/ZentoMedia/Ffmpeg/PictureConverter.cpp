@@ -143,7 +143,11 @@ bool PictureConverter::prepareScaler(const Encoding& encoding, AVPixelFormat tar
     av_opt_set_int(scaler, "dstw", encoding.width, 0);
     av_opt_set_int(scaler, "dsth", encoding.height, 0);
     av_opt_set_int(scaler, "dst_format", target, 0);
-    av_opt_set_int(scaler, "sws_flags", SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, 0);
+    // Told here as well as below: of deeper pictures the later word is not heard.
+    av_opt_set_int(scaler, "src_range", encoding.isFullRange ? 1 : 0, 0);
+    av_opt_set_int(scaler, "dst_range", 0, 0);
+    // Without full chroma input, R'G'B' would be averaged in pairs, half a pixel off the site.
+    av_opt_set_int(scaler, "sws_flags", SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INP, 0);
     setChromaSites(scaler, encoding.isChromaCentred);
     if (sws_init_context(scaler, nullptr, nullptr) < 0) {
         m_scaler.reset();

@@ -1,7 +1,6 @@
 #include "Zento/Demo/Typist.h"
 
 #include "Zento/Demo/DemoActor.h"
-#include "Zento/Demo/DemoError.h"
 #include "Zento/Demo/DemoStage.h"
 #include "Zento/Demo/Waiting.h"
 #include "Zento/Demo/XConnection.h"
@@ -16,7 +15,7 @@
 namespace zento {
 namespace {
 
-const ElementQuery kNotes{.application = "l3afpad", .window = "", .role = "text", .name = ""};
+const ElementQuery kNotes{.application = "l3afpad", .window = "", .role = "text"};
 
 class TypistTest : public testing::Test {
 protected:
@@ -66,7 +65,7 @@ TEST_F(TypistTest, typesNothingOfATextItCannotType)
         m_typist.type("abc\u6f22", {});
         FAIL() << "typed";
     } catch (const Error& error) {
-        EXPECT_EQ(error.code(), DemoErrorCode::kUntypeable);
+        EXPECT_EQ(error.code(), ErrorCode::kUntypeable);
     }
     m_typist.type(" after", {});
     expectNotes("before after");

@@ -1,11 +1,11 @@
 #include "Zento/Demo/DemoStage.h"
 
+#include "Zento/Commands/Interruption.h"
 #include "Zento/Demo/DemoActor.h"
-#include "Zento/Demo/DemoError.h"
-#include "Zento/Demo/StopSignals.h"
 #include "Zento/Demo/Waiting.h"
 #include "ZentoCore/Error.h"
 
+#include <atspi/atspi.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -103,13 +103,13 @@ TEST(DemoStage, saysThatItWasStopped)
         const DemoStage stage(stop.get_token());
         FAIL() << "it was set";
     } catch (const Error& error) {
-        EXPECT_EQ(error.code(), DemoErrorCode::kStopped);
+        EXPECT_EQ(error.code(), ErrorCode::kDemoStopped);
     }
 }
 
 /// In a process of its own: sets a stage, is hit by a signal, and goes the way a command goes.
 class InterruptedStageTest : public testing::Test {
-protected:
+public:
     InterruptedStageTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 
     ~InterruptedStageTest() override
@@ -118,22 +118,23 @@ protected:
         fs::remove(m_note, ignored);
     }
 
+protected:
     [[noreturn]] void runAndGetHit(int signal) const
     {
-        const StopSignals signals;
+        const Interruption interruption;
         try {
-            const DemoStage stage(signals.token());
+            const DemoStage stage(interruption.token());
             Traces::of(stage).write(m_note);
             const std::vector<DemoStep> script = demoScript();
             DemoActor actor(stage.display(), stage.accessibilityAddress());
             kill(getpid(), signal);
-            perform(script, actor, signals.token());
+            perform(script, actor, interruption.token());
         } catch (const Error& error) {
-            if (error.code() != DemoErrorCode::kStopped) {
+            if (error.code() != ErrorCode::kDemoStopped) {
                 _exit(1);
             }
         }
-        _exit(128 + signals.received());
+        _exit(interruption.token().stop_requested() ? kInterrupted : 0);
     }
 
     void expectNoProgramsLeft() const
@@ -144,6 +145,8 @@ protected:
         EXPECT_NO_THROW(waitUntil(isGone, 30, "programs are left", {}));
         EXPECT_FALSE(fs::exists(socketOf(traces.display)));
     }
+
+    static constexpr int kInterrupted = 42;
 
     // Found again by the process of the test's other half: the same name there.
     fs::path m_note =
@@ -156,14 +159,14 @@ using InterruptedStageDeathTest = InterruptedStageTest;
 
 TEST_F(InterruptedStageDeathTest, sigtermTakesEverythingDown)
 {
-    EXPECT_EXIT(runAndGetHit(SIGTERM), testing::ExitedWithCode(128 + SIGTERM), "");
+    EXPECT_EXIT(runAndGetHit(SIGTERM), testing::ExitedWithCode(kInterrupted), "");
     expectNoProgramsLeft();
     EXPECT_FALSE(fs::exists(Traces::read(m_note).home));
 }
 
 TEST_F(InterruptedStageDeathTest, sigintTakesEverythingDown)
 {
-    EXPECT_EXIT(runAndGetHit(SIGINT), testing::ExitedWithCode(128 + SIGINT), "");
+    EXPECT_EXIT(runAndGetHit(SIGINT), testing::ExitedWithCode(kInterrupted), "");
     expectNoProgramsLeft();
     EXPECT_FALSE(fs::exists(Traces::read(m_note).home));
 }
@@ -198,11 +201,37 @@ TEST(DemoScript, holdsWhatAnEditorWorksOn)
     EXPECT_GE(count([](const DemoStep& s) { return std::holds_alternative<ClickStep>(s); }), 6);
 }
 
+/// What the recorder is to the stage's programs: a client that asks to hear of every change. They
+/// answer differently then.
+class Listener {
+public:
+    explicit Listener(const DemoStage& stage)
+    {
+        stage.adoptEnvironment();
+        atspi_init();
+        m_listener = atspi_event_listener_new([](AtspiEvent*, void*) {}, nullptr, nullptr);
+        EXPECT_TRUE(atspi_event_listener_register(m_listener, "object:", nullptr));
+    }
+
+    ~Listener()
+    {
+        g_object_unref(m_listener);
+        atspi_exit();
+    }
+
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+private:
+    AtspiEventListener* m_listener = nullptr;
+};
+
 // Every click has to hit and every key to arrive for this: the icon's name in the notes has gone
 // through a dialog's button, the clipboard and a menu, and the file was saved by the keyboard.
 TEST(DemoScript, endsWithTheNotesWrittenAndTheSearchDone)
 {
     const DemoStage stage;
+    const Listener listener(stage);
     const std::vector<DemoStep> script = demoScript();
     DemoActor actor(stage.display(), stage.accessibilityAddress());
     awaitCurtain(script, actor, {});

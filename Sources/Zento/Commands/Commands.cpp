@@ -1,0 +1,89 @@
+#include "Zento/Commands/Commands.h"
+
+#include "Zento/Commands/Arguments.h"
+#include "Zento/Commands/Subcommands.h"
+
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <iostream>
+#include <new>
+
+namespace zento {
+
+namespace {
+
+constexpr std::string_view kUsage = R"(Zento records a desktop and edits the recording into a film.
+
+usage:
+  zento record [--screen N] [--seconds S]
+      records a display (counted from 0; without --screen the one under the pointer) until S seconds
+      have passed or Control-C; the last line of output is the recording's folder
+  zento plan BUNDLE [--settings FILE] [--config FILE] [--overrides FILE] [--music FILE]
+             [--size WxH] [--fps N] [--output FILE]
+      prints the plan of a recording's film as JSON
+  zento render BUNDLE [--settings FILE] [--output FILE]
+      renders the film of a recording, beside it or to FILE
+  zento demo [--output FOLDER]
+      records a scripted session on a display of its own and renders it
+  zento --help | --version
+)";
+
+struct Subcommand {
+    std::string_view name;
+    void (*run)(std::span<const std::string_view>);
+};
+
+constexpr std::array<Subcommand, 4> kSubcommands{{
+    {"record", record},
+    {"plan", plan},
+    {"render", render},
+    {"demo", demo},
+}};
+
+enum Status { Done = 0, Failed = 1, BadUsage = 2 };
+
+int runSubcommand(const Subcommand& command, std::span<const std::string_view> words)
+{
+    try {
+        command.run(words);
+        std::cout.flush();
+        if (!std::cout) {
+            std::cerr << "zento: the result could not be written to standard output\n";
+            return Failed;
+        }
+        return Done;
+    } catch (const UsageError& error) {
+        std::cerr << "zento " << command.name << ": " << error.what()
+                  << "; zento --help shows how it is used\n";
+        return BadUsage;
+    } catch (const std::bad_alloc&) {
+        std::cerr << "zento: there is not enough memory for this\n";
+    } catch (const std::exception& error) {
+        std::cerr << "zento: " << error.what() << '\n';
+    }
+    return Failed;
+}
+
+} // namespace
+
+int runCommand(std::span<const std::string_view> words)
+{
+    if (words.empty() || words.front() == "--help" || words.front() == "-h") {
+        std::cout << kUsage;
+        return Done;
+    }
+    if (words.front() == "--version") {
+        std::cout << "zento " ZENTO_VERSION "\n";
+        return Done;
+    }
+    const auto command = std::ranges::find(kSubcommands, words.front(), &Subcommand::name);
+    if (command == kSubcommands.end()) {
+        std::cerr << "zento: there is no command \"" << words.front()
+                  << "\"; zento --help shows those there are\n";
+        return BadUsage;
+    }
+    return runSubcommand(*command, words.subspan(1));
+}
+
+} // namespace zento

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Zento/Model/AppSettings.h"
+#include "ZentoCore/SessionBundle.h"
+
+#include <filesystem>
+#include <stop_token>
+
+namespace zento {
+
+/// Plans a recording, keeps the plan as "editplan.json" in its bundle and renders the film, with a
+/// bar on the terminal. Returns the film's path. Throws `Error`.
+std::filesystem::path makeFilm(
+    const SessionBundle& bundle,
+    const AppSettings& settings,
+    const std::filesystem::path& film,
+    std::stop_token stop);
+
+} // namespace zento

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Zento/Commands/Interruption.h"
+#include "ZentoCapture/CaptureSession.h"
+
+#include <filesystem>
+
+namespace zento {
+
+/// A recording that runs from its construction to `finish`. One that never began, has no picture or
+/// is dropped unfinished leaves no folder behind.
+class Recording {
+public:
+    /// Throws `Error`, starting with "Could not start recording: ". A capture that the desktop ends
+    /// requests a stop of `interruption`.
+    Recording(
+        std::filesystem::path bundle,
+        Desktop& desktop,
+        const CaptureTarget& target,
+        Interruption& interruption);
+    ~Recording();
+    Recording(const Recording&) = delete;
+    Recording& operator=(const Recording&) = delete;
+
+    /// Writes the bundle and returns its folder. Throws `Error`; where pictures were taken the
+    /// folder stays, and the sentence says so.
+    std::filesystem::path finish();
+
+private:
+    std::filesystem::path m_bundle;
+    CaptureSession m_session;
+    bool m_isKept = false;
+};
+
+} // namespace zento

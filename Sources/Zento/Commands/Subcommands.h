@@ -1,0 +1,15 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+
+// The subcommands. Each reads its own words, throws `UsageError` or `Error`, and otherwise is done.
+
+namespace zento {
+
+void record(std::span<const std::string_view> words);
+void plan(std::span<const std::string_view> words);
+void render(std::span<const std::string_view> words);
+void demo(std::span<const std::string_view> words);
+
+} // namespace zento

@@ -1,0 +1,10 @@
+#include "Zento/Commands/Commands.h"
+
+#include <string_view>
+#include <vector>
+
+int main(int argc, char** argv)
+{
+    const std::vector<std::string_view> words(argv + (argc > 0 ? 1 : 0), argv + argc);
+    return zento::runCommand(words);
+}

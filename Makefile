@@ -36,7 +36,7 @@ format:
 asan tsan:
 	@tools/install-packages.sh build run test
 	@tools/build.sh $@
-	@cd build/$@ && ctest --output-on-failure --no-tests=error -j $(JOBS)
+	@ctest --preset $@ -j $(JOBS)
 
 fuzz:
 	@tools/install-packages.sh build fuzz

@@ -106,6 +106,9 @@ int checkedFrameCount(
         refuse(
             ErrorCode::kWriterNotStarted,
             std::to_string(output.fps) + " frames per second are too few");
+    std::error_code ignored;
+    if (std::filesystem::is_directory(to, ignored))
+        refuse(ErrorCode::kWriterNotStarted, "it is a folder");
     const double frames = std::floor(curve.outputDuration() * output.fps);
     if (!(frames >= 1))
         refuse(ErrorCode::kFilmNotFinished, "the plan keeps no frame");
@@ -177,6 +180,16 @@ void encode(
     }
 }
 
+/// The same error about the film under the name the user gave it.
+Error renamed(
+    const Error& error, const std::filesystem::path& part, const std::filesystem::path& film)
+{
+    std::string sentence = error.what();
+    if (const auto place = sentence.find(part.string()); place != std::string::npos)
+        sentence.replace(place, part.string().size(), film.string());
+    return {error.domain(), error.code(), sentence};
+}
+
 /// Runs a stage on a thread of its own. Its failure ends all stages and waits in the future.
 template <typename Stage, typename Abandon>
 std::future<void> startStage(const char* name, Stage stage, Abandon abandon)
@@ -208,14 +221,28 @@ void OfflineExporter::exportFilm(
 {
     const RemapCurve curve(m_plan.timeRemap);
     const int total = checkedFrameCount(m_plan.output, curve, to);
+    PartFile part(to);
+    try {
+        writeFilm(part.path(), curve, total, onProgress, stop);
+    } catch (const Error& error) {
+        throw renamed(error, part.path(), to);
+    }
+    part.renameToTarget();
+}
+
+void OfflineExporter::writeFilm(
+    const std::filesystem::path& to,
+    const RemapCurve& curve,
+    int total,
+    const ProgressCallback& onProgress,
+    const std::stop_token& stop) const
+{
     const std::filesystem::path movie = m_bundle.screenMovieURL();
     SourceReader reader(movie);
     const VideoSize sourceSize = reader.naturalSize();
     FrameCompositor compositor(m_plan.output, m_plan.style, sourceSize);
     FrameSequence sequence(m_plan, m_bundle.events, curve, sourceSize);
-
-    PartFile part(to);
-    FilmWriter writer(part.path(), filmFormat(m_plan.output));
+    FilmWriter writer(to, filmFormat(m_plan.output));
 
     DecodedFrames decoded(kQueuedFrames);
     ComposedFrames composed(kQueuedFrames);
@@ -243,7 +270,6 @@ void OfflineExporter::exportFilm(
     if (stop.stop_requested())
         throw Error(ErrorCode::kCancelled, to.string() + " was cancelled");
     writer.finish();
-    part.renameToTarget();
 }
 
 } // namespace zento

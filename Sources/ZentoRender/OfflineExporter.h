@@ -9,6 +9,8 @@
 
 namespace zento {
 
+class RemapCurve;
+
 /// Writes the finished film of a recording.
 ///
 /// The film is made under a temporary name beside the target and takes the target's name when it is
@@ -42,6 +44,13 @@ public:
         const std::stop_token& stop = {}) const;
 
 private:
+    void writeFilm(
+        const std::filesystem::path& to,
+        const RemapCurve& curve,
+        int total,
+        const ProgressCallback& onProgress,
+        const std::stop_token& stop) const;
+
     SessionBundle m_bundle;
     EditPlan m_plan;
     Repeats m_repeats;

@@ -122,7 +122,7 @@ TEST(Programs, aMissingOneIsNamedWithItsPackage)
         FAIL() << "found in an empty folder";
     } catch (const Error& error) {
         EXPECT_EQ(error.code(), ErrorCode::kProgramMissing);
-        EXPECT_STREQ(error.what(), "zento demo needs Xvfb; install the package xvfb");
+        EXPECT_STREQ(error.what(), "the demo needs Xvfb; install the package xvfb");
     }
 }
 

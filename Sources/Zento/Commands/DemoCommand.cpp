@@ -24,7 +24,7 @@ std::filesystem::path recordDemo(const std::filesystem::path& folder, Interrupti
     DemoActor actor(stage.display(), stage.accessibilityAddress());
     awaitCurtain(script, actor, interruption.token());
     const auto desktop = openDesktop(stage.display());
-    std::cerr << "Recording about 25 seconds of work.\n";
+    std::cerr << "Recording less than half a minute of work.\n";
     Recording recording(
         folder / bundleName(std::chrono::system_clock::now()),
         *desktop,

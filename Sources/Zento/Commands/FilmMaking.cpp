@@ -6,20 +6,73 @@
 #include "ZentoCore/FileIO.h"
 #include "ZentoRender/OfflineExporter.h"
 
+#include <exception>
+#include <optional>
+#include <string>
+#include <system_error>
 #include <utility>
 
 namespace zento {
+
+namespace {
+
+/// The plan of the render under way, in its bundle. A render that fails leaves the bundle as it
+/// was.
+class PlanFile {
+public:
+    PlanFile(std::filesystem::path path, const EditPlan& plan)
+        : m_path(std::move(path))
+    {
+        std::error_code ignored;
+        if (std::filesystem::exists(m_path, ignored)) {
+            m_before = readFile(m_path);
+        }
+        writeFile(m_path, encodePlan(plan));
+    }
+
+    ~PlanFile()
+    {
+        if (!m_isKept) {
+            putBack();
+        }
+    }
+
+    PlanFile(const PlanFile&) = delete;
+    PlanFile& operator=(const PlanFile&) = delete;
+
+    void keep() { m_isKept = true; }
+
+private:
+    void putBack() const noexcept
+    {
+        try {
+            if (m_before) {
+                writeFile(m_path, *m_before);
+            } else {
+                std::filesystem::remove(m_path);
+            }
+        } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): the render's own
+                                          // failure is on its way to the user
+        }
+    }
+
+    std::filesystem::path m_path;
+    std::optional<std::string> m_before;
+    bool m_isKept = false;
+};
+
+} // namespace
 
 std::filesystem::path makeFilm(
     const SessionBundle& bundle,
     const AppSettings& settings,
     const std::filesystem::path& film,
-    std::stop_token stop)
+    const std::stop_token& stop)
 {
     const auto input =
         gatherPlanInput(bundle, settings, loadSavedOverrides(bundle), desktopImage());
     const EditPlan plan = EditPlanner::plan(input);
-    writeFile(bundle.editPlanURL(), encodePlan(plan));
+    PlanFile planFile(bundle.editPlanURL(), plan);
     ProgressBar bar("Rendering");
     OfflineExporter(bundle, plan)
         .exportFilm(
@@ -27,7 +80,8 @@ std::filesystem::path makeFilm(
             [&](const OfflineExporter::Progress& progress) {
                 bar.show(static_cast<double>(progress.frame) / progress.totalFrames);
             },
-            std::move(stop));
+            stop);
+    planFile.keep();
     return film;
 }
 

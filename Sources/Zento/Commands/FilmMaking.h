@@ -14,6 +14,6 @@ std::filesystem::path makeFilm(
     const SessionBundle& bundle,
     const AppSettings& settings,
     const std::filesystem::path& film,
-    std::stop_token stop);
+    const std::stop_token& stop);
 
 } // namespace zento

@@ -41,7 +41,7 @@ requireProgram(std::string_view name, std::string_view package, std::string_view
     }
     throw Error(
         ErrorCode::kProgramMissing,
-        "zento demo needs " + std::string(name) + "; install the package " + std::string(package));
+        "the demo needs " + std::string(name) + "; install the package " + std::string(package));
 }
 
 } // namespace zento

@@ -15,7 +15,7 @@ findProgram(std::string_view name, std::string_view searchPath);
 /// The PATH of this process; a usual one where there is none.
 std::string programSearchPath();
 
-/// `findProgram`, or the `Error` kProgramMissing "zento demo needs {name}; install the package
+/// `findProgram`, or the `Error` kProgramMissing "the demo needs {name}; install the package
 /// {package}".
 std::filesystem::path
 requireProgram(std::string_view name, std::string_view package, std::string_view searchPath);

@@ -177,4 +177,9 @@ PrivateDesktop& DesktopTest::stage()
     return *sharedStage;
 }
 
+void DesktopTest::endStage()
+{
+    sharedStage.reset();
+}
+
 } // namespace zento

@@ -72,6 +72,7 @@ protected:
     static constexpr int kHeight = 360;
 
     static PrivateDesktop& stage();
+    static void endStage(); // for a process that ends within the test
     static const std::string& display() { return stage().display(); }
 
     std::unique_ptr<Desktop> m_desktop = openDesktop(display());

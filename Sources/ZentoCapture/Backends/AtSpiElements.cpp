@@ -168,14 +168,21 @@ std::optional<std::string> titleOf(AtspiAccessible* accessible)
     return name && *name != '\0' ? std::optional<std::string>(name.get()) : std::nullopt;
 }
 
+/// libatspi ends the process when it is started without a bus, so the bus comes first. One that is
+/// not there yet is asked for again at the next lookup.
 bool isConnected()
 {
-    static const bool kConnected = [] {
-        const bool started = atspi_init() == 0 || atspi_is_initialized() != FALSE;
-        atspi_set_timeout(kCallTimeoutMs, kApplicationStartMs);
-        return started;
-    }();
-    return kConnected;
+    static bool isStarted = false;
+    if (isStarted) {
+        return true;
+    }
+    if (atspi_get_a11y_bus() == nullptr) {
+        return false;
+    }
+    atspi_init(); // a result of 1 says that it was started before
+    atspi_set_timeout(kCallTimeoutMs, kApplicationStartMs);
+    isStarted = true;
+    return true;
 }
 
 } // namespace

@@ -18,6 +18,11 @@ function(zento_module name)
     target_link_libraries(${name} PUBLIC ${M_PUBLIC} PRIVATE ${M_PRIVATE} project_options)
 endfunction()
 
+# Faults of libraries we cannot mend, which the sanitizers are to pass over.
+set(ZENTO_SANITIZER_OPTIONS
+    LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tools/leaks.supp
+    TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tools/tsan.supp)
+
 # zento_tests(<name> deps...): one Google Test program of every source in the calling folder.
 # Tests of one program may run side by side; give them a private folder where they write files.
 function(zento_tests name)
@@ -28,7 +33,7 @@ function(zento_tests name)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES
         LABELS ${name}
         TIMEOUT 300
-        ENVIRONMENT LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tools/leaks.supp)
+        ENVIRONMENT "${ZENTO_SANITIZER_OPTIONS}")
 endfunction()
 
 # zento_pkg(<target> <modules...>): a pkg-config dependency as the target PkgConfig::<target>.

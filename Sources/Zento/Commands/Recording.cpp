@@ -29,11 +29,8 @@ Recording::Recording(
     , m_session(m_bundle, desktop)
 {
     m_session.target = target;
-    m_session.onStreamStopped = [&interruption](const std::optional<Error>& error) {
-        if (error) {
-            std::cerr << std::string("stream stopped: ") + error->what() + "\n";
-        }
-        interruption.requestStop();
+    m_session.onStreamStopped = [&interruption](const std::optional<Error>&) {
+        interruption.requestStop(); // the session has said why
     };
     try {
         m_session.start();

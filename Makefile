@@ -12,7 +12,9 @@ FUZZ_SECONDS ?= 60
 
 .PHONY: run test build bench lint format asan tsan fuzz clean
 
-run: build
+run:
+	@tools/install-packages.sh build run test
+	@tools/build.sh release zento
 	@if [ -n "$$DISPLAY$$WAYLAND_DISPLAY" ]; then $(BUILD)/zento; else $(BUILD)/zento demo; fi
 
 build:

@@ -1,3 +1,4 @@
+#include "TestSupport/TemporaryFolder.h"
 #include "ZentoCore/Error.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoCore/SessionBundle.h"
@@ -16,13 +17,6 @@ namespace fs = std::filesystem;
 
 class BundleFolder : public testing::Test {
 protected:
-    BundleFolder()
-    {
-        std::string name = (fs::temp_directory_path() / "zento-core-XXXXXX").string();
-        m_folder = ::mkdtemp(name.data());
-    }
-    ~BundleFolder() override { fs::remove_all(m_folder); }
-
     fs::path bundleURL() const { return m_folder / "a.zento"; }
 
     SessionBundle bundle() const
@@ -48,7 +42,7 @@ protected:
         return "";
     }
 
-    fs::path m_folder;
+    test::TemporaryFolder m_folder;
 };
 
 InputEvent saveClick()

@@ -1,11 +1,9 @@
+#include "TestSupport/TemporaryFolder.h"
 #include "Zento/Model/PlanSources.h"
 #include "ZentoCore/Error.h"
 #include "ZentoCore/FileIO.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
 
 namespace zento {
 namespace {
@@ -14,18 +12,17 @@ class PlanSources : public testing::Test {
 protected:
     PlanSources()
     {
-        std::string name = (std::filesystem::temp_directory_path() / "zento-model-XXXXXX").string();
-        m_bundle.url = ::mkdtemp(name.data());
+        m_bundle.url = m_folder.path();
         m_bundle.meta = {.pixelWidth = 1280, .pixelHeight = 720, .duration = 30};
         m_bundle.meta.narrationOffset = 0.25;
     }
-    ~PlanSources() override { std::filesystem::remove_all(m_bundle.url); }
 
     EditPlanner::PlanInput gathered(const AppSettings& settings = {}) const
     {
         return gatherPlanInput(m_bundle, settings, loadSavedOverrides(m_bundle), {});
     }
 
+    test::TemporaryFolder m_folder;
     SessionBundle m_bundle;
 };
 

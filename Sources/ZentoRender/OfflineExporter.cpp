@@ -5,7 +5,7 @@
 #include "ZentoMedia/FilmWriter.h"
 #include "ZentoRender/BoundedQueue.h"
 #include "ZentoRender/FrameCompositor.h"
-#include "ZentoRender/FrameValues.h"
+#include "ZentoRender/FrameSequence.h"
 #include "ZentoRender/PartFile.h"
 #include "ZentoRender/SourceReader.h"
 
@@ -26,64 +26,8 @@ constexpr std::size_t kQueuedFrames = 4;
 
 constexpr double kBitsPerPixel = 0.12;
 
-/// A source frame and when it is shown.
-struct ScheduledFrame {
-    double tOut = 0;
-    double sourceTime = 0;
-    VideoFrame frame;
-};
-
 using DecodedFrames = BoundedQueue<ScheduledFrame>;
 using ComposedFrames = BoundedQueue<std::shared_ptr<const Picture>>;
-
-/// The layers of the main frames, one after the other in film order.
-class FrameSequence {
-public:
-    FrameSequence(
-        const EditPlan& plan,
-        const std::vector<InputEvent>& events,
-        const RemapCurve& curve,
-        VideoSize source)
-        : m_secondsPerFrame(1 / plan.output.fps)
-        , m_hidesIdlePointer(plan.style.cursorAutoHide)
-        , m_track(cursorTrack(plan, events))
-        , m_clicks(filmClicks(plan, events, curve))
-        , m_rig(plan.camera, source.width, source.height)
-    {
-    }
-
-    FrameLayers next(ScheduledFrame scheduled)
-    {
-        const double tOut = scheduled.tOut;
-        return {
-            .source = std::move(scheduled.frame),
-            .camera = m_rig.step(tOut, m_secondsPerFrame),
-            .cursor = cursor(tOut, scheduled.sourceTime),
-            .ripples = ripples(m_clicks, tOut)};
-    }
-
-private:
-    std::optional<CursorState> cursor(double tOut, double sourceTime)
-    {
-        auto place = interpolate(m_track, sourceTime);
-        if (!place)
-            return std::nullopt;
-        const double pulse = clickPulse(m_clicks, tOut);
-        const double alpha = m_hidesIdlePointer ? m_idleness.step(tOut, place->pos, pulse) : 1;
-        return CursorState{
-            .pos = place->pos,
-            .style = std::move(place->style),
-            .clickPulse = pulse,
-            .alpha = alpha};
-    }
-
-    double m_secondsPerFrame;
-    bool m_hidesIdlePointer;
-    std::vector<CursorSample> m_track;
-    std::vector<FilmClick> m_clicks;
-    CameraRig m_rig;
-    PointerIdleness m_idleness;
-};
 
 void nameThread(const char* name)
 {

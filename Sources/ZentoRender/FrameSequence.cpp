@@ -1,0 +1,41 @@
+#include "ZentoRender/FrameSequence.h"
+
+#include <utility>
+
+namespace zento {
+
+FrameSequence::FrameSequence(
+    const EditPlan& plan,
+    const std::vector<InputEvent>& events,
+    const RemapCurve& curve,
+    VideoSize source)
+    : m_secondsPerFrame(1 / plan.output.fps)
+    , m_hidesIdlePointer(plan.style.cursorAutoHide)
+    , m_track(cursorTrack(plan, events))
+    , m_clicks(filmClicks(plan, events, curve))
+    , m_rig(plan.camera, source.width, source.height)
+{
+}
+
+FrameLayers FrameSequence::next(ScheduledFrame scheduled)
+{
+    const double tOut = scheduled.tOut;
+    return {
+        .source = std::move(scheduled.frame),
+        .camera = m_rig.step(tOut, m_secondsPerFrame),
+        .cursor = cursor(tOut, scheduled.sourceTime),
+        .ripples = ripples(m_clicks, tOut)};
+}
+
+std::optional<CursorState> FrameSequence::cursor(double tOut, double sourceTime)
+{
+    auto place = interpolate(m_track, sourceTime);
+    if (!place)
+        return std::nullopt;
+    const double pulse = clickPulse(m_clicks, tOut);
+    const double alpha = m_hidesIdlePointer ? m_idleness.step(tOut, place->pos, pulse) : 1;
+    return CursorState{
+        .pos = place->pos, .style = std::move(place->style), .clickPulse = pulse, .alpha = alpha};
+}
+
+} // namespace zento

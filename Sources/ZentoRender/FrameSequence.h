@@ -1,0 +1,48 @@
+#pragma once
+
+#include "ZentoCore/EditPlan.h"
+#include "ZentoCore/InputEvent.h"
+#include "ZentoCore/RemapCurve.h"
+#include "ZentoMedia/VideoFrame.h"
+#include "ZentoRender/CameraRig.h"
+#include "ZentoRender/FrameRecipe.h"
+#include "ZentoRender/FrameValues.h"
+
+#include <optional>
+#include <vector>
+
+namespace zento {
+
+/// What the recording's movies show in one frame of the film's main part.
+struct ScheduledFrame {
+    double tOut = 0;       // seconds within the main part
+    double sourceTime = 0; // seconds
+    VideoFrame frame;
+};
+
+/// Turns the frames of the main part into layers, one after the other in film order: it carries
+/// what a frame hands on to the next one, the camera's movement and the pointer's idleness.
+///
+/// Threading: one thread at a time.
+class FrameSequence {
+public:
+    FrameSequence(
+        const EditPlan& plan,
+        const std::vector<InputEvent>& events,
+        const RemapCurve& curve,
+        VideoSize source);
+
+    FrameLayers next(ScheduledFrame scheduled);
+
+private:
+    std::optional<CursorState> cursor(double tOut, double sourceTime);
+
+    double m_secondsPerFrame;
+    bool m_hidesIdlePointer;
+    std::vector<CursorSample> m_track;
+    std::vector<FilmClick> m_clicks;
+    CameraRig m_rig;
+    PointerIdleness m_idleness;
+};
+
+} // namespace zento

@@ -39,26 +39,26 @@ FilmFrames
 checkedFrames(const EditPlan& plan, const RemapCurve& curve, const std::filesystem::path& to)
 {
     const OutputSpec& output = plan.output;
-    const auto refuse = [&](int code, const std::string& reason) {
-        throw Error(code, to.string() + " cannot be made: " + reason);
+    const auto refusal = [&](int code, const std::string& reason) {
+        return Error(code, to.string() + " cannot be made: " + reason);
     };
     if (output.width <= 0 || output.height <= 0 || output.width % 2 != 0 || output.height % 2 != 0)
-        refuse(
+        throw refusal(
             ErrorCode::kWriterNotStarted,
             "a film of " + std::to_string(output.width) + " × " + std::to_string(output.height)
                 + " pixels needs two even sides");
     if (!std::isfinite(output.fps) || output.fps < 1)
-        refuse(
+        throw refusal(
             ErrorCode::kWriterNotStarted,
             std::to_string(output.fps) + " frames per second are too few");
     std::error_code ignored;
     if (std::filesystem::is_directory(to, ignored))
-        refuse(ErrorCode::kWriterNotStarted, "it is a folder");
+        throw refusal(ErrorCode::kWriterNotStarted, "it is a folder");
     const auto frames = filmFrames(plan, curve);
     if (!frames)
-        refuse(ErrorCode::kWriterNotStarted, "the plan is too long");
+        throw refusal(ErrorCode::kWriterNotStarted, "the plan is too long");
     if (frames->total() < 1)
-        refuse(ErrorCode::kFilmNotFinished, "the plan keeps no frame");
+        throw refusal(ErrorCode::kFilmNotFinished, "the plan keeps no frame");
     return *frames;
 }
 

@@ -24,7 +24,7 @@ std::optional<PlacedDrawing> drawVisible(const Rect& place, const OutputSpec& fr
     const Vec2 origin = {std::max(place.x, 0.0), std::max(place.y, 0.0)};
     const double width = std::min<double>(place.x + place.w, frame.width) - origin.x;
     const double height = std::min<double>(place.y + place.h, frame.height) - origin.y;
-    if (!(width >= 1 && height >= 1))
+    if (width < 1 || height < 1)
         return std::nullopt;
     PlacedDrawing drawing = {
         .canvas = Canvas(static_cast<int>(width), static_cast<int>(height)), .origin = origin};

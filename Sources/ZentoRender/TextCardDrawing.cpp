@@ -2,6 +2,7 @@
 #include "ZentoRender/TextCardLayout.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 
 namespace zento {
@@ -58,7 +59,7 @@ Canvas glowOf(const Canvas& drawing, double sigma, const Color& color)
         for (int x = 0; x < alpha.width; ++x) {
             const double a = alpha.row(y)[x] * color.alpha;
             const auto byte = [a](double share) {
-                return static_cast<std::uint32_t>(a * share + 0.5);
+                return static_cast<std::uint32_t>(std::lround(a * share));
             };
             glowing.row(y)[x] =
                 byte(1) << 24 | byte(color.red) << 16 | byte(color.green) << 8 | byte(color.blue);

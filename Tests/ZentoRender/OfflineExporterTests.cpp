@@ -251,6 +251,7 @@ TEST_F(OfflineExporterTest, CardsStandBeforeAndAfterTheMainPart)
 {
     constexpr int kFirst = 0x9A53; // a pattern no other picture shows
     std::vector<test::NumberedFrame> recorded;
+    recorded.reserve(60);
     for (int i = 0; i < 60; ++i)
         recorded.push_back({.number = kFirst + i, .time = i / 60.0});
     test::writeNumberedRecording(m_bundle.screenMovieURL(), {128, 96}, recorded);

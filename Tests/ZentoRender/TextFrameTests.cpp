@@ -32,8 +32,8 @@ StyleSpec styleOf(const char* background)
 
 FrameLayers plainLayers()
 {
-    static const VideoFrame source = sampled(waves, kSource);
-    return {.source = source, .camera = {{240, 135}, 1}};
+    static const VideoFrame kFrame = sampled(waves, kSource);
+    return {.source = kFrame, .camera = {{240, 135}, 1}};
 }
 
 bool samePixels(const Picture& a, const Picture& b)

@@ -2,6 +2,7 @@
 #include "ZentoImaging/Convert.h"
 #include "ZentoRender/BackgroundRenderer.h"
 #include "ZentoRender/FrameCompositor.h"
+#include "ZentoRender/FrameSequence.h"
 
 #include <gtest/gtest.h>
 
@@ -94,6 +95,25 @@ TEST(TextFrameTest, BlendsAsDrawingOverTheFrameInRgbDoes)
             EXPECT_LE(largestDifference(*with, reference, plane), 2) << plane;
         EXPECT_GT(largestDifference(*with, *without, 0), 30);
     }
+}
+
+TEST(TextFrameTest, TheSequenceOfFramesSaysWhatThePlanSays)
+{
+    EditPlan plan;
+    plan.output = kOutput;
+    plan.keystrokes = {{1, 2, "K"}};
+    plan.captions = {{0.5, 1, "W"}};
+    plan.chapters = {{0.8, "C"}};
+    FrameSequence sequence(plan, {}, RemapCurve({{0, 9, 2}}), kSource);
+    const auto at = [&](double tOut) {
+        return sequence.next({.tOut = tOut, .sourceTime = 2 * tOut, .frame = plainLayers().source});
+    };
+    const FrameLayers bare = at(0);
+    EXPECT_FALSE(bare.keystroke || bare.caption || bare.chapter);
+    const FrameLayers all = at(1.125);
+    EXPECT_EQ(all.keystroke, (FrameText{"K", 1}));
+    EXPECT_EQ(all.caption, (FrameText{"W", 0.5}));
+    EXPECT_EQ(all.chapter, (FrameText{"C", 1}));
 }
 
 TEST(TextFrameTest, AKeystrokeRaisesTheCaption)

@@ -6,6 +6,7 @@
 #include "ZentoRender/Card.h"
 #include "ZentoRender/CursorSprite.h"
 #include "ZentoRender/FrameValues.h"
+#include "ZentoRender/TextOverlay.h"
 
 #include <optional>
 #include <vector>
@@ -18,6 +19,9 @@ struct FrameLayers {
     CameraRig::State camera;
     std::optional<CursorState> cursor;
     std::vector<Ripple> ripples;
+    std::optional<FrameText> keystroke;
+    std::optional<FrameText> caption;
+    std::optional<FrameText> chapter;
 };
 
 /// One frame worked out: what is drawn where, on the canvas. Two frames with equal recipes and
@@ -51,6 +55,7 @@ struct FrameRecipe {
     std::vector<Ring> rings;
     std::vector<Disc> discs;
     std::optional<Pointer> pointer;
+    std::vector<TextOverlay> texts;
     bool operator==(const FrameRecipe&) const = default;
 };
 

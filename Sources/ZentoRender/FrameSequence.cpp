@@ -13,6 +13,9 @@ FrameSequence::FrameSequence(
     , m_hidesIdlePointer(plan.style.cursorAutoHide)
     , m_track(cursorTrack(plan, events))
     , m_clicks(filmClicks(plan, events, curve))
+    , m_keystrokes(plan.keystrokes.value_or(std::vector<KeystrokeChip>{}))
+    , m_captions(plan.captions.value_or(std::vector<CaptionChip>{}))
+    , m_chapters(plan.chapters.value_or(std::vector<ChapterMarker>{}))
     , m_rig(plan.camera, source.width, source.height)
 {
 }
@@ -24,7 +27,10 @@ FrameLayers FrameSequence::next(ScheduledFrame scheduled)
         .source = std::move(scheduled.frame),
         .camera = m_rig.step(tOut, m_secondsPerFrame),
         .cursor = cursor(tOut, scheduled.sourceTime),
-        .ripples = ripples(m_clicks, tOut)};
+        .ripples = ripples(m_clicks, tOut),
+        .keystroke = keystrokeAt(m_keystrokes, tOut),
+        .caption = captionAt(m_captions, tOut),
+        .chapter = chapterAt(m_chapters, tOut)};
 }
 
 std::optional<CursorState> FrameSequence::cursor(double tOut, double sourceTime)

@@ -41,6 +41,9 @@ private:
     bool m_hidesIdlePointer;
     std::vector<CursorSample> m_track;
     std::vector<FilmClick> m_clicks;
+    std::vector<KeystrokeChip> m_keystrokes;
+    std::vector<CaptionChip> m_captions;
+    std::vector<ChapterMarker> m_chapters;
     CameraRig m_rig;
     PointerIdleness m_idleness;
 };

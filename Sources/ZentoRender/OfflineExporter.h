@@ -10,8 +10,9 @@
 namespace zento {
 
 class RemapCurve;
+struct FilmFrames;
 
-/// Writes the finished film of a recording.
+/// Writes the finished film of a recording: the title card, the main part, the end card.
 ///
 /// The film is made under a temporary name beside the target and takes the target's name when it is
 /// complete. A failure or a cancellation removes the temporary file and leaves a film that was
@@ -47,7 +48,7 @@ private:
     void writeFilm(
         const std::filesystem::path& to,
         const RemapCurve& curve,
-        int total,
+        const FilmFrames& frames,
         const ProgressCallback& onProgress,
         const std::stop_token& stop) const;
 

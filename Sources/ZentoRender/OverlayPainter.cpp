@@ -47,6 +47,7 @@ void OverlayPainter::paint(const FrameRecipe& recipe, const PictureView& canvas)
         fillRoundedRect(canvas, circle(disc.center, disc.radius), disc.color);
     if (recipe.pointer)
         paintPointer(*recipe.pointer, canvas);
+    m_texts.paint(recipe.texts, canvas);
 }
 
 void OverlayPainter::paintPointer(const FrameRecipe::Pointer& pointer, const PictureView& canvas)

@@ -3,16 +3,22 @@
 #include "ZentoImaging/Picture.h"
 #include "ZentoImaging/Sprite.h"
 #include "ZentoRender/FrameRecipe.h"
+#include "ZentoRender/TextPainter.h"
 
 #include <optional>
 
 namespace zento {
 
-/// Draws what lies on the card: the ripples of clicks and the pointer.
+/// Draws what lies on the card: the ripples of clicks, the pointer and the texts.
 ///
 /// Threading: one thread at a time.
 class OverlayPainter {
 public:
+    explicit OverlayPainter(const OutputSpec& output)
+        : m_texts(output)
+    {
+    }
+
     void paint(const FrameRecipe& recipe, const PictureView& canvas);
 
 private:
@@ -20,6 +26,7 @@ private:
 
     std::optional<FrameRecipe::Pointer> m_drawnPointer; // what m_pointer holds; alpha is not in it
     PlacedSprite m_pointer;
+    TextPainter m_texts;
 };
 
 } // namespace zento

@@ -3,6 +3,7 @@
 #include "Zento/Commands/ProgressBar.h"
 #include "Zento/Desktop/DesktopImage.h"
 #include "Zento/Model/PlanSources.h"
+#include "Zento/Model/TextCards.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoRender/OfflineExporter.h"
 
@@ -71,7 +72,10 @@ std::filesystem::path makeFilm(
 {
     const auto input =
         gatherPlanInput(bundle, settings, loadSavedOverrides(bundle), desktopImage());
-    const EditPlan plan = EditPlanner::plan(input);
+    EditPlan plan = EditPlanner::plan(input);
+    FilmCards cards = currentCards(settings, bundle.meta, loadVideoCopy(bundle));
+    plan.titleCard = std::move(cards.title);
+    plan.endCard = std::move(cards.end);
     PlanFile planFile(bundle.editPlanURL(), plan);
     ProgressBar bar("Rendering");
     OfflineExporter(bundle, plan)

@@ -85,6 +85,11 @@ SavedOverrides loadSavedOverrides(const SessionBundle& bundle)
     }
 }
 
+std::optional<VideoCopy> loadVideoCopy(const SessionBundle& bundle)
+{
+    return analysis(bundle.copyURL(), decodeVideoCopy);
+}
+
 EditPlanner::PlanInput gatherPlanInput(
     const SessionBundle& bundle,
     const AppSettings& settings,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Zento/Model/AppSettings.h"
+#include "ZentoCore/Analyses.h"
 #include "ZentoCore/Overrides.h"
 #include "ZentoCore/SessionBundle.h"
 #include "ZentoEngine/EditPlanner.h"
@@ -13,6 +14,9 @@ namespace zento {
 /// The user's edits of a bundle, or none: a file that is missing or does not decode counts as no
 /// edits. Throws `Error` only for edits that contradict each other.
 SavedOverrides loadSavedOverrides(const SessionBundle& bundle);
+
+/// The bundle's "copy.json", or nothing where it is missing or does not decode. Blocks on a file.
+std::optional<VideoCopy> loadVideoCopy(const SessionBundle& bundle);
 
 /// Everything the plan of a bundle is made from, gathered from its files and the settings.
 ///

@@ -17,6 +17,7 @@ pipewire/|spa/ ZentoCapture/Backends
 atspi/ ZentoCapture/Backends|Zento/Demo
 opencv ZentoIntelligence|ZentoRender
 simdjson ZentoCore
+fftw3 ZentoEngine
 Q[A-Z] Zento
 RULES
 

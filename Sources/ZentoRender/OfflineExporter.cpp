@@ -3,8 +3,10 @@
 #include "ZentoCore/Error.h"
 #include "ZentoCore/RemapCurve.h"
 #include "ZentoMedia/FilmWriter.h"
+#include "ZentoRender/AudioMixer.h"
 #include "ZentoRender/BoundedQueue.h"
 #include "ZentoRender/FilmFrames.h"
+#include "ZentoRender/FilmSound.h"
 #include "ZentoRender/FrameCompositor.h"
 #include "ZentoRender/FrameSequence.h"
 #include "ZentoRender/PartFile.h"
@@ -143,12 +145,12 @@ void encode(
 }
 
 /// The same error about the film under the name the user gave it.
-Error renamed(
-    const Error& error, const std::filesystem::path& part, const std::filesystem::path& film)
+Error renamed(const Error& error, const FilmPaths& paths, const std::filesystem::path& film)
 {
     std::string sentence = error.what();
-    if (const auto place = sentence.find(part.string()); place != std::string::npos)
-        sentence.replace(place, part.string().size(), film.string());
+    for (const auto& file : {paths.pictures, paths.soundtrack, paths.film})
+        if (const auto place = sentence.find(file.string()); place != std::string::npos)
+            sentence.replace(place, file.string().size(), film.string());
     return {error.domain(), error.code(), sentence};
 }
 
@@ -184,10 +186,23 @@ void OfflineExporter::exportFilm(
     const RemapCurve curve(m_plan.timeRemap);
     const FilmFrames frames = checkedFrames(m_plan, curve, to);
     PartFile part(to);
+    const auto paths = FilmPaths::beside(to, part.path());
+    const auto writePictures = [&](const auto& file, const std::stop_token& token) {
+        writeFilm(file, curve, frames, onProgress, token);
+    };
     try {
-        writeFilm(part.path(), curve, frames, onProgress, stop);
+        if (AudioMixer::needsSound(m_plan))
+            writeFilmWithSound(
+                m_plan,
+                frames.total() / m_plan.output.fps,
+                m_bundle.url,
+                paths,
+                writePictures,
+                stop);
+        else
+            writePictures(paths.film, stop);
     } catch (const Error& error) {
-        throw renamed(error, part.path(), to);
+        throw renamed(error, paths, to);
     }
     part.renameToTarget();
 }

@@ -1,5 +1,6 @@
 #include "Zento/Commands/FilmMaking.h"
 
+#include "Zento/Commands/BundleMusic.h"
 #include "Zento/Commands/ProgressBar.h"
 #include "Zento/Desktop/DesktopImage.h"
 #include "Zento/Model/PlanSources.h"
@@ -70,8 +71,9 @@ std::filesystem::path makeFilm(
     const std::filesystem::path& film,
     const std::stop_token& stop)
 {
-    const auto input =
-        gatherPlanInput(bundle, settings, loadSavedOverrides(bundle), desktopImage());
+    const SavedOverrides edits = loadSavedOverrides(bundle);
+    EditPlanner::PlanInput input = gatherPlanInput(bundle, settings, edits, desktopImage());
+    input.music = bundleMusic(bundle, edits, stop);
     EditPlan plan = EditPlanner::plan(input);
     FilmCards cards = currentCards(settings, bundle.meta, loadVideoCopy(bundle));
     plan.titleCard = std::move(cards.title);

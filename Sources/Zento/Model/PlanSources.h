@@ -7,6 +7,7 @@
 #include "ZentoEngine/EditPlanner.h"
 
 #include <optional>
+#include <stop_token>
 #include <string>
 
 namespace zento {
@@ -21,12 +22,19 @@ std::optional<VideoCopy> loadVideoCopy(const SessionBundle& bundle);
 /// Everything the plan of a bundle is made from, gathered from its files and the settings.
 ///
 /// Analyses that are missing or do not decode are left out; none is run. A track exists when its
-/// file does. Music is not part of it: its beats are an analysis. The result views
-/// `bundle.events`, so the bundle must outlive it. Blocks on files.
+/// file does. Music is not part of it: its beats are an analysis, see `analyzedMusic`. The result
+/// views `bundle.events`, so the bundle must outlive it. Blocks on files.
 EditPlanner::PlanInput gatherPlanInput(
     const SessionBundle& bundle,
     const AppSettings& settings,
     const SavedOverrides& edits,
     const std::optional<std::string>& desktopImage);
+
+/// The bundle's music with its beats, used within the window of the edits. Nothing without a file.
+///
+/// Reads and analyses the whole of it. Throws `Error` for music that cannot be read, which a plan
+/// then does without, and with the code `kCancelled` soon after `stop` is requested.
+std::optional<EditPlanner::MusicInfo> analyzedMusic(
+    const SessionBundle& bundle, const SavedOverrides& edits, const std::stop_token& stop = {});
 
 } // namespace zento

@@ -34,6 +34,6 @@ ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
 Zento/Model ZentoCore|ZentoEngine
-Zento/Demo ZentoCore
+Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES
 exit $bad

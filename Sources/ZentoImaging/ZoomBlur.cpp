@@ -36,11 +36,12 @@ SourcePlace sourcePlace(int at, double center, double scale)
 /// Outputs are the columns [-margin, width + margin); the input row begins at column `first`.
 StretchTable stretchTable(int width, int margin, int first, double center, double scale)
 {
-    const auto count = std::size_t(width + 2 * margin);
+    const std::size_t count = std::size_t(width) + 2 * std::size_t(margin);
     constexpr std::size_t kBlock = StretchTable::kBlock;
     StretchTable table;
     table.padded = (count + kBlock - 1) / kBlock * kBlock;
     std::vector<SourcePlace> places;
+    places.reserve(count);
     for (std::size_t x = 0; x < count; ++x) {
         places.push_back(sourcePlace(int(x) - margin, center, scale));
     }
@@ -56,9 +57,6 @@ StretchTable stretchTable(int width, int margin, int first, double center, doubl
         table.bases.push_back(nearest - first);
         table.taps = std::max(table.taps, std::size_t(farthest - nearest + 2));
     }
-    if (scale == 1) {
-        table.taps = 1;
-    }
     table.weights.resize(table.taps * table.padded);
     for (std::size_t x = 0; x < count; ++x) {
         const std::size_t block = x / kBlock;
@@ -66,56 +64,59 @@ StretchTable stretchTable(int width, int margin, int first, double center, doubl
         const auto tap = std::size_t(places[x].before - base);
         const auto after = static_cast<std::int16_t>(std::lround(places[x].share * kernel::kOne));
         table.weights[tap * table.padded + x] = static_cast<std::int16_t>(kernel::kOne - after);
-        if (after > 0) {
-            table.weights[(tap + 1) * table.padded + x] = after;
-        }
+        table.weights[(tap + 1) * table.padded + x] = after;
     }
     return table;
 }
 
 /// What is made: a picture and so many samples more on either side.
 struct OutputArea {
-    int width;
-    int height;
+    int width = 0;
+    int height = 0;
     int marginX = 0;
     int marginY = 0;
 };
 
-/// The mean of a picture's copies at several scales around a centre. Input rows are taken from top
-/// to bottom and each is kept, drawn out, once a copy.
+/// The mean of a picture's copies at several scales around a centre. It is given its input row by
+/// row from top to bottom and keeps what the next outputs need.
 class ScaledCopies {
 public:
     ScaledCopies(std::vector<double> scales, Vec2 center, const OutputArea& area)
         : m_scales(std::move(scales))
         , m_center(center)
+        , m_reachX(reach(center.x, area.width, area.marginX))
+        , m_reachY(reach(center.y, area.height, area.marginY))
+        , m_next(-area.marginY - m_reachY)
+        , m_ready(m_next)
+        , m_input(
+              2 * m_reachY + 1 + kernel::kStretchedRows,
+              std::size_t(area.width) + 2 * std::size_t(area.marginX + m_reachX) + kSlack)
     {
-        const double most = std::max(m_scales.back() - 1, 1 - m_scales.front());
-        const auto reach = [most](double middle, int size, int margin) {
-            return int(std::ceil((std::max(middle, size - middle) + margin) * most)) + 1;
-        };
-        m_reachX = reach(center.x, area.width, area.marginX);
-        m_reachY = reach(center.y, area.height, area.marginY);
-        const auto rowWidth = std::size_t(area.width + 2 * area.marginX) + kSlack;
+        const auto rowWidth = std::size_t(area.width) + 2 * std::size_t(area.marginX) + kSlack;
         for (const double scale : m_scales) {
-            m_tables.push_back(
-                stretchTable(area.width, area.marginX, -area.marginX - m_reachX, center.x, scale));
-            m_copies.emplace_back(2 * m_reachY + 1 + kernel::kStretchedRows, rowWidth);
+            if (scale != 1) { // the picture itself needs no copy
+                const int first = -area.marginX - m_reachX;
+                m_tables.push_back(stretchTable(area.width, area.marginX, first, center.x, scale));
+                m_copies.emplace_back(2 * m_reachY + 1 + kernel::kStretchedRows, rowWidth);
+            }
         }
     }
 
-    /// How far the input must go beyond the output, in samples.
+    /// How far the input goes beyond the output, in samples.
     int reachX() const { return m_reachX; }
     int reachY() const { return m_reachY; }
 
-    /// The rows y, y + 1, and so on, kStretchedRows of them.
-    void take(int y, const std::array<const std::int16_t*, kernel::kStretchedRows>& rows)
+    /// Whether more input is needed for row y.
+    bool needsRow(int y) const { return m_ready <= y + m_reachY; }
+    /// The input row that is next, and where it goes.
+    int nextRow() const { return m_next; }
+    std::int16_t* rowToFill() { return m_input.row(m_next); }
+    void rowIsFilled()
     {
-        std::array<std::int16_t*, kernel::kStretchedRows> out{};
-        for (std::size_t i = 0; i < m_tables.size(); ++i) {
-            for (int r = 0; r < kernel::kStretchedRows; ++r) {
-                out[std::size_t(r)] = m_copies[i].row(y + r);
-            }
-            kernel::stretchRows(rows.data(), m_tables[i], out.data());
+        ++m_next;
+        if (m_next - m_ready == kernel::kStretchedRows) {
+            stretchLatest();
+            m_ready = m_next;
         }
     }
 
@@ -124,28 +125,57 @@ public:
         std::vector<std::int16_t> weights;
     };
 
-    /// What makes row y. Input rows up to y + reachY have been taken.
+    /// What makes row y, for which no more input is needed.
     const Sum& sum(int y)
     {
         m_sum.rows.clear();
         m_exact.clear();
-        for (std::size_t i = 0; i < m_scales.size(); ++i) {
-            const auto [before, share] = sourcePlace(y, m_center.y, m_scales[i]);
-            m_sum.rows.push_back(m_copies[i].row(before));
-            m_sum.rows.push_back(m_copies[i].row(before + 1));
+        auto copy = m_copies.begin();
+        for (const double scale : m_scales) {
+            if (scale == 1) {
+                m_sum.rows.push_back(m_input.row(y) + m_reachX);
+                m_exact.push_back(1);
+                continue;
+            }
+            const auto [before, share] = sourcePlace(y, m_center.y, scale);
+            m_sum.rows.push_back(copy->row(before));
+            m_sum.rows.push_back(copy->row(before + 1));
             m_exact.push_back(1 - share);
             m_exact.push_back(share);
+            ++copy;
         }
         m_sum.weights = fixedWeights(m_exact);
         return m_sum;
     }
 
 private:
-    std::vector<double> m_scales;
+    int reach(double middle, int size, int margin) const
+    {
+        const double most = std::max(m_scales.back() - 1, 1 - m_scales.front());
+        return int(std::ceil((std::max(middle, size - middle) + margin) * most)) + 1;
+    }
+
+    void stretchLatest()
+    {
+        std::array<const std::int16_t*, kernel::kStretchedRows> from{};
+        std::array<std::int16_t*, kernel::kStretchedRows> to{};
+        for (std::size_t i = 0; i < m_tables.size(); ++i) {
+            for (int r = 0; r < kernel::kStretchedRows; ++r) {
+                from[std::size_t(r)] = m_input.row(m_ready + r);
+                to[std::size_t(r)] = m_copies[i].row(m_ready + r);
+            }
+            kernel::stretchRows(from.data(), m_tables[i], to.data());
+        }
+    }
+
+    std::vector<double> m_scales; // ascending
     Vec2 m_center;
-    int m_reachX = 0;
-    int m_reachY = 0;
-    std::vector<StretchTable> m_tables;
+    int m_reachX;
+    int m_reachY;
+    int m_next;
+    int m_ready; // the first row that has no copies yet
+    RowRing m_input;
+    std::vector<StretchTable> m_tables; // of all scales but 1
     std::vector<RowRing> m_copies;
     Sum m_sum;
     std::vector<double> m_exact;
@@ -155,6 +185,7 @@ private:
 std::vector<double> spreadScales(int count, double stretch)
 {
     std::vector<double> scales;
+    scales.reserve(std::size_t(count));
     for (int i = 0; i < count; ++i) {
         scales.push_back(std::exp(stretch * ((i + 0.5) / count - 0.5)));
     }
@@ -181,30 +212,6 @@ CopyCounts copyCounts(double smear)
     return best;
 }
 
-/// The rows that are taken at once.
-class RowSet {
-public:
-    explicit RowSet(std::size_t width)
-        : m_samples(kernel::kStretchedRows * (width + kSlack))
-    {
-        for (std::size_t i = 0; i < m_rows.size(); ++i) {
-            m_rows[i] = &m_samples[i * (width + kSlack)];
-            m_readOnly[i] = m_rows[i];
-        }
-    }
-
-    const std::array<std::int16_t*, kernel::kStretchedRows>& rows() const { return m_rows; }
-    const std::array<const std::int16_t*, kernel::kStretchedRows>& readOnly() const
-    {
-        return m_readOnly;
-    }
-
-private:
-    std::vector<std::int16_t> m_samples;
-    std::array<std::int16_t*, kernel::kStretchedRows> m_rows{};
-    std::array<const std::int16_t*, kernel::kStretchedRows> m_readOnly{};
-};
-
 } // namespace
 
 void zoomBlur(Plane<std::uint8_t> plane, Vec2 center, double stretch)
@@ -227,27 +234,24 @@ void zoomBlur(Plane<std::uint8_t> plane, Vec2 center, double stretch)
     ScaledCopies first(spreadScales(fine, whole / coarse), center, area);
 
     const auto width = std::size_t(plane.width);
-    const int margin = first.reachX() + second.reachX();
-    RowSet wide(width + 2 * std::size_t(margin));
+    const auto margin = std::size_t(first.reachX() + second.reachX());
     const std::size_t betweenWidth = width + 2 * std::size_t(area.marginX);
-    RowSet between(betweenWidth);
-    int nextWide = -second.reachY() - first.reachY();
-    int nextBetween = -second.reachY();
     for (int y = 0; y < plane.height; ++y) {
-        while (nextBetween <= y + second.reachY()) {
-            for (std::int16_t* out : between.rows()) {
-                while (nextWide <= nextBetween + first.reachY()) {
-                    for (std::int16_t* row : wide.rows()) {
-                        const int line = std::clamp(nextWide++, 0, plane.height - 1);
-                        kernel::widenRow(plane.row(line), width, std::size_t(margin), row);
-                    }
-                    first.take(nextWide - kernel::kStretchedRows, wide.readOnly());
-                }
-                const ScaledCopies::Sum& sum = first.sum(nextBetween++);
-                kernel::weightRows(
-                    sum.rows.data(), sum.weights.data(), int(sum.rows.size()), betweenWidth, out);
+        while (second.needsRow(y)) {
+            const int between = second.nextRow();
+            while (first.needsRow(between)) {
+                const int line = std::clamp(first.nextRow(), 0, plane.height - 1);
+                kernel::widenRow(plane.row(line), width, margin, first.rowToFill());
+                first.rowIsFilled();
             }
-            second.take(nextBetween - kernel::kStretchedRows, between.readOnly());
+            const ScaledCopies::Sum& sum = first.sum(between);
+            kernel::weightRows(
+                sum.rows.data(),
+                sum.weights.data(),
+                int(sum.rows.size()),
+                betweenWidth,
+                second.rowToFill());
+            second.rowIsFilled();
         }
         const ScaledCopies::Sum& sum = second.sum(y);
         kernel::weightRowsToBytes(

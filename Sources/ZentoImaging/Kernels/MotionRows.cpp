@@ -74,9 +74,7 @@ void stretchSamples(
     std::size_t taps,
     std::int16_t* const* out)
 {
-    if (taps == 1) {
-        stretchBlocks<1>(rows, bases, weights, padded, taps, out);
-    } else if (taps == 3) { // all but the picture itself, in a film
+    if (taps == 3) { // all there are in a film
         stretchBlocks<3>(rows, bases, weights, padded, taps, out);
     } else {
         stretchBlocks<0>(rows, bases, weights, padded, taps, out);

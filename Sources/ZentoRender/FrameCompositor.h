@@ -30,12 +30,16 @@ public:
 
     Card card(const CameraRig::State& camera) const;
 
-    /// The frame of these layers, 4:2:0. All sources come from one decoder, or `forgetLast` is
-    /// called in between: a picture is told by its identity.
+    /// The frame of these layers, 4:2:0. All sources come from one decoder and all webcam pictures
+    /// from one, or `forgetLast` is called in between: a picture is told by its identity.
     std::shared_ptr<const Picture> compose(const FrameLayers& layers);
 
     /// Draws the next frame from nothing.
-    void forgetLast() { m_last.reset(); }
+    void forgetLast()
+    {
+        m_last.reset();
+        m_overlayPainter.forgetLast();
+    }
 
 private:
     struct Drawn {

@@ -235,7 +235,8 @@ TEST(MotionBlurTest, ThePlanesOfAPictureStayTogether)
         blur(picture.view());
         for (int x = 50; x < 70; ++x) {
             // A chroma sample lies on the centre of pixel 2 x.
-            EXPECT_NEAR(picture.plane(1).row(25)[x], picture.plane(0).row(50)[2 * x], 8) << x;
+            const int twice = 2 * x;
+            EXPECT_NEAR(picture.plane(1).row(25)[x], picture.plane(0).row(50)[twice], 8) << x;
         }
         EXPECT_EQ(picture.plane(0).row(0)[0], 40);
         EXPECT_EQ(picture.plane(2).row(49)[99], 240);

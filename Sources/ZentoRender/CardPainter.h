@@ -6,6 +6,7 @@
 #include "ZentoImaging/Shadow.h"
 #include "ZentoImaging/Shapes.h"
 #include "ZentoMedia/VideoFrame.h"
+#include "ZentoRender/Motion.h"
 
 #include <cstdint>
 #include <vector>
@@ -16,7 +17,8 @@ namespace zento {
 ///
 /// Row by row and plane by plane, so that what is read and written stays in the cache. What the
 /// opaque card hides is not drawn. The source goes from its decoded planes straight into those of
-/// the canvas, at full sub-pixel precision in luma and chroma.
+/// the canvas, at full sub-pixel precision in luma and chroma. Only a source that is blurred by the
+/// camera's motion is scaled into memory of its own first.
 ///
 /// Threading: one thread at a time.
 class CardPainter {
@@ -27,16 +29,36 @@ public:
     const Picture& background() const { return m_background; }
 
     /// Draws every sample of the canvas. `card` is where the whole of `source` goes, in pixels.
-    void paint(const VideoFrame& source, const Rect& card, const PictureView& canvas);
+    void paint(
+        const VideoFrame& source,
+        const Rect& card,
+        const CardBlur& blur,
+        const PictureView& canvas);
 
 private:
     struct PlaneRows;
 
     template <typename Sample>
-    void
-    paintPlanes(const YuvPlanes<const Sample>& source, const Rect& card, const PictureView& canvas);
-    /// `touched`: the samples the card touches. `firstScaled`: the sample m_scaledRow begins with.
-    void paintCardRow(const PlaneRows& rows, int y, SampleRange touched, int firstScaled);
+    void paintPlanes(
+        const YuvPlanes<const Sample>& source,
+        const Rect& card,
+        const CardBlur& blur,
+        const PictureView& canvas);
+    /// The part of a plane the scaler was prepared for, blurred. The source's edges go on beyond
+    /// it.
+    template <typename Sample>
+    Plane<const std::uint8_t> blurred(
+        Plane<const Sample> source,
+        PlaneScaler& scaler,
+        const CardBlur& blur,
+        const PlaneGrid& grid);
+    /// `touched`: the samples the card touches. `scaled`: the source, from sample `firstScaled` on.
+    void paintCardRow(
+        const PlaneRows& rows,
+        int y,
+        SampleRange touched,
+        const std::uint8_t* scaled,
+        int firstScaled);
     void paintMargin(const PlaneRows& rows, int y, SampleRange columns);
 
     Picture m_background;
@@ -47,6 +69,7 @@ private:
     ShadowCache m_shadows;
     PictureScaler m_scaler;
     std::vector<std::uint8_t> m_scaledRow;
+    std::vector<std::uint8_t> m_blurred;
     std::vector<std::uint8_t> m_mask;
 };
 

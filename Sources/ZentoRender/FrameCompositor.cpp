@@ -41,8 +41,9 @@ Card FrameCompositor::card(const CameraRig::State& camera) const
 std::shared_ptr<const Picture> FrameCompositor::compose(const FrameLayers& layers)
 {
     FrameRecipe recipe = frameRecipe(layers, m_output, m_style, m_sourceSize);
-    const bool sameBase =
-        m_last && m_last->source == layers.source.identity() && m_last->recipe.card == recipe.card;
+    const bool sameBase = m_last && m_last->source == layers.source.identity()
+                          && m_last->recipe.card == recipe.card
+                          && m_last->recipe.blur == recipe.blur;
     if (sameBase && m_last->recipe == recipe)
         return m_last->picture;
 
@@ -52,14 +53,14 @@ std::shared_ptr<const Picture> FrameCompositor::compose(const FrameLayers& layer
         drawn.withoutOverlays = std::move(m_last->withoutOverlays);
         if (!drawn.withoutOverlays) {
             const std::shared_ptr<Picture> base = m_pool.acquire();
-            m_cardPainter.paint(layers.source, recipe.card, base->view());
+            m_cardPainter.paint(layers.source, recipe.card, recipe.blur, base->view());
             drawn.withoutOverlays = base;
         }
         copy(drawn.withoutOverlays->view(), picture->view());
     } else {
-        m_cardPainter.paint(layers.source, recipe.card, picture->view());
+        m_cardPainter.paint(layers.source, recipe.card, recipe.blur, picture->view());
     }
-    m_overlayPainter.paint(recipe, picture->view());
+    m_overlayPainter.paint(recipe, layers.webcam, picture->view());
     drawn.recipe = std::move(recipe);
     m_last = std::move(drawn);
     return picture;
@@ -81,6 +82,7 @@ void FrameCompositor::forgetLast()
 {
     m_last.reset();
     m_lastCard.reset();
+    m_overlayPainter.forgetLast();
 }
 
 } // namespace zento

@@ -32,8 +32,8 @@ public:
 
     Card card(const CameraRig::State& camera) const;
 
-    /// The frame of these layers, 4:2:0. All sources come from one decoder, or `forgetLast` is
-    /// called in between: a picture is told by its identity.
+    /// The frame of these layers, 4:2:0. All sources come from one decoder and all webcam pictures
+    /// from one, or `forgetLast` is called in between: a picture is told by its identity.
     std::shared_ptr<const Picture> compose(const FrameLayers& layers);
 
     /// The frame of a title or end card: the background and the card's text alone. `progress` in

@@ -11,6 +11,7 @@
 #include "ZentoRender/FrameSequence.h"
 #include "ZentoRender/PartFile.h"
 #include "ZentoRender/SourceReader.h"
+#include "ZentoRender/WebcamSource.h"
 
 #include <pthread.h>
 
@@ -76,6 +77,7 @@ FilmFormat filmFormat(const OutputSpec& output)
 
 void decode(
     SourceReader& reader,
+    WebcamSource& webcam,
     const RemapCurve& curve,
     double fps,
     int frames,
@@ -89,7 +91,11 @@ void decode(
         if (!frame)
             throw Error(
                 ErrorCode::kReadingFailed, movie.string() + " holds no picture that can be read");
-        if (!out.push({.tOut = tOut, .sourceTime = sourceTime, .frame = *std::move(frame)}))
+        if (!out.push(
+                {.tOut = tOut,
+                 .sourceTime = sourceTime,
+                 .frame = *std::move(frame),
+                 .webcam = webcam.frame(sourceTime)}))
             return;
     }
     out.close();
@@ -216,6 +222,7 @@ void OfflineExporter::writeFilm(
 {
     const std::filesystem::path movie = m_bundle.screenMovieURL();
     SourceReader reader(movie);
+    WebcamSource webcam(m_plan.webcam, m_bundle.url);
     const VideoSize sourceSize = reader.naturalSize();
     FrameCompositor compositor(m_plan.output, m_plan.style, sourceSize);
     FrameSequence sequence(m_plan, m_bundle.events, curve, sourceSize);
@@ -230,7 +237,7 @@ void OfflineExporter::writeFilm(
     const std::stop_callback wake(stop, abandon);
     auto decoding = startStage(
         "export.decode",
-        [&] { decode(reader, curve, m_plan.output.fps, frames.main, movie, decoded); },
+        [&] { decode(reader, webcam, curve, m_plan.output.fps, frames.main, movie, decoded); },
         abandon);
     auto composing = startStage(
         "export.compose",

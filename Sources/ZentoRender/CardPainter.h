@@ -26,6 +26,8 @@ public:
     /// The background has the size and the layout of the canvas.
     CardPainter(Picture background, const StyleSpec& style);
 
+    const Picture& background() const { return m_background; }
+
     /// Draws every sample of the canvas. `card` is where the whole of `source` goes, in pixels.
     void paint(
         const VideoFrame& source,

@@ -9,14 +9,26 @@ namespace zento {
 
 FrameCompositor::FrameCompositor(
     const OutputSpec& output, const StyleSpec& style, VideoSize sourceSize)
+    : FrameCompositor(
+          output,
+          style,
+          sourceSize,
+          BackgroundRenderer::render(style.background, output.width, output.height))
+{
+}
+
+FrameCompositor::FrameCompositor(
+    const OutputSpec& output,
+    const StyleSpec& style,
+    VideoSize sourceSize,
+    const Canvas& background)
     : m_output(output)
     , m_style(style)
     , m_sourceSize{static_cast<double>(sourceSize.width), static_cast<double>(sourceSize.height)}
-    , m_cardPainter(
-          toPicture(
-              BackgroundRenderer::render(style.background, output.width, output.height),
-              Layout::Yuv420),
-          style)
+    , m_cardPainter(toPicture(background, Layout::Yuv420), style)
+    , m_overlayPainter(output)
+    , m_textCardPainter(
+          output, BackgroundRenderer::isLight(background) ? Ground::Light : Ground::Dark)
     , m_pool(output.width, output.height)
 {
 }
@@ -52,6 +64,25 @@ std::shared_ptr<const Picture> FrameCompositor::compose(const FrameLayers& layer
     drawn.recipe = std::move(recipe);
     m_last = std::move(drawn);
     return picture;
+}
+
+std::shared_ptr<const Picture> FrameCompositor::composeCard(const TextCard& card, double progress)
+{
+    const CardAppearance appearance = cardAppearance(card.duration, progress);
+    if (m_lastCard && m_lastCard->card == card && m_lastCard->appearance == appearance)
+        return m_lastCard->picture;
+    const std::shared_ptr<Picture> picture = m_pool.acquire();
+    copy(m_cardPainter.background().view(), picture->view());
+    m_textCardPainter.paint(card, appearance, picture->view());
+    m_lastCard = {card, appearance, picture};
+    return picture;
+}
+
+void FrameCompositor::forgetLast()
+{
+    m_last.reset();
+    m_lastCard.reset();
+    m_overlayPainter.forgetLast();
 }
 
 } // namespace zento

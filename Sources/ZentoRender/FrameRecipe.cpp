@@ -85,6 +85,7 @@ FrameRecipe frameRecipe(
         recipe.blur = cardBlur(*layers.motion, outH);
     if (layers.webcam)
         recipe.webcam = webcamBubble(*layers.webcam, output);
+    recipe.texts = textOverlays(layers.keystroke, layers.caption, layers.chapter);
 
     for (const Ripple& ripple : layers.ripples)
         recipe.rings.push_back(rippleRing(ripple, card, outH, zoom));

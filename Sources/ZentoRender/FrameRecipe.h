@@ -7,6 +7,7 @@
 #include "ZentoRender/CursorSprite.h"
 #include "ZentoRender/FrameValues.h"
 #include "ZentoRender/Motion.h"
+#include "ZentoRender/TextOverlay.h"
 #include "ZentoRender/WebcamBubble.h"
 
 #include <optional>
@@ -22,6 +23,9 @@ struct FrameLayers {
     std::vector<Ripple> ripples;
     std::optional<WebcamLayer> webcam;
     std::optional<Motion> motion;
+    std::optional<FrameText> keystroke;
+    std::optional<FrameText> caption;
+    std::optional<FrameText> chapter;
 };
 
 /// One frame worked out: what is drawn where, on the canvas. Two frames with equal recipes and
@@ -57,6 +61,7 @@ struct FrameRecipe {
     std::vector<Disc> discs;
     std::optional<Pointer> pointer;
     std::optional<WebcamBubble> webcam;
+    std::vector<TextOverlay> texts;
     bool operator==(const FrameRecipe&) const = default;
 };
 

@@ -16,6 +16,9 @@ FrameSequence::FrameSequence(
     , m_secondsPerFrame(1 / plan.output.fps)
     , m_track(cursorTrack(plan, events))
     , m_clicks(filmClicks(plan, events, curve))
+    , m_keystrokes(plan.keystrokes.value_or(std::vector<KeystrokeChip>{}))
+    , m_captions(plan.captions.value_or(std::vector<CaptionChip>{}))
+    , m_chapters(plan.chapters.value_or(std::vector<ChapterMarker>{}))
     , m_rig(plan.camera, source.width, source.height)
 {
 }
@@ -38,7 +41,10 @@ FrameLayers FrameSequence::next(ScheduledFrame scheduled)
         .cursor = cursor(tOut, scheduled.sourceTime),
         .ripples = ripples(m_clicks, tOut),
         .webcam = std::move(webcam),
-        .motion = motion};
+        .motion = motion,
+        .keystroke = keystrokeAt(m_keystrokes, tOut),
+        .caption = captionAt(m_captions, tOut),
+        .chapter = chapterAt(m_chapters, tOut)};
 }
 
 std::optional<CursorState> FrameSequence::cursor(double tOut, double sourceTime)

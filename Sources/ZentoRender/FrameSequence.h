@@ -46,6 +46,9 @@ private:
     double m_secondsPerFrame;
     std::vector<CursorSample> m_track;
     std::vector<FilmClick> m_clicks;
+    std::vector<KeystrokeChip> m_keystrokes;
+    std::vector<CaptionChip> m_captions;
+    std::vector<ChapterMarker> m_chapters;
     CameraRig m_rig;
     PointerIdleness m_idleness;
     std::optional<ShownCard> m_shown; // in the frame before

@@ -50,6 +50,7 @@ void OverlayPainter::paint(
         paintPointer(*recipe.pointer, canvas);
     if (recipe.webcam && webcam)
         m_webcam.paint(*recipe.webcam, webcam->frame, canvas);
+    m_texts.paint(recipe.texts, canvas);
 }
 
 void OverlayPainter::paintPointer(const FrameRecipe::Pointer& pointer, const PictureView& canvas)

@@ -9,23 +9,14 @@ namespace zento {
 
 PartFile::PartFile(std::filesystem::path target)
     : m_target(std::move(target))
-    , m_path(m_target)
+    , m_file(besideTarget(m_target, ".part" + m_target.extension().string()))
 {
-    m_path.replace_extension();
-    m_path += ".part";
-    m_path += m_target.extension();
-}
-
-PartFile::~PartFile()
-{
-    std::error_code ignored;
-    std::filesystem::remove(m_path, ignored); // nothing is there after the renaming
 }
 
 void PartFile::renameToTarget()
 {
     std::error_code error;
-    std::filesystem::rename(m_path, m_target, error);
+    std::filesystem::rename(path(), m_target, error);
     if (error)
         throw systemError("Cannot replace", m_target.string(), error.value());
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ZentoRender/ScratchFile.h"
+
 #include <filesystem>
 
 namespace zento {
@@ -9,18 +11,15 @@ namespace zento {
 class PartFile {
 public:
     explicit PartFile(std::filesystem::path target);
-    ~PartFile();
-    PartFile(const PartFile&) = delete;
-    PartFile& operator=(const PartFile&) = delete;
 
-    const std::filesystem::path& path() const { return m_path; }
+    const std::filesystem::path& path() const { return m_file.path(); }
 
     /// Replaces the target. The file must be complete and closed. Throws `Error`.
     void renameToTarget();
 
 private:
     std::filesystem::path m_target;
-    std::filesystem::path m_path;
+    ScratchFile m_file;
 };
 
 } // namespace zento

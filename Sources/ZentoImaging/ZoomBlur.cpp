@@ -234,7 +234,7 @@ void zoomBlur(Plane<std::uint8_t> plane, Vec2 center, double stretch)
     ScaledCopies first(spreadScales(fine, whole / coarse), center, area);
 
     const auto width = std::size_t(plane.width);
-    const auto margin = std::size_t(first.reachX() + second.reachX());
+    const std::size_t margin = std::size_t(first.reachX()) + std::size_t(second.reachX());
     const std::size_t betweenWidth = width + 2 * std::size_t(area.marginX);
     for (int y = 0; y < plane.height; ++y) {
         while (second.needsRow(y)) {

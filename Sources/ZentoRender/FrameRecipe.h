@@ -6,8 +6,8 @@
 #include "ZentoRender/Card.h"
 #include "ZentoRender/CursorSprite.h"
 #include "ZentoRender/FrameValues.h"
-#include "ZentoRender/TextOverlay.h"
 #include "ZentoRender/Motion.h"
+#include "ZentoRender/TextOverlay.h"
 #include "ZentoRender/WebcamBubble.h"
 
 #include <optional>
@@ -21,11 +21,11 @@ struct FrameLayers {
     CameraRig::State camera;
     std::optional<CursorState> cursor;
     std::vector<Ripple> ripples;
+    std::optional<WebcamLayer> webcam;
+    std::optional<Motion> motion;
     std::optional<FrameText> keystroke;
     std::optional<FrameText> caption;
     std::optional<FrameText> chapter;
-    std::optional<WebcamLayer> webcam;
-    std::optional<Motion> motion;
 };
 
 /// One frame worked out: what is drawn where, on the canvas. Two frames with equal recipes and

@@ -40,11 +40,11 @@ FrameLayers FrameSequence::next(ScheduledFrame scheduled)
         .camera = camera,
         .cursor = cursor(tOut, scheduled.sourceTime),
         .ripples = ripples(m_clicks, tOut),
+        .webcam = std::move(webcam),
+        .motion = motion,
         .keystroke = keystrokeAt(m_keystrokes, tOut),
         .caption = captionAt(m_captions, tOut),
-        .chapter = chapterAt(m_chapters, tOut),
-        .webcam = std::move(webcam),
-        .motion = motion};
+        .chapter = chapterAt(m_chapters, tOut)};
 }
 
 std::optional<CursorState> FrameSequence::cursor(double tOut, double sourceTime)

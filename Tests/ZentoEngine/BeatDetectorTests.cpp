@@ -145,6 +145,7 @@ TEST(Beats, gridsAreTheSameOnManyThreadsAtOnce)
     std::vector<BeatGrid> grids(6);
     {
         std::vector<std::jthread> threads;
+        threads.reserve(grids.size());
         for (BeatGrid& grid : grids)
             threads.emplace_back([&] { grid = BeatDetector::analyze(track, 44100); });
     }

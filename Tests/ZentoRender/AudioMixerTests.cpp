@@ -72,6 +72,7 @@ TEST(Ducking, isTheMeanOfTheStepsOfTheLastTenthOfASecond)
 {
     test::Random random(1);
     std::vector<DuckPoint> points; // in no order, some at one time
+    points.reserve(12);
     for (int i = 0; i < 12; ++i)
         points.push_back(
             {random.pick(std::array{0.0, 0.03, 0.05, 0.4, 0.41}), random.uniform(-12, 0)});
@@ -243,7 +244,7 @@ TEST_F(AudioMixerTest, effectsSoundAtTheirCueAfterTheTitle)
             ASSERT_NEAR(static_cast<double>(sound.left[at + i]), wanted, 1e-6) << i;
         }
     };
-    expectEffect(AudioMixer::clickSFX(), 0.45, 3 * 44100);
+    expectEffect(AudioMixer::clickSFX(), 0.45, 132300);
     expectEffect(AudioMixer::whooshSFX(), 0.22 * 0.7, 154350);
     expectEffect(AudioMixer::clickSFX(), 0.45 * 0.5, 264159); // cut off by the film's end
     EXPECT_EQ(sound.left, sound.right);

@@ -202,7 +202,7 @@ mix(const EditPlan& plan,
     if (!(samples >= 1))
         return {};
     checkStop(stop);
-    const double titleOffset = plan.titleCard ? plan.titleCard->duration : 0;
+    const double titleOffset = plan.titleCard ? std::fmax(0, plan.titleCard->duration) : 0;
     StereoSound film = silence(samples);
     if (plan.music)
         addMusic(

@@ -57,8 +57,8 @@ std::vector<float> waveform(
     const std::stop_token& stop = {});
 
 /// Writes the mix to `to`: AAC, 256 kbit/s. False, and no file, if there is not a sample to write.
-/// `onProgress`: the share that is encoded; it stays at 0 while the sound is mixed, about a sixth
-/// of the time.
+/// `onProgress`: the share that is encoded; it stays at 0 while the sound is mixed, a tenth
+/// of the time or less.
 bool renderSoundtrack(
     const EditPlan& plan,
     double duration,

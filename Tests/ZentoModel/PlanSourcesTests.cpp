@@ -1,3 +1,4 @@
+#include "TestSupport/Sounds.h"
 #include "TestSupport/TemporaryFolder.h"
 #include "Zento/Model/PlanSources.h"
 #include "ZentoCore/Error.h"
@@ -82,6 +83,20 @@ TEST_F(PlanSources, theStoryIsLeftOutOnRequest)
     EXPECT_TRUE(gathered(settings).semantics.has_value());
     settings.semanticEdit = false;
     EXPECT_FALSE(gathered(settings).semantics.has_value());
+}
+
+TEST_F(PlanSources, musicIsHeardForItsBeatsWithinTheSavedWindow)
+{
+    EXPECT_FALSE(analyzedMusic(m_bundle, {}));
+    test::writeWav(m_bundle.musicURL(), 44100, {test::noise(1, 44100)});
+    const auto music = analyzedMusic(m_bundle, {.musicStart = 3, .musicEnd = 9});
+    ASSERT_TRUE(music);
+    EXPECT_EQ(music->file, m_bundle.musicURL().string());
+    EXPECT_EQ(music->start, 3);
+    EXPECT_EQ(music->end, 9);
+    EXPECT_EQ(music->grid.duration, 1);
+    writeFile(m_bundle.musicURL(), "not a song");
+    EXPECT_THROW(analyzedMusic(m_bundle, {}), Error);
 }
 
 } // namespace

@@ -1,10 +1,13 @@
 #include "TestSupport/NumberedMovie.h"
+#include "TestSupport/Sounds.h"
 #include "TestSupport/TemporaryFolder.h"
 #include "ZentoCore/Error.h"
 #include "ZentoCore/RemapCurve.h"
 #include "ZentoMedia/VideoDecoder.h"
+#include "ZentoRender/AudioMixer.h"
 #include "ZentoRender/FilmFrames.h"
 #include "ZentoRender/OfflineExporter.h"
+#include "ZentoRender/SoundEffects.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -334,6 +337,67 @@ TEST(FilmFramesTest, RoundsCardsAndFloorsTheMainPart)
         const auto bare = filmFrames(plan, RemapCurve({{0, c.mainDuration, 1}}));
         EXPECT_EQ(bare->total(), std::floor(c.mainDuration * c.fps)) << c.name;
     }
+}
+
+TEST_F(OfflineExporterTest, SoundIsHeardWithItsFrame)
+{
+    record();
+    m_plan.timeRemap = {{0, 1, 1}, {2, 4, 1}};
+    m_plan.sfx = {{0.5, "click", 1}, {2.25, "click", 1}};
+    std::vector<OfflineExporter::Progress> progress;
+    exporter().exportFilm(m_film, [&](const auto& p) { progress.push_back(p); });
+
+    EXPECT_THAT(filesIn(m_folder.path()), testing::ElementsAre("a.mp4", "a.zento"));
+    ASSERT_EQ(progress.size(), 180U);
+    EXPECT_EQ(progress.back(), (OfflineExporter::Progress{180, 180}));
+    const auto frames = test::readNumbers(m_film);
+    ASSERT_EQ(frames.size(), 180U);
+    EXPECT_EQ(frames.front(), (test::NumberedFrame{0, 0}));
+    const auto sound = test::readSound(m_film);
+    ASSERT_EQ(sound.size(), 2U);
+    EXPECT_NEAR(static_cast<double>(sound[0].size()), 3 * 44100, 1024);
+    EXPECT_EQ(test::placeOf(AudioMixer::clickSFX(), sound[0], 20000, 24000), 22050U);
+    EXPECT_EQ(test::placeOf(AudioMixer::clickSFX(), sound[1], 97000, 101000), 99225U);
+}
+
+TEST_F(OfflineExporterTest, AFailureOrCancellationOfASoundFilmLeavesNothingBehind)
+{
+    record();
+    std::ofstream(m_film) << "the film before";
+    const auto expectUntouched = [&] {
+        EXPECT_EQ(bytesOf(m_film), "the film before");
+        EXPECT_THAT(filesIn(m_folder.path()), testing::ElementsAre("a.mp4", "a.zento"));
+    };
+    m_plan.music = MusicPlan{.file = "gone.m4a"};
+    EXPECT_THAT(failure(), HasSubstr("gone.m4a"));
+    expectUntouched();
+
+    m_plan.music.reset();
+    m_plan.sfx = {{0.5, "click", 1}};
+    for (const int last : {1, 100, 240}) {
+        std::stop_source stop;
+        try {
+            exporter().exportFilm(
+                m_film,
+                [&](const auto& p) {
+                    if (p.frame == last)
+                        stop.request_stop();
+                },
+                stop.get_token());
+            FAIL() << "not cancelled";
+        } catch (const Error& error) {
+            EXPECT_EQ(error.code(), ErrorCode::kCancelled) << error.what();
+        }
+        expectUntouched();
+    }
+    EXPECT_THROW(
+        exporter().exportFilm(
+            m_film, [](const auto& /*p*/) { throw Error(77, "the caller gives up"); }),
+        Error);
+    expectUntouched();
+    std::filesystem::remove(m_film);
+    std::filesystem::create_directory(m_folder / "a.soundtrack.m4a");
+    EXPECT_THAT(failure(), HasSubstr("a.mp4")) << "named as the user knows it";
 }
 
 } // namespace

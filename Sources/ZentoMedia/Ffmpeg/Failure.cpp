@@ -6,6 +6,7 @@ extern "C" {
 }
 
 #include <array>
+#include <cerrno>
 
 namespace zento::ffmpeg {
 
@@ -18,7 +19,9 @@ constexpr int kLargestErrno = 4095;
 
 Error failure(const std::string& action, const std::filesystem::path& path, int result, int code)
 {
-    if (result < 0 && result >= -kLargestErrno)
+    // The library says EINVAL for whatever it does not like; no file operation of ours can.
+    const bool isSystems = result < 0 && result >= -kLargestErrno && AVUNERROR(result) != EINVAL;
+    if (isSystems)
         return systemError(action, path.string(), AVUNERROR(result));
     std::array<char, AV_ERROR_MAX_STRING_SIZE> text{};
     av_strerror(result, text.data(), text.size());

@@ -45,6 +45,10 @@ void MovieEncoder::begin()
         track.sample_aspect_ratio = m_codec->sample_aspect_ratio;
         // Left alone, the container doubles a timescale until it is 10000 or more.
         options.set("video_track_timescale", m_codec->time_base.den);
+    } else {
+        // What hides a lead-in is kept in ticks of the movie; its usual thousandths would cut off
+        // the last samples.
+        options.set("movie_timescale", m_codec->time_base.den);
     }
     m_file.begin(options);
 }

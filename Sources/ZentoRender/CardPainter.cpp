@@ -81,6 +81,7 @@ void CardPainter::paintPlanes(
             .shadowValue = shadowValues[p]};
         PlaneScaler& scaler = m_scaler.plane(p);
         for (int y = 0; y < rows.canvas.height; ++y) {
+            prefetchRow(rows.canvas, y + 1);
             const SampleRange touched = touchedColumns(rows.card, y, width);
             if (touched.size() <= 0) {
                 paintMargin(rows, y, {0, width});

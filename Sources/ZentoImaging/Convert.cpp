@@ -153,15 +153,13 @@ void convert(const BgraView& source, const YuvPlanes<std::uint16_t>& destination
 {
     assert(destination.y.width == source.width && destination.y.height == source.height);
     assert(destination.cb.width == (source.width + 1) / 2);
-    std::vector<std::int16_t> scratch;
     for (int y = 0; y < source.height; ++y) {
         kernel::convertRowTo422(
             source.data + y * source.stride,
             std::size_t(source.width),
             destination.y.row(y),
             destination.cb.row(y),
-            destination.cr.row(y),
-            scratch);
+            destination.cr.row(y));
     }
 }
 

@@ -112,4 +112,16 @@ void copy(const ConstPictureView& source, const PictureView& destination)
     }
 }
 
+void prefetchRow(const Plane<std::uint8_t>& plane, int y)
+{
+    constexpr int kCacheLine = 64;
+    if (y < 0 || y >= plane.height) {
+        return;
+    }
+    const std::uint8_t* row = plane.row(y);
+    for (int x = 0; x < plane.width; x += kCacheLine) {
+        __builtin_prefetch(row + x, 1);
+    }
+}
+
 } // namespace zento

@@ -113,6 +113,10 @@ private:
 /// Fills the whole picture; `alpha` is not looked at.
 void fill(const PictureView& picture, const Color& color);
 
+/// Has a row fetched into the cache that will soon be drawn: a film's pictures are too large to
+/// stay there, and a store that waits for memory holds up what follows. Nothing for a row outside.
+void prefetchRow(const Plane<std::uint8_t>& plane, int y);
+
 /// Copies a picture of the same layout and size.
 void copy(const ConstPictureView& source, const PictureView& destination);
 

@@ -29,20 +29,20 @@ std::array<PlaneGrid, 3> gridsOf(const ConstPictureView& source)
 
 template <typename Sample>
 void preparePlanes(
-    std::array<PlaneScaler, 3>& scalers,
+    PictureScaler& scaler,
     const Planes<Sample>& source,
     const std::array<PlaneGrid, 3>& grids,
     const PicturePlacement& placement,
     const ConstPictureView& destination,
     const Rect& window)
 {
-    for (std::size_t i = 0; i < 3; ++i) {
+    for (std::size_t i = 0; i < 2; ++i) { // plane 2 is as plane 1
         const PlaneGrid grid = destination.grid(i);
         const auto [x, y] = planePlacement(placement, grids[i], grid);
         const Rect wanted = grid.toPlane(window);
         const Plane<const std::uint8_t>& to = destination.planes[i];
         const bool isHalved = grid != kFullGrid;
-        scalers[i].prepare(
+        scaler.plane(i).prepare(
             source[i].width,
             source[i].height,
             x,
@@ -101,7 +101,7 @@ void PictureScaler::prepare(
     const Rect& window)
 {
     assert(destination.layout == Layout::Yuv420);
-    preparePlanes(m_planes, planesOf(source), gridsOf(source), placement, destination, window);
+    preparePlanes(*this, planesOf(source), gridsOf(source), placement, destination, window);
 }
 
 void PictureScaler::prepare(
@@ -111,7 +111,7 @@ void PictureScaler::prepare(
     const Rect& window)
 {
     assert(destination.layout == Layout::Yuv420);
-    preparePlanes(m_planes, planesOf(source), gridsOf(source), placement, destination, window);
+    preparePlanes(*this, planesOf(source), gridsOf(source), placement, destination, window);
 }
 
 void PictureScaler::prepare(
@@ -121,7 +121,7 @@ void PictureScaler::prepare(
     const Rect& window)
 {
     assert(source.layout == destination.layout);
-    preparePlanes(m_planes, source.planes, gridsOf(source), placement, destination, window);
+    preparePlanes(*this, source.planes, gridsOf(source), placement, destination, window);
 }
 
 void drawScaled(

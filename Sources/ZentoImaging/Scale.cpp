@@ -66,11 +66,12 @@ struct Taps {
 /// Rounds weights so that their sum stays exactly one: flat areas keep their value.
 void quantise(const double* weights, double sum, int count, std::int16_t* out)
 {
+    const double factor = kernel::kOne / sum;
     int total = 0;
     int largest = 0;
     for (int t = 0; t < count; ++t) {
         // Truncation of a positive number, for std::floor is a call on a plain x86-64.
-        const int value = int(weights[t] / sum * kernel::kOne + 65536.5) - 65536;
+        const int value = int(weights[t] * factor + 65536.5) - 65536;
         out[t] = static_cast<std::int16_t>(value);
         total += value;
         largest = weights[t] > weights[largest] ? t : largest;
@@ -113,7 +114,7 @@ void buildTaps(const Axis& axis, Taps& taps)
 constexpr std::size_t kBlock = kernel::WindowTable::kBlock;
 constexpr int kWindow = int(kernel::WindowTable::kWindow);
 
-/// The most that the first taps of eight neighbouring samples lie apart.
+/// The most that the first taps of a block of samples lie apart.
 int widestBlock(const Taps& taps)
 {
     int widest = 0;
@@ -131,16 +132,18 @@ void buildWindows(const Taps& taps, int rowBegin, int spread, kernel::WindowTabl
 {
     const std::size_t count = taps.first.size();
     constexpr std::size_t kPadding = kernel::WindowTable::kPadding;
+    const auto perSample = std::size_t(taps.perSample);
     table.count = count;
     table.padded = (count + kPadding - 1) / kPadding * kPadding;
-    table.group = std::min(taps.perSample, kWindow - spread);
-    table.groups = (taps.perSample + table.group - 1) / table.group;
-    table.firstHalfOnly = spread + table.group <= kWindow / 2;
-    const auto group = std::size_t(table.group);
-    const auto perSample = std::size_t(taps.perSample);
+    const std::size_t wanted = (perSample + 1) / 2;
+    const auto room = [&](int window) { return std::size_t(std::max(0, window - spread)) / 2; };
+    // Half a window is one lookup, a whole one three instructions and more to load.
+    table.firstHalfOnly = room(kWindow / 2) > 0;
+    table.pairs = std::min(wanted, room(table.firstHalfOnly ? kWindow / 2 : kWindow));
+    table.windows = (wanted + table.pairs - 1) / table.pairs;
     table.bases.resize(table.padded / kBlock);
-    table.picks.assign(group * table.padded * 2, 0);
-    table.weights.assign(group * std::size_t(table.groups) * table.padded, 0);
+    table.picks.assign(table.pairs * table.padded * 4, 0);
+    table.weights.assign(table.windows * table.pairs * table.padded * 2, 0);
     for (std::size_t x = 0; x < count; x += kBlock) {
         const std::size_t end = std::min(x + kBlock, count);
         int base = taps.first[x];
@@ -149,15 +152,16 @@ void buildWindows(const Taps& taps, int rowBegin, int spread, kernel::WindowTabl
         }
         table.bases[x / kBlock] = base - rowBegin;
         for (std::size_t i = x; i < end; ++i) {
-            for (std::size_t t = 0; t < group; ++t) {
-                const int byte = 2 * (taps.first[i] - base + int(t));
-                const int pick = byte < 16 ? byte : 0x80 + byte - 16;
-                std::uint8_t* at = &table.picks[(t * table.padded + i) * 2];
-                at[0] = static_cast<std::uint8_t>(pick);
-                at[1] = static_cast<std::uint8_t>(pick + 1);
+            for (std::size_t p = 0; p < table.pairs; ++p) {
+                std::uint8_t* at = &table.picks[(p * table.padded + i) * 4];
+                for (int b = 0; b < 4; ++b) {
+                    const int byte = 2 * (taps.first[i] - base + int(2 * p)) + b;
+                    at[b] = static_cast<std::uint8_t>(byte < 16 ? byte : 0x80 + byte - 16);
+                }
             }
             for (std::size_t t = 0; t < perSample; ++t) {
-                table.weights[t * table.padded + i] = taps.weights[i * perSample + t];
+                table.weights[(t / 2 * table.padded + i) * 2 + t % 2] =
+                    taps.weights[i * perSample + t];
             }
         }
     }
@@ -220,7 +224,7 @@ void PlaneScaler::Plan::prepareColumns()
     sourceBegin = std::clamp(rowBegin, 0, x.sourceSize - 1);
     sourceEnd = std::clamp(rowEnd, sourceBegin + 1, x.sourceSize);
     const int spread = widestBlock(columns);
-    byWindows = spread < kWindow;
+    byWindows = spread + 2 <= kWindow;
     if (byWindows) {
         buildWindows(columns, rowBegin, spread, windows);
     } else {

@@ -97,7 +97,8 @@ struct PicturePlacement {
 std::array<AxisPlacement, 2> planePlacement(
     const PicturePlacement& placement, const PlaneGrid& source, const PlaneGrid& destination);
 
-/// Three `PlaneScaler`s for a decoded picture and one layout of canvas.
+/// The `PlaneScaler`s of a decoded picture and one layout of canvas. Planes of one geometry, such
+/// as the two of chroma, share one.
 ///
 /// Threading: one thread at a time.
 class PictureScaler {
@@ -121,10 +122,12 @@ public:
         const ConstPictureView& destination,
         const Rect& window);
 
-    PlaneScaler& plane(std::size_t index) { return m_planes[index]; }
+    /// Of plane 0, 1 or 2.
+    PlaneScaler& plane(std::size_t index) { return index == 0 ? m_first : m_others; }
 
 private:
-    std::array<PlaneScaler, 3> m_planes;
+    PlaneScaler m_first;
+    PlaneScaler m_others;
 };
 
 /// Prepares and draws in one go, opaquely. A Y'CbCr source needs a Y'CbCr destination.

@@ -89,6 +89,7 @@ void CardPainter::paintPlanes(
         if (!blur.isNone())
             blurredSource = blurred(sourcePlanes[p], scaler, blur, grid);
         for (int y = 0; y < rows.canvas.height; ++y) {
+            prefetchRow(rows.canvas, y + 1);
             const SampleRange touched = touchedColumns(rows.card, y, width);
             if (touched.size() <= 0) {
                 paintMargin(rows, y, {0, width});

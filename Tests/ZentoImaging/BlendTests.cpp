@@ -152,6 +152,20 @@ TEST(Sprites, GlideWithoutJitterAndColourStaysWithLuma)
     }
 }
 
+TEST(Sprites, AreTheSameOnEveryProcessor)
+{
+    std::vector<std::uint8_t> first;
+    forEachTarget([&](const std::string& target) {
+        Picture picture(261, 259, Layout::Yuv420);
+        fill(picture.view(), {0.3, 0.9, 0.7});
+        const Sprite sprite(disc({0.9, 0.2, 0.4, 0.8}), Layout::Yuv420);
+        drawSprite(picture.view(), sprite, {12.3, 4.6}, 0.7, 0.85);
+        const auto samples = samplesOf(picture.view());
+        first = first.empty() ? samples : first;
+        EXPECT_EQ(samples, first) << target;
+    });
+}
+
 TEST(Sprites, AreCutAtTheEdges)
 {
     const Sprite sprite(disc({1, 1, 1, 1}), Layout::Yuv420);

@@ -105,7 +105,7 @@ void expectScaledAsDefined(const ScaleCase& c, int limit)
         scaler.scaleRow(source.view(), row, out.data());
         for (int column = columns.begin; column < columns.end; ++column) {
             const double wanted = reference(source, x, y, c.filter, column, row);
-            ASSERT_NEAR(out[std::size_t(column - columns.begin)], wanted, 0.75)
+            ASSERT_NEAR(out[std::size_t(column - columns.begin)], wanted, 0.70)
                 << c.name << " at " << column << ", " << row;
         }
     }

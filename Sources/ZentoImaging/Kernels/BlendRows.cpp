@@ -1,8 +1,6 @@
 #include "ZentoImaging/Blend.h"
 #include "ZentoImaging/Kernels/Targets.hpp"
 
-#include <cmath>
-
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "ZentoImaging/Kernels/BlendRows.cpp"
 #include <hwy/foreach_target.h>
@@ -175,7 +173,7 @@ void scaleMask(std::uint8_t* mask, std::uint8_t opacity, std::size_t count)
 std::uint8_t opacityByte(double opacity)
 {
     const double limited = opacity > 0 ? (opacity < 1 ? opacity : 1) : 0;
-    return static_cast<std::uint8_t>(std::lround(limited * 255));
+    return static_cast<std::uint8_t>(limited * 255 + 0.5); // std::lround is a call
 }
 
 } // namespace zento

@@ -28,10 +28,6 @@ struct Weights {
     std::int16_t blue;
 };
 
-// 876 / 255 and 896 / 255 of 10 bit: luma times 32, chroma times 16, to leave room for (1 2 1).
-constexpr Weights kLuma10{5983, 20127, 2032};
-constexpr Weights kCb10{-1649, -5547, 7196};
-constexpr Weights kCr10{7196, -6536, -660};
 // 219 / 255 and 224 / 255 of 8 bit, times 128.
 constexpr Weights kLuma8{5983, 20127, 2032};
 constexpr Weights kCb8{-3298, -11094, 14392};
@@ -88,14 +84,6 @@ HWY_INLINE Pixels loadPixels(const std::uint8_t* from)
 {
     return {pair(from), pair(from + 2)};
 }
-HWY_INLINE Pixels loadEven(const std::uint8_t* from)
-{
-    return loadPixels(from);
-}
-HWY_INLINE Pixels loadOdd(const std::uint8_t* from)
-{
-    return loadPixels(from + 4);
-}
 
 #else
 
@@ -109,88 +97,7 @@ HWY_INLINE Pixels loadPixels(const std::uint8_t* from)
     return {hn::ConcatEven(d, high, low), hn::ConcatOdd(d, high, low)};
 }
 
-/// The even ones of twice as many pixels.
-HWY_INLINE Pixels loadEven(const std::uint8_t* from)
-{
-    const Wide d;
-    const Pixels first = loadPixels(from);
-    const Pixels second = loadPixels(from + 4 * hn::Lanes(d));
-    return {
-        hn::ConcatEven(d, second.greenBlue, first.greenBlue),
-        hn::ConcatEven(d, second.alphaRed, first.alphaRed)};
-}
-
-HWY_INLINE Pixels loadOdd(const std::uint8_t* from)
-{
-    const Wide d;
-    const Pixels first = loadPixels(from);
-    const Pixels second = loadPixels(from + 4 * hn::Lanes(d));
-    return {
-        hn::ConcatOdd(d, second.greenBlue, first.greenBlue),
-        hn::ConcatOdd(d, second.alphaRed, first.alphaRed)};
-}
-
 #endif
-
-/// Chroma of the even and odd pixels of a row, before (1 2 1).
-struct ChromaRows {
-    std::int16_t* cbEven;
-    std::int16_t* cbOdd;
-    std::int16_t* crEven;
-    std::int16_t* crOdd;
-};
-
-/// Two vectors of pixels: their luma, and a vector of each kind of chroma at position `half`.
-HWY_INLINE void convertBlock(
-    const std::uint8_t* pixels, std::uint16_t* y, const ChromaRows& chroma, std::size_t half)
-{
-    const Wide d;
-    const hn::RebindToUnsigned<Wide> du;
-    const std::size_t lanes = hn::Lanes(d);
-    const auto lumaOffset = hn::Set(d, 64 * 32 + 16);
-    for (std::size_t i = 0; i < 2; ++i) {
-        const auto luma = weighted(componentsOf(loadPixels(pixels + i * 4 * lanes)), kLuma10);
-        const auto rounded = hn::ShiftRight<5>(hn::Add(luma, lumaOffset));
-        hn::StoreU(hn::BitCast(du, rounded), du, y + i * lanes);
-    }
-    const Components even = componentsOf(loadEven(pixels));
-    hn::StoreU(weighted(even, kCb10), d, chroma.cbEven + half);
-    hn::StoreU(weighted(even, kCr10), d, chroma.crEven + half);
-    const Components odd = componentsOf(loadOdd(pixels));
-    hn::StoreU(weighted(odd, kCb10), d, chroma.cbOdd + half);
-    hn::StoreU(weighted(odd, kCr10), d, chroma.crOdd + half);
-}
-
-/// (odd before + 2 even + odd after) / 4 of the samples from x on; `odd` begins with the one
-/// before.
-template <class D>
-HWY_INLINE std::size_t filterChroma(
-    D d,
-    const std::int16_t* even,
-    const std::int16_t* odd,
-    std::size_t x,
-    std::size_t count,
-    std::uint16_t* out)
-{
-    const hn::RebindToUnsigned<D> du;
-    for (; x + hn::Lanes(d) <= count; x += hn::Lanes(d)) {
-        const auto center = hn::LoadU(d, even + x);
-        const auto sides = hn::Add(hn::LoadU(d, odd + x), hn::LoadU(d, odd + x + 1));
-        const auto sum = hn::Add(sides, hn::Add(center, center));
-        const auto rounded = hn::ShiftRight<6>(hn::Add(sum, hn::Set(d, 32)));
-        hn::StoreU(hn::BitCast(du, hn::Add(rounded, hn::Set(d, 512))), du, out + x);
-    }
-    return x;
-}
-
-HWY_INLINE void
-filterChromaRow(const std::int16_t* even, std::int16_t* odd, std::size_t count, std::uint16_t* out)
-{
-    odd[0] = even[0]; // before the first pixel lies the first pixel
-    std::size_t x = filterChroma(Wide(), even, odd, 0, count, out);
-    x = filterChroma(hn::CappedTag<std::int16_t, 8>(), even, odd, x, count, out);
-    filterChroma(hn::CappedTag<std::int16_t, 1>(), even, odd, x, count, out);
-}
 
 /// The last pixels of a row, followed by its last pixel again.
 void copyRest(const std::uint8_t* pixels, std::size_t count, std::size_t all, std::uint8_t* out)
@@ -199,34 +106,6 @@ void copyRest(const std::uint8_t* pixels, std::size_t count, std::size_t all, st
     for (std::size_t i = count; i < all; ++i) {
         std::memcpy(out + 4 * i, pixels + 4 * (count - 1), 4);
     }
-}
-
-void convertRow422(
-    const std::uint8_t* pixels,
-    std::size_t width,
-    std::uint16_t* y,
-    std::uint16_t* cb,
-    std::uint16_t* cr,
-    std::int16_t* scratch,
-    std::size_t scratchRow)
-{
-    const ChromaRows rows{
-        scratch, scratch + scratchRow + 1, scratch + 2 * scratchRow, scratch + 3 * scratchRow + 1};
-    const std::size_t step = 2 * hn::Lanes(Wide());
-    std::size_t x = 0;
-    for (; x + step <= width; x += step) {
-        convertBlock(pixels + 4 * x, y + x, rows, x / 2);
-    }
-    if (x < width) {
-        std::uint8_t rest[4 * 64];
-        std::uint16_t luma[64];
-        copyRest(pixels + 4 * x, width - x, step, rest);
-        convertBlock(rest, luma, rows, x / 2);
-        std::memcpy(y + x, luma, (width - x) * sizeof(std::uint16_t));
-    }
-    const std::size_t count = (width + 1) / 2;
-    filterChromaRow(rows.cbEven, rows.cbOdd - 1, count, cb);
-    filterChromaRow(rows.crEven, rows.crOdd - 1, count, cr);
 }
 
 /// A plane's value of 7 fraction bits: the weighted colour and alpha's share of the plane's zero.
@@ -306,23 +185,9 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace zento {
 
-HWY_EXPORT(convertRow422);
 HWY_EXPORT(convertRowYuv);
 
 namespace kernel {
-
-void convertRowTo422(
-    const std::uint8_t* pixels,
-    std::size_t width,
-    std::uint16_t* y,
-    std::uint16_t* cb,
-    std::uint16_t* cr,
-    std::vector<std::int16_t>& scratch)
-{
-    const std::size_t row = width / 2 + 66; // the padding of the last block, and one before
-    scratch.resize(4 * row);
-    HWY_DYNAMIC_DISPATCH(convertRow422)(pixels, width, y, cb, cr, scratch.data(), row);
-}
 
 void convertRowToYuv(
     const std::uint8_t* pixels,

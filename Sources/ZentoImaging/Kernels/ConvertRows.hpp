@@ -2,19 +2,17 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 namespace zento::kernel {
 
 /// One row of B, G, R, x pixels to 10-bit 4:2:2. `width` luma and (width + 1) / 2 chroma samples
-/// are written. `scratch` belongs to the caller and is kept from row to row.
+/// are written.
 void convertRowTo422(
     const std::uint8_t* pixels,
     std::size_t width,
     std::uint16_t* y,
     std::uint16_t* cb,
-    std::uint16_t* cr,
-    std::vector<std::int16_t>& scratch);
+    std::uint16_t* cr);
 
 enum class Alpha { Kept, Opaque }; // opaque: what the pixel holds counts as lying over black
 

@@ -2,6 +2,8 @@
 
 #include "ZentoImaging/Kernels/Targets.hpp"
 
+#include <algorithm>
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "ZentoImaging/Kernels/ScaleRows.cpp"
 #include <hwy/foreach_target.h>
@@ -16,6 +18,17 @@ namespace hn = hwy::HWY_NAMESPACE;
 using Wide = hn::CappedTag<std::int16_t, 32>;
 using Eight = hn::CappedTag<std::int16_t, 8>;
 using One = hn::CappedTag<std::int16_t, 1>;
+
+using kernel::WindowTable;
+
+// The product of 14 bits and 14 bits, to 8.
+constexpr int kByteBits = 20;
+constexpr std::int32_t kHalfByte = 1 << (kByteBits - 1);
+
+std::uint8_t roundedByte(std::int32_t sum)
+{
+    return static_cast<std::uint8_t>(std::clamp((sum + kHalfByte) >> kByteBits, 0, 255));
+}
 
 // A sample brought to 15 bits: the product with a 14-bit weight, of which the instruction keeps the
 // upper 16 of 31 bits, then has 14.
@@ -168,32 +181,22 @@ void weightRows14(
 
 #if HWY_TARGET == HWY_SCALAR
 
-void scaleByWindowsOf(
-    const std::int16_t* row,
-    std::size_t count,
-    std::size_t padded,
-    int group,
-    int groups,
-    bool,
-    const std::int32_t* bases,
-    const std::uint8_t* picks,
-    const std::int16_t* weights,
-    std::uint8_t* out)
+void scaleByWindowsOf(const std::int16_t* row, const WindowTable& table, std::uint8_t* out)
 {
-    const One d;
-    for (std::size_t x = 0; x < count; ++x) {
-        auto sum = hn::Zero(d);
-        const std::int16_t* w = weights + x;
-        const std::int16_t* window = row + bases[x / 8];
-        for (int g = 0; g < groups; ++g, window += group) {
-            const std::uint8_t* pick = picks + 2 * x;
-            for (int t = 0; t < group; ++t, pick += 2 * padded, w += padded) {
-                const int byte = (*pick & 0x0f) + (*pick >= 0x80 ? 16 : 0);
-                const auto picked = hn::Set(d, window[byte / 2]);
-                sum = hn::Add(sum, hn::MulFixedPoint15(picked, hn::Set(d, *w)));
+    for (std::size_t x = 0; x < table.count; ++x) {
+        std::int32_t sum = 0;
+        const std::int16_t* w = table.weights.data() + 2 * x;
+        const std::int16_t* window = row + table.bases[x / WindowTable::kBlock];
+        for (std::size_t i = 0; i < table.windows; ++i, window += 2 * table.pairs) {
+            const std::uint8_t* pick = table.picks.data() + 4 * x;
+            for (std::size_t p = 0; p < table.pairs; ++p) {
+                const int first = ((*pick & 0x0f) + (*pick >= 0x80 ? 16 : 0)) / 2;
+                sum += window[first] * w[0] + window[first + 1] * w[1];
+                pick += 4 * table.padded;
+                w += 2 * table.padded;
             }
         }
-        storeRow(d, sum, out + x);
+        out[x] = roundedByte(sum);
     }
 }
 
@@ -207,6 +210,9 @@ std::int32_t dotProduct(const std::int16_t* a, const std::int16_t* b, std::size_
 }
 
 #else
+
+using Sums = hn::CappedTag<std::int32_t, 16>;
+using Samples = hn::Repartition<std::int16_t, Sums>;
 
 /// One block of 16 bytes per base, side by side.
 template <class D>
@@ -226,69 +232,93 @@ loadBlocks([[maybe_unused]] D d, const std::int16_t* row, const std::int32_t* ba
 enum class Halves { First, Both };
 
 template <Halves kHalves>
+struct Window {
+    hn::Vec<hn::Repartition<std::uint8_t, Sums>> first;
+    hn::Vec<hn::Repartition<std::uint8_t, Sums>> second;
+
+    HWY_INLINE Window(const std::int16_t* row, const std::int32_t* bases)
+    {
+        const Samples d;
+        const hn::Repartition<std::uint8_t, Sums> bytes;
+        first = hn::BitCast(bytes, loadBlocks(d, row, bases));
+        second =
+            kHalves == Halves::Both ? hn::BitCast(bytes, loadBlocks(d, row + 8, bases)) : first;
+    }
+
+    HWY_INLINE hn::Vec<Samples> pick(const std::uint8_t* names) const
+    {
+        const Samples d;
+        const hn::Repartition<std::uint8_t, Sums> bytes;
+        const auto index = hn::LoadU(bytes, names);
+        auto picked = hn::TableLookupBytesOr0(first, index);
+        if constexpr (kHalves == Halves::Both) {
+            const auto other = hn::Xor(index, hn::Set(bytes, 0x80));
+            picked = hn::Or(picked, hn::TableLookupBytesOr0(second, other));
+        }
+        return hn::BitCast(d, picked);
+    }
+};
+
+/// The sums of a vector of outputs, from x on.
+template <Halves kHalves>
+HWY_INLINE hn::Vec<Sums> sumWindows(
+    const std::int16_t* row,
+    const WindowTable& table,
+    std::size_t windows,
+    std::size_t pairs,
+    std::size_t x)
+{
+    const Sums d;
+    const Samples d16;
+    const std::int32_t* bases = table.bases.data() + x / WindowTable::kBlock;
+    const std::int16_t* w = table.weights.data() + 2 * x;
+    auto sum = hn::Set(d, kHalfByte);
+    auto rest = hn::Zero(d);
+    for (std::size_t i = 0; i < windows; ++i, row += 2 * pairs) {
+        const Window<kHalves> window(row, bases);
+        const std::uint8_t* names = table.picks.data() + 4 * x;
+        for (std::size_t p = 0; p < pairs; ++p) {
+            sum =
+                hn::ReorderWidenMulAccumulate(d, window.pick(names), hn::LoadU(d16, w), sum, rest);
+            names += 4 * table.padded;
+            w += 2 * table.padded;
+        }
+    }
+    return hn::ShiftRight<kByteBits>(hn::RearrangeToOddPlusEven(sum, rest));
+}
+
+template <Halves kHalves>
 HWY_INLINE void scaleWindows(
     const std::int16_t* row,
-    std::size_t count,
-    std::size_t padded,
-    int group,
-    int groups,
-    const std::int32_t* bases,
-    const std::uint8_t* picks,
-    const std::int16_t* weights,
+    const WindowTable& table,
+    std::size_t windows,
+    std::size_t pairs,
     std::uint8_t* out)
 {
-    const Wide d;
-    const hn::Repartition<std::uint8_t, Wide> bytes;
+    const Sums d;
+    const hn::Rebind<std::uint8_t, Sums> bytes;
     const std::size_t lanes = hn::Lanes(d);
-    const auto otherHalf = hn::Set(bytes, 0x80);
-    HWY_ALIGN std::uint8_t rest[64];
-    for (std::size_t x = 0; x < count; x += lanes) {
-        auto sum = hn::Zero(d);
-        const std::int16_t* w = weights + x;
-        const std::int16_t* window = row;
-        for (int g = 0; g < groups; ++g, window += group) {
-            const auto first = hn::BitCast(bytes, loadBlocks(d, window, bases + x / 8));
-            const auto second = kHalves == Halves::Both
-                                    ? hn::BitCast(bytes, loadBlocks(d, window + 8, bases + x / 8))
-                                    : first;
-            const std::uint8_t* pick = picks + 2 * x;
-            for (int t = 0; t < group; ++t, pick += 2 * padded, w += padded) {
-                const auto index = hn::LoadU(bytes, pick);
-                auto picked = hn::TableLookupBytesOr0(first, index);
-                if constexpr (kHalves == Halves::Both) {
-                    picked =
-                        hn::Or(picked, hn::TableLookupBytesOr0(second, hn::Xor(index, otherHalf)));
-                }
-                sum = hn::Add(sum, hn::MulFixedPoint15(hn::BitCast(d, picked), hn::LoadU(d, w)));
-            }
-        }
-        if (x + lanes <= count) {
-            storeRow(d, sum, out + x);
-        } else {
-            storeRow(d, sum, rest);
-            for (std::size_t i = x; i < count; ++i) {
-                out[i] = rest[i - x];
-            }
-        }
+    std::size_t x = 0;
+    for (; x + lanes <= table.count; x += lanes) {
+        const auto sums = sumWindows<kHalves>(row, table, windows, pairs, x);
+        hn::StoreU(hn::DemoteTo(bytes, sums), bytes, out + x);
+    }
+    if (x < table.count) {
+        std::uint8_t rest[16];
+        const auto sums = sumWindows<kHalves>(row, table, windows, pairs, x);
+        hn::StoreU(hn::DemoteTo(bytes, sums), bytes, rest);
+        std::copy_n(rest, table.count - x, out + x);
     }
 }
 
-void scaleByWindowsOf(
-    const std::int16_t* row,
-    std::size_t count,
-    std::size_t padded,
-    int group,
-    int groups,
-    bool firstHalfOnly,
-    const std::int32_t* bases,
-    const std::uint8_t* picks,
-    const std::int16_t* weights,
-    std::uint8_t* out)
+void scaleByWindowsOf(const std::int16_t* row, const WindowTable& table, std::uint8_t* out)
 {
-    if (firstHalfOnly) {
-        scaleWindows<Halves::First>(row, count, padded, group, groups, bases, picks, weights, out);
+    if (!table.firstHalfOnly) {
+        scaleWindows<Halves::Both>(row, table, table.windows, table.pairs, out);
+    } else if (table.windows == 1 && table.pairs == 2) { // Catmull-Rom: nearly every frame
+        scaleWindows<Halves::First>(row, table, 1, 2, out);
     } else {
-        scaleWindows<Halves::Both>(row, count, padded, group, groups, bases, picks, weights, out);
+        scaleWindows<Halves::First>(row, table, table.windows, table.pairs, out);
     }
 }
 
@@ -317,8 +347,7 @@ void scaleByDotsOf(
 {
     for (std::size_t x = 0; x < count; ++x, weights += taps) {
         const std::int32_t total = dotProduct(row + firsts[x], weights, taps);
-        const std::int32_t value = (total + (1 << 19)) >> 20;
-        out[x] = static_cast<std::uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
+        out[x] = roundedByte(total);
     }
 }
 
@@ -380,17 +409,7 @@ void weightRowsToBytes(
 
 void scaleByWindows(const std::int16_t* row, const WindowTable& table, std::uint8_t* out)
 {
-    HWY_DYNAMIC_DISPATCH(scaleByWindowsOf)
-    (row,
-     table.count,
-     table.padded,
-     table.group,
-     table.groups,
-     table.firstHalfOnly,
-     table.bases.data(),
-     table.picks.data(),
-     table.weights.data(),
-     out);
+    HWY_DYNAMIC_DISPATCH(scaleByWindowsOf)(row, table, out);
 }
 
 void scaleByDots(const std::int16_t* row, const DotTable& table, std::uint8_t* out)

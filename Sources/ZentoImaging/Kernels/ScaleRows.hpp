@@ -41,26 +41,26 @@ void weightRowsToBytes(
     std::size_t count,
     std::uint8_t* out);
 
-/// A horizontal pass by table lookup. Outputs go in blocks of eight; a block reads windows of 16
-/// samples, `group` taps from each. For tap t of a group, output x picks from its window the sample
-/// whose bytes are named at picks[(t * padded + x) * 2]: below 16 in the first half, 0x80 + n in
-/// the second.
+/// A horizontal pass by table lookup. Outputs go in blocks of four; a block reads windows of 16
+/// samples, `pairs` pairs of neighbouring taps from each. For pair p of a window, output x picks
+/// from it the four bytes named at picks[(p * padded + x) * 4]: below 16 in the first half,
+/// 0x80 + n in the second. Sums are exact and rounded once, as those of dot products are.
 struct WindowTable {
-    static constexpr std::size_t kBlock = 8;
+    static constexpr std::size_t kBlock = 4;
     static constexpr std::size_t kWindow = 16;
-    static constexpr std::size_t kPadding = 32; // outputs are padded to the widest vector
+    static constexpr std::size_t kPadding = 16; // outputs are padded to the widest vector
 
-    std::size_t count = 0;  // outputs
-    std::size_t padded = 0; // a multiple of kPadding
-    int group = 0;          // taps a window serves
-    int groups = 0;
+    std::size_t count = 0;             // outputs
+    std::size_t padded = 0;            // a multiple of kPadding
+    std::size_t pairs = 0;             // that a window serves
+    std::size_t windows = 0;           // of a block, each 2 * pairs samples on
     bool firstHalfOnly = false;        // no pick lies in the second half
     std::vector<std::int32_t> bases;   // [padded / kBlock]: first sample of the first window
-    std::vector<std::uint8_t> picks;   // [group][padded * 2]
-    std::vector<std::int16_t> weights; // [group * groups][padded]
+    std::vector<std::uint8_t> picks;   // [pairs][padded * 4]
+    std::vector<std::int16_t> weights; // [windows * pairs][padded * 2]
 };
 
-/// Reads up to kWindow + group * groups samples from the last base on.
+/// Reads up to kWindow + 2 * windows * pairs samples from the last base on.
 void scaleByWindows(const std::int16_t* row, const WindowTable& table, std::uint8_t* out);
 
 /// A horizontal pass by dot products, for reductions so strong that windows do not reach.

@@ -124,16 +124,6 @@ void encode(
     }
 }
 
-/// The same error about the film under the name the user gave it.
-Error renamed(
-    const Error& error, const std::filesystem::path& part, const std::filesystem::path& film)
-{
-    std::string sentence = error.what();
-    if (const auto place = sentence.find(part.string()); place != std::string::npos)
-        sentence.replace(place, part.string().size(), film.string());
-    return {error.domain(), error.code(), sentence};
-}
-
 /// Runs a stage on a thread of its own. Its failure ends all stages and waits in the future.
 template <typename Stage, typename Abandon>
 std::future<void> startStage(const char* name, Stage stage, Abandon abandon)
@@ -169,7 +159,7 @@ void OfflineExporter::exportFilm(
     try {
         writeFilm(part.path(), curve, total, onProgress, stop);
     } catch (const Error& error) {
-        throw renamed(error, part.path(), to);
+        throw part.aboutTarget(error);
     }
     part.renameToTarget();
 }

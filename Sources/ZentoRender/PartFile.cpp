@@ -1,7 +1,6 @@
 #include "ZentoRender/PartFile.h"
 
-#include "ZentoCore/Error.h"
-
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -20,6 +19,14 @@ PartFile::~PartFile()
 {
     std::error_code ignored;
     std::filesystem::remove(m_path, ignored); // nothing is there after the renaming
+}
+
+Error PartFile::aboutTarget(const Error& error) const
+{
+    std::string sentence = error.what();
+    if (const auto place = sentence.find(m_path.string()); place != std::string::npos)
+        sentence.replace(place, m_path.string().size(), m_target.string());
+    return {error.domain(), error.code(), sentence};
 }
 
 void PartFile::renameToTarget()

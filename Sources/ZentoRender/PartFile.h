@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ZentoCore/Error.h"
+
 #include <filesystem>
 
 namespace zento {
@@ -14,6 +16,9 @@ public:
     PartFile& operator=(const PartFile&) = delete;
 
     const std::filesystem::path& path() const { return m_path; }
+
+    /// An error about this file as one about the target, whose name the user gave.
+    Error aboutTarget(const Error& error) const;
 
     /// Replaces the target. The file must be complete and closed. Throws `Error`.
     void renameToTarget();

@@ -7,6 +7,8 @@
 #include "ZentoImaging/Shapes.h"
 #include "ZentoMedia/VideoFrame.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -24,15 +26,25 @@ public:
     /// The background has the size and the layout of the canvas.
     CardPainter(Picture background, const StyleSpec& style);
 
-    /// Draws every sample of the canvas. `card` is where the whole of `source` goes, in pixels.
+    /// Draws every sample of the canvas. `card` is where the whole of `source` goes, in pixels. A
+    /// picture has the layout of the canvas.
     void paint(const VideoFrame& source, const Rect& card, const PictureView& canvas);
+    void paint(const ConstPictureView& source, const Rect& card, const PictureView& canvas);
+
+    /// Draws what lies below a card: the background and the shadow, also where the card would hide
+    /// them.
+    void paintBelow(const Rect& card, const PictureView& canvas);
 
 private:
     struct PlaneRows;
 
     template <typename Sample>
-    void
-    paintPlanes(const YuvPlanes<const Sample>& source, const Rect& card, const PictureView& canvas);
+    using Planes = std::array<Plane<const Sample>, 3>;
+
+    /// `m_scaler` is prepared for these planes.
+    template <typename Sample>
+    void paintPlanes(const Planes<Sample>& source, const Rect& card, const PictureView& canvas);
+    PlaneRows planeRows(std::size_t plane, const Rect& card, const PictureView& canvas);
     /// `touched`: the samples the card touches. `firstScaled`: the sample m_scaledRow begins with.
     void paintCardRow(const PlaneRows& rows, int y, SampleRange touched, int firstScaled);
     void paintMargin(const PlaneRows& rows, int y, SampleRange columns);

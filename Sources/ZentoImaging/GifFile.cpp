@@ -99,7 +99,7 @@ struct GifFile::State {
     }
 
     /// The extension that makes an animation begin anew, for ever.
-    int putLoop()
+    int putLoop() const
     {
         constexpr std::array<GifByteType, 3> kForEver{1, 0, 0};
         const bool done =
@@ -111,7 +111,7 @@ struct GifFile::State {
         return done ? GIF_OK : GIF_ERROR;
     }
 
-    int putControl(const GifFrame& frame)
+    int putControl(const GifFrame& frame) const
     {
         const GraphicsControlBlock control{
             .DisposalMode = kDoNotDispose,
@@ -126,7 +126,7 @@ struct GifFile::State {
     }
 
     /// In blocks of up to 255 bytes, their length before them; none ends the image.
-    int putImage(const LzwImage& image)
+    int putImage(const LzwImage& image) const
     {
         int codeSize = 0;
         std::array<GifByteType, 256> block{};

@@ -30,65 +30,72 @@ std::size_t count(int width, int height)
     return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
 }
 
+std::vector<PackedRgb> packed(const ConstPictureView& picture)
+{
+    assert(picture.layout == Layout::Rgb);
+    std::vector<PackedRgb> pixels;
+    pixels.reserve(count(picture.width, picture.height));
+    for (int y = 0; y < picture.height; ++y) {
+        const std::uint8_t* red = picture.planes[0].row(y);
+        const std::uint8_t* green = picture.planes[1].row(y);
+        const std::uint8_t* blue = picture.planes[2].row(y);
+        for (int x = 0; x < picture.width; ++x) {
+            pixels.push_back(packRgb(red[x], green[x], blue[x]));
+        }
+    }
+    return pixels;
+}
+
+double meanError(std::span<const PackedRgb> pixels, ColorTable& table)
+{
+    double sum = 0;
+    for (const PackedRgb color : pixels) {
+        sum += colorDistance(color, table.color(table.nearest(color)));
+    }
+    return sum / static_cast<double>(std::max<std::size_t>(pixels.size(), 1));
+}
+
 } // namespace
 
-GifWriter::GifWriter(std::filesystem::path path, int width, int height)
-    : m_path(std::move(path))
-    , m_width(width)
-    , m_height(height)
-    , m_picture(count(width, height))
-    , m_source(count(width, height))
-    , m_shown(count(width, height))
+GifWriter::GifWriter(const std::filesystem::path& path, const ConstPictureView& first, int delay)
+    : m_width(first.width)
+    , m_height(first.height)
+    , m_picture(packed(first))
+    , m_source(m_picture.size())
+    , m_shown(m_picture.size())
+    , m_tables{ColorTable(choosePalette(m_picture, kColors))}
+    , m_file(path, m_width, m_height, m_tables.front().colors())
+    , m_waiting(frameOf({0, 0, m_width, m_height}, m_tables.front(), Draw::Everything, delay))
 {
 }
 
 void GifWriter::append(const ConstPictureView& picture, int delay)
 {
-    assert(picture.layout == Layout::Rgb);
     assert(picture.width == m_width && picture.height == m_height);
-    read(picture);
-    if (!m_file) {
-        m_table.emplace(choosePalette(m_picture, kColors));
-        m_file.emplace(m_path, m_width, m_height, m_table->colors());
-        show({0, 0, m_width, m_height}, delay);
-        return;
+    m_picture = packed(picture);
+    Area area = changedArea();
+    if (area.isEmpty()) {
+        if (m_waiting.delay + delay <= kLongestDelay) {
+            m_waiting.delay += delay;
+            return;
+        }
+        area = {0, 0, 1, 1}; // a still goes on in a frame of its own, which must hold something
     }
-    const Area area = changedArea();
-    if (area.isEmpty() && m_waiting->delay + delay <= kLongestDelay) {
-        m_waiting->delay += delay;
-        return;
-    }
-    flush();
-    // A second frame of a long still: something must be drawn.
-    show(area.isEmpty() ? Area{0, 0, 1, 1} : area, delay);
+    m_file.add(m_waiting);
+    m_waiting = frameOf(area, tableFor(changedPixels(area)), Draw::WhatChanged, delay);
 }
 
 void GifWriter::finish()
 {
-    assert(m_file);
-    flush();
-    m_file->finish();
-}
-
-void GifWriter::read(const ConstPictureView& picture)
-{
-    auto to = m_picture.begin();
-    for (int y = 0; y < m_height; ++y) {
-        const std::uint8_t* red = picture.planes[0].row(y);
-        const std::uint8_t* green = picture.planes[1].row(y);
-        const std::uint8_t* blue = picture.planes[2].row(y);
-        for (int x = 0; x < m_width; ++x) {
-            *to++ = packRgb(red[x], green[x], blue[x]);
-        }
-    }
+    m_file.add(m_waiting);
+    m_file.finish();
 }
 
 bool GifWriter::mayStay(std::size_t pixel) const
 {
     const PackedRgb color = m_picture[pixel];
-    return m_waiting
-           && (color == m_source[pixel] || largestDifference(color, m_source[pixel]) <= kNoise
-               || colorDistance(color, m_shown[pixel]) <= kTolerance);
+    return color == m_source[pixel] || largestDifference(color, m_source[pixel]) <= kNoise
+           || colorDistance(color, m_shown[pixel]) <= kTolerance;
 }
 
 GifWriter::Area GifWriter::changedArea() const
@@ -131,44 +138,38 @@ std::vector<PackedRgb> GifWriter::changedPixels(const Area& area) const
     return pixels;
 }
 
-double GifWriter::errorOf(std::span<const PackedRgb> pixels, ColorTable& table)
+/// The first table that is good enough, or a new one in the second place.
+ColorTable& GifWriter::tableFor(std::span<const PackedRgb> pixels)
 {
-    double sum = 0;
-    for (const PackedRgb color : pixels) {
-        sum += colorDistance(color, table.color(table.nearest(color)));
+    for (ColorTable& table : m_tables) {
+        if (meanError(pixels, table) <= kGoodEnough) {
+            return table;
+        }
     }
-    return sum / static_cast<double>(std::max<std::size_t>(pixels.size(), 1));
+    m_tables.erase(m_tables.begin() + 1, m_tables.end());
+    return m_tables.emplace_back(choosePalette(pixels, kColors));
 }
 
-void GifWriter::show(const Area& area, int delay)
-{
-    const std::vector<PackedRgb> pixels = changedPixels(area);
-    const bool isGood = errorOf(pixels, *m_table) <= kGoodEnough;
-    if (!isGood && (!m_ownTable || errorOf(pixels, *m_ownTable) > kGoodEnough)) {
-        m_ownTable.emplace(choosePalette(pixels, kColors));
-    }
-    m_waiting = frameOf(area, isGood ? *m_table : *m_ownTable);
-    if (!isGood) {
-        m_waiting->palette.assign(m_ownTable->colors().begin(), m_ownTable->colors().end());
-    }
-    m_waiting->delay = delay;
-}
-
-GifFrame GifWriter::frameOf(const Area& area, ColorTable& table)
+GifFrame GifWriter::frameOf(const Area& area, ColorTable& table, Draw draw, int delay)
 {
     const LzwPalette palette{.colors = table.colors(), .tolerance = kTolerance};
     std::vector<LzwPixel> pixels;
     pixels.reserve(count(area.right - area.left, area.bottom - area.top));
     forEachPixel(area, [&](std::size_t pixel) {
         const PackedRgb color = m_picture[pixel];
-        pixels.push_back({color, table.nearest(color), mayStay(pixel)});
+        const bool stays = draw == Draw::WhatChanged && mayStay(pixel);
+        pixels.push_back({color, table.nearest(color), stays});
     });
     GifFrame frame{
         .x = area.left,
         .y = area.top,
         .width = area.right - area.left,
         .height = area.bottom - area.top,
-        .image = compressLzw(pixels, palette)};
+        .image = compressLzw(pixels, palette),
+        .delay = delay};
+    if (&table != &m_tables.front()) {
+        frame.palette.assign(table.colors().begin(), table.colors().end());
+    }
     auto index = frame.image.indices.begin();
     forEachPixel(area, [&](std::size_t pixel) {
         if (*index != palette.unchanged()) {
@@ -178,11 +179,6 @@ GifFrame GifWriter::frameOf(const Area& area, ColorTable& table)
         ++index;
     });
     return frame;
-}
-
-void GifWriter::flush()
-{
-    m_file->add(*m_waiting);
 }
 
 } // namespace zento

@@ -4,8 +4,9 @@
 #include "ZentoImaging/Palette.h"
 #include "ZentoImaging/Picture.h"
 
+#include <cstddef>
 #include <filesystem>
-#include <optional>
+#include <span>
 #include <vector>
 
 namespace zento {
@@ -22,14 +23,14 @@ namespace zento {
 /// Errors: those of `GifFile`.
 class GifWriter {
 public:
-    /// Creates the file. Sides are [1, 65535] pixels.
-    GifWriter(std::filesystem::path path, int width, int height);
+    /// Creates the file. `first` is of `Layout::Rgb`, its sides [1, 65535] pixels, and is shown for
+    /// `delay` hundredths of a second, [1, 65535].
+    GifWriter(const std::filesystem::path& path, const ConstPictureView& first, int delay);
 
-    /// A picture of `Layout::Rgb` and the size given, shown for `delay` hundredths of a second,
-    /// [1, 65535].
+    /// A picture of the same layout and size.
     void append(const ConstPictureView& picture, int delay);
 
-    /// Completes and closes the file; at least one picture has been appended.
+    /// Completes and closes the file. To be called once.
     void finish();
 
 private:
@@ -40,28 +41,24 @@ private:
         int bottom = 0;
         bool isEmpty() const { return right <= left; }
     };
+    enum class Draw { Everything, WhatChanged };
 
-    void read(const ConstPictureView& picture);
     Area changedArea() const;
     bool mayStay(std::size_t pixel) const;
     template <typename Visit>
     void forEachPixel(const Area& area, Visit visit) const;
-    void show(const Area& area, int delay);
     std::vector<PackedRgb> changedPixels(const Area& area) const;
-    double errorOf(std::span<const PackedRgb> pixels, ColorTable& table);
-    GifFrame frameOf(const Area& area, ColorTable& table);
-    void flush();
+    ColorTable& tableFor(std::span<const PackedRgb> pixels);
+    GifFrame frameOf(const Area& area, ColorTable& table, Draw draw, int delay);
 
-    std::filesystem::path m_path;
     int m_width;
     int m_height;
-    std::optional<GifFile> m_file; // from the first picture on, whose palette it has
-    std::optional<ColorTable> m_table;
-    std::optional<ColorTable> m_ownTable; // of the last frame that needed one
-    std::optional<GifFrame> m_waiting;    // may yet be shown for longer
-    std::vector<PackedRgb> m_picture;     // the one being appended
-    std::vector<PackedRgb> m_source;      // of each pixel, what it was last written from
-    std::vector<PackedRgb> m_shown;       // and as what
+    std::vector<PackedRgb> m_picture;  // the one being appended
+    std::vector<PackedRgb> m_source;   // of each pixel, what it was last written from
+    std::vector<PackedRgb> m_shown;    // and as what
+    std::vector<ColorTable> m_tables;  // the animation's, and of the last frame with one of its own
+    GifFile m_file;
+    GifFrame m_waiting; // may yet be shown for longer
 };
 
 } // namespace zento

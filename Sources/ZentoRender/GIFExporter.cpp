@@ -72,9 +72,9 @@ Picture gifPicture(const VideoFrame& frame, VideoSize size)
                                  : toRgb(frame.planes10(), size.width, size.height);
 }
 
-/// Gives the frames that are due to `show`, with what each is shown for. Returns their number.
+/// Gives the frames that are due to `show`, with what each is shown for.
 template <typename Show>
-int sample(
+void sample(
     VideoDecoder& film,
     double fps,
     const ProgressCallback& onProgress,
@@ -85,7 +85,7 @@ int sample(
     int ticks = 0;
     while (auto frame = film.next()) {
         if (stop.stop_requested())
-            return ticks;
+            return;
         if (frame->time() + kRoundingAllowance < ticks / fps)
             continue; // too early
         show(*frame, hundredths(ticks + 1, fps) - hundredths(ticks, fps));
@@ -93,7 +93,6 @@ int sample(
         if (onProgress && duration > 0)
             onProgress(std::clamp(frame->time() / duration, 0.0, 1.0));
     }
-    return ticks;
 }
 
 } // namespace
@@ -116,15 +115,16 @@ void exportGif(
     PartFile part(to);
     std::optional<GifWriter> writer; // made with the first frame: without one, nothing is created
     try {
-        const int frames =
-            sample(film, fps, onProgress, stop, [&](const VideoFrame& frame, int delay) {
-                if (!writer)
-                    writer.emplace(part.path(), size.width, size.height);
-                writer->append(gifPicture(frame, size).view(), delay);
-            });
+        sample(film, fps, onProgress, stop, [&](const VideoFrame& frame, int delay) {
+            const Picture picture = gifPicture(frame, size);
+            if (writer)
+                writer->append(picture.view(), delay);
+            else
+                writer.emplace(part.path(), picture.view(), delay);
+        });
         if (stop.stop_requested())
             throw Error(ErrorCode::kCancelled, to.string() + " was cancelled");
-        if (frames == 0)
+        if (!writer)
             throw Error(ErrorCode::kGifNoFrames, video.string() + ": no frames to export");
         writer->finish();
     } catch (const Error& error) {

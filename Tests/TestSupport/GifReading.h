@@ -24,6 +24,7 @@ struct ReadGif {
     bool playsForEver = false;
     std::vector<ShownGifFrame> frames;
 
+    std::uint32_t pixel(const ShownGifFrame& frame, int x, int y) const;
     int duration() const; // hundredths of a second
 };
 

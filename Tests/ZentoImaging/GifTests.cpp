@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <set>
 
@@ -80,10 +81,8 @@ TEST(Lzw, DecodesToIndicesThatShowEveryPixel)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         Random random(7);
-        std::vector<PackedRgb> colors;
-        for (std::size_t i = 0; i < c.colors; ++i) {
-            colors.push_back(anyColor(random));
-        }
+        std::vector<PackedRgb> colors(c.colors);
+        std::ranges::generate(colors, [&] { return anyColor(random); });
         ColorTable table(colors);
         std::vector<LzwPixel> pixels;
         for (int i = 0; i < c.pixels; ++i) {
@@ -111,14 +110,12 @@ TEST(Lzw, DecodesToIndicesThatShowEveryPixel)
 TEST(Lzw, FreedomMakesNoiseSmall)
 {
     Random random(3);
-    std::vector<PackedRgb> colors;
-    std::vector<LzwPixel> pixels;
-    for (std::uint32_t i = 0; i < 255; ++i) {
-        colors.push_back(gray(i));
-    }
-    for (int i = 0; i < 40000; ++i) {
-        const auto level = static_cast<std::uint8_t>(120 + random.below(4));
-        pixels.push_back({gray(level), level, false});
+    std::vector<PackedRgb> colors(255);
+    std::ranges::generate(colors, [level = 0U]() mutable { return gray(level++); });
+    std::vector<LzwPixel> pixels(40000);
+    for (LzwPixel& pixel : pixels) {
+        pixel.nearest = static_cast<std::uint8_t>(120 + random.below(4));
+        pixel.color = gray(pixel.nearest);
     }
     const std::size_t strict = compressLzw(pixels, {.colors = colors}).bytes.size();
     const std::size_t free = compressLzw(pixels, {.colors = colors, .tolerance = 40}).bytes.size();
@@ -128,14 +125,26 @@ TEST(Lzw, FreedomMakesNoiseSmall)
 TEST(PaletteTest, KeepsEveryColourWhereThereIsRoom)
 {
     Random random(5);
-    std::vector<PackedRgb> pixels;
-    for (int i = 0; i < 5000; ++i) {
-        pixels.push_back(gray(static_cast<std::uint32_t>(random.below(25) * 10)));
-    }
+    std::vector<PackedRgb> pixels(5000);
+    std::ranges::generate(
+        pixels, [&] { return gray(static_cast<std::uint32_t>(random.below(25) * 10)); });
     const std::vector<PackedRgb> few = choosePalette(pixels, 255);
     EXPECT_EQ(std::set(few.begin(), few.end()), std::set(pixels.begin(), pixels.end()));
     EXPECT_EQ(few.size(), 25U);
     EXPECT_LE(choosePalette(pixels, 9).size(), 9U);
+}
+
+/// `delay`: of each picture, by its number.
+void write(
+    const std::filesystem::path& path,
+    std::span<const Picture> pictures,
+    const std::function<int(std::size_t)>& delay)
+{
+    GifWriter writer(path, pictures[0].view(), delay(0));
+    for (std::size_t i = 1; i < pictures.size(); ++i) {
+        writer.append(pictures[i].view(), delay(i));
+    }
+    writer.finish();
 }
 
 /// A dot of 6 pixels that moves over slow waves with an encoder's noise of one level.
@@ -157,7 +166,7 @@ void expectShows(const test::ShownGifFrame& frame, const Picture& picture)
 {
     for (int y = 0; y < kHeight; ++y) {
         for (int x = 0; x < kWidth; ++x) {
-            const std::uint32_t shown = frame.pixels[static_cast<std::size_t>(y * kWidth + x)];
+            const std::uint32_t shown = frame.pixels[static_cast<std::size_t>(y) * kWidth + static_cast<std::size_t>(x)];
             const PackedRgb wanted = packRgb(
                 picture.plane(0).row(y)[x], picture.plane(1).row(y)[x], picture.plane(2).row(y)[x]);
             // A level of noise, and up to 2.8 of another colour that will do.
@@ -170,13 +179,11 @@ TEST(GifWriterTest, ShowsEveryPictureAndTouchesOnlyWhatChanges)
 {
     constexpr int kSteps = 12;
     const TemporaryFolder folder;
-    GifWriter writer(folder / "a.gif", kWidth, kHeight);
     std::vector<Picture> pictures;
     for (int step = 0; step < kSteps; ++step) {
         pictures.push_back(drawn(kWidth, kHeight, scene(step)));
-        writer.append(pictures.back().view(), 8 + step);
     }
-    writer.finish();
+    write(folder / "a.gif", pictures, [](std::size_t i) { return 8 + static_cast<int>(i); });
 
     const test::ReadGif gif = readGif(folder / "a.gif");
     EXPECT_TRUE(gif.playsForEver);
@@ -208,11 +215,11 @@ TEST(GifWriterTest, DriftIsFollowed)
 {
     // One level every picture: each is within the noise of the one before.
     const TemporaryFolder folder;
-    GifWriter writer(folder / "a.gif", 20, 10);
+    std::vector<Picture> pictures;
     for (std::uint32_t level = 50; level < 120; ++level) {
-        writer.append(drawn(20, 10, [&](int, int) { return gray(level); }).view(), 4);
+        pictures.push_back(drawn(20, 10, [&](int, int) { return gray(level); }));
     }
-    writer.finish();
+    write(folder / "a.gif", pictures, [](std::size_t) { return 4; });
     const test::ReadGif gif = readGif(folder / "a.gif");
     EXPECT_LE(largestDifference(gif.frames.back().pixels[0], gray(119)), 3);
     EXPECT_EQ(gif.duration(), 4 * 70);
@@ -224,8 +231,8 @@ TEST(GifWriterTest, EqualPicturesBecomeOneThatLastsAsLong)
     const Picture first =
         drawn(9, 7, [](int x, int) { return gray(static_cast<std::uint32_t>(x)); });
     const Picture second = drawn(9, 7, [](int, int) { return gray(200); });
-    GifWriter writer(folder / "a.gif", 9, 7);
-    for (int i = 0; i < 5; ++i) {
+    GifWriter writer(folder / "a.gif", first.view(), 9);
+    for (int i = 1; i < 5; ++i) {
         writer.append(first.view(), 9);
     }
     writer.append(second.view(), 7);
@@ -248,11 +255,11 @@ TEST(GifWriterTest, ASceneOfOtherColoursIsShownInThem)
     const Drawing blues = [](int x, int y) {
         return packRgb(0, 90, static_cast<std::uint32_t>(x * 4 + y % 4));
     };
-    GifWriter writer(folder / "a.gif", 64, 32);
+    std::vector<Picture> pictures;
     for (const Drawing& drawing : {reds, blues, reds}) {
-        writer.append(drawn(64, 32, drawing).view(), 8);
+        pictures.push_back(drawn(64, 32, drawing));
     }
-    writer.finish();
+    write(folder / "a.gif", pictures, [](std::size_t) { return 8; });
     const test::ReadGif gif = readGif(folder / "a.gif");
     ASSERT_EQ(gif.frames.size(), 3U);
     for (int x = 0; x < 64; ++x) {
@@ -269,9 +276,7 @@ TEST(GifWriterTest, SaysWhatItCannotWrite)
     const Picture noise = drawn(200, 200, [&](int, int) { return anyColor(random); });
     const auto codeOf = [&](const std::filesystem::path& path) {
         try {
-            GifWriter writer(path, 200, 200);
-            writer.append(noise.view(), 8);
-            writer.finish();
+            GifWriter(path, noise.view(), 8).finish();
         } catch (const Error& error) {
             EXPECT_THAT(error.what(), testing::HasSubstr(path.string()));
             return error.code();

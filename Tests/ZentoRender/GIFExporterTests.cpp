@@ -33,7 +33,7 @@ int numberOf(const ReadGif& gif, const test::ShownGifFrame& frame)
     for (int bit = 0; bit < 16; ++bit) {
         const int x = gif.width * (2 * (bit % 4) + 1) / 8;
         const int y = gif.height * (2 * (bit / 4) + 1) / 8;
-        const std::uint32_t green = frame.pixels[static_cast<std::size_t>(y * gif.width + x)] >> 8;
+        const std::uint32_t green = gif.pixel(frame, x, y) >> 8;
         number |= (green & 0xff) > 127 ? 1 << bit : 0;
     }
     return number;
@@ -41,9 +41,10 @@ int numberOf(const ReadGif& gif, const test::ShownGifFrame& frame)
 
 std::vector<int> numbersIn(const ReadGif& gif)
 {
-    std::vector<int> numbers;
-    for (const test::ShownGifFrame& frame : gif.frames)
-        numbers.push_back(numberOf(gif, frame));
+    std::vector<int> numbers(gif.frames.size());
+    std::ranges::transform(gif.frames, numbers.begin(), [&](const test::ShownGifFrame& frame) {
+        return numberOf(gif, frame);
+    });
     return numbers;
 }
 

@@ -48,9 +48,10 @@ void Sheet::save(const std::filesystem::path& file) const
     sheet.fillAll(kPaper);
     int index = 0;
     for (const Tile& tile : m_tiles) {
+        const int row = index / m_columns;
+        const int column = index % m_columns;
         const Vec2 corner = {
-            static_cast<double>(kGap + index % m_columns * stepX),
-            static_cast<double>(kGap + index / m_columns * stepY)};
+            static_cast<double>(kGap + column * stepX), static_cast<double>(kGap + row * stepY)};
         sheet.drawImage(tile.picture, fitted(tile.picture, corner, m_tileWidth, m_tileHeight));
         sheet.drawText(
             tile.label, kLabelFont, {corner.x, corner.y + m_tileHeight + 16}, Color::gray(0));

@@ -51,9 +51,9 @@ Canvas noise(int width, int height)
     return canvas;
 }
 
-Annotation mark(Kind kind, Vec2 start, Vec2 end = {}, const char* color = "#000000")
+Annotation mark(Kind kind, Vec2 start, Vec2 end = {}, std::string_view color = "#000000")
 {
-    return {.kind = kind, .start = start, .end = end, .text = "Ag", .colorHex = color};
+    return {.kind = kind, .start = start, .end = end, .text = "Ag", .colorHex = std::string(color)};
 }
 
 Canvas flattened(const Canvas& base, std::vector<Annotation> marks)
@@ -74,6 +74,7 @@ double inkOf(const Canvas& canvas)
 std::vector<Annotation> oneOfEach()
 {
     std::vector<Annotation> marks;
+    marks.reserve(kAllAnnotationKinds.size());
     for (const Kind kind : kAllAnnotationKinds)
         marks.push_back(mark(kind, {40, 30}, {150, 110}, "#FF9500"));
     marks[5].points = {{30, 20}, {90, 100}, {160, 40}};
@@ -207,7 +208,7 @@ TEST(AnnotationRendererTest, ABadgesDigitsAreSeenOnEveryColour)
 {
     for (const std::string_view color : AnnotationRenderer::kPalette) {
         SCOPED_TRACE(color);
-        Annotation badge = mark(Kind::Badge, {30, 30}, {}, color.data());
+        Annotation badge = mark(Kind::Badge, {30, 30}, {}, color);
         badge.number = 8;
         const Canvas canvas = flattened(plain(60, 60, {0.2, 0.5, 0.8}), {badge});
         int black = 0;

@@ -18,6 +18,15 @@ function(zento_module name)
     target_link_libraries(${name} PUBLIC ${M_PUBLIC} PRIVATE ${M_PRIVATE} project_options)
 endfunction()
 
+# zento_embed(<module> <function> <file>): makes a file part of the program. The module declares
+# `std::span<const char> function();` in the namespace zento to get at its bytes.
+function(zento_embed module function file)
+    set(source ${CMAKE_CURRENT_BINARY_DIR}/${function}.cpp)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/Embedded.cpp.in ${source} @ONLY)
+    set_source_files_properties(${source} PROPERTIES OBJECT_DEPENDS ${file})
+    target_sources(${module} PRIVATE ${source})
+endfunction()
+
 # Faults of libraries we cannot mend, which the sanitizer of this build is to pass over. One variable:
 # the discovery of tests does not hand on a list.
 set(ZENTO_SANITIZER_OPTIONS LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tools/leaks.supp)

@@ -17,6 +17,7 @@ pipewire/|spa/ ZentoCapture/Backends
 atspi/ ZentoCapture/Backends|Zento/Demo
 opencv ZentoIntelligence|ZentoRender
 simdjson ZentoCore
+fftw3 ZentoEngine
 Q[A-Z] Zento
 RULES
 
@@ -33,6 +34,6 @@ ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
 Zento/Model ZentoCore|ZentoEngine
-Zento/Demo ZentoCore
+Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES
 exit $bad

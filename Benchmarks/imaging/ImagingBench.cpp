@@ -4,6 +4,7 @@
 
 #include "ZentoImaging/Blend.h"
 #include "ZentoImaging/Convert.h"
+#include "ZentoImaging/MotionBlur.h"
 #include "ZentoImaging/Scale.h"
 #include "ZentoImaging/Shadow.h"
 #include "ZentoImaging/Sprite.h"
@@ -11,6 +12,7 @@
 #include <hwy/highway.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -224,6 +226,25 @@ void addBlending(std::vector<Job>& jobs)
     jobs.push_back({"chip 520 x 64, placed", [=](int) { placed->draw(canvas->view(), 0.8); }, 0});
 }
 
+/// The strongest a film asks for.
+void addMotionBlur(std::vector<Job>& jobs)
+{
+    auto canvas = std::make_shared<Picture>(1920, 1080, Layout::Yuv420);
+    const auto add = [&](const std::string& name, const std::function<void(int)>& run) {
+        jobs.push_back({name, run, 0});
+    };
+    for (const double degrees : {0.0, 33.0, 90.0}) {
+        const double angle = degrees * 3.14159265 / 180;
+        const Vec2 reach = {18 * std::cos(angle), 18 * std::sin(angle)};
+        add("directional blur, radius 18 at " + std::to_string(int(degrees)) + " degrees, 1080p",
+            [=](int) { directionalBlur(canvas->view(), reach); });
+    }
+    add("directional blur, radius 6 at 57 degrees, 1080p",
+        [=](int) { directionalBlur(canvas->view(), {3.3, 5}); });
+    add("zoom blur of 8 at a third of the height, 1080p",
+        [=](int) { zoomBlur(canvas->view(), {960, 540}, 8.0 / 360); });
+}
+
 void measure(const std::vector<Job>& jobs, const char* target)
 {
     std::printf("%s\n", target);
@@ -248,6 +269,7 @@ int main(int count, char** arguments)
     addConversion(jobs, "BGRA 1920 x 1080 to 4:2:2 10 bit", 1920, 1080);
     addConversion(jobs, "BGRA 2880 x 1800 to 4:2:2 10 bit", 2880, 1800);
     addBlending(jobs);
+    addMotionBlur(jobs);
     const std::vector<std::int64_t> targets = hwy::SupportedAndGeneratedTargets();
     for (const std::int64_t target : targets) {
         if (all || target == targets.front() || target == HWY_AVX2) {

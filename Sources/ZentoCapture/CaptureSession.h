@@ -62,6 +62,9 @@ public:
     /// is written then.
     void stop();
 
+    /// The epoch in seconds of CLOCK_MONOTONIC; to be read after `stop`. None without a frame.
+    std::optional<double> epoch() const { return m_intake.epoch(); }
+
     int frameCount() const { return m_intake.frameCount(); }               // frames in the movie
     int droppedFrameCount() const { return m_intake.droppedFrameCount(); } // the writer was busy
 

@@ -74,6 +74,14 @@ void decode(const JsonObject& object, SemanticNotes& notes)
     object.required("chapters", notes.chapters);
 }
 
+void decode(const JsonObject& object, VideoCopy& copy)
+{
+    object.required("title", copy.title);
+    object.required("caption", copy.caption);
+    object.required("socialPost", copy.socialPost);
+    object.required("generatedByModel", copy.generatedByModel);
+}
+
 std::string encodeTranscript(const std::vector<TranscriptSegment>& transcript)
 {
     return encodeDocument(transcript);
@@ -102,6 +110,11 @@ std::string encodeSemanticNotes(const SemanticNotes& notes)
 SemanticNotes decodeSemanticNotes(std::string_view json)
 {
     return decodeDocument<SemanticNotes>(json);
+}
+
+VideoCopy decodeVideoCopy(std::string_view json)
+{
+    return decodeDocument<VideoCopy>(json);
 }
 
 } // namespace zento

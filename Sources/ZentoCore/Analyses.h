@@ -39,6 +39,15 @@ struct SemanticNotes {
     bool operator==(const SemanticNotes&) const = default;
 };
 
+/// What a film is announced with.
+struct VideoCopy {
+    std::string title;
+    std::string caption;
+    std::string socialPost;
+    bool generatedByModel = false; // or from templates
+    bool operator==(const VideoCopy&) const = default;
+};
+
 /// "transcript.json", "framing.json" and "semantics.json". The decoders throw `Error`.
 std::string encodeTranscript(const std::vector<TranscriptSegment>& transcript);
 std::vector<TranscriptSegment> decodeTranscript(std::string_view json);
@@ -46,5 +55,8 @@ std::string encodeFramingHints(const std::vector<FramingHint>& hints);
 std::vector<FramingHint> decodeFramingHints(std::string_view json);
 std::string encodeSemanticNotes(const SemanticNotes& notes);
 SemanticNotes decodeSemanticNotes(std::string_view json);
+
+/// "copy.json", which others write. Throws `Error`.
+VideoCopy decodeVideoCopy(std::string_view json);
 
 } // namespace zento

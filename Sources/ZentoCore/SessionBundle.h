@@ -30,6 +30,7 @@ struct SessionBundle {
     std::filesystem::path transcriptURL() const { return url / "transcript.json"; }
     std::filesystem::path framingURL() const { return url / "framing.json"; }
     std::filesystem::path semanticsURL() const { return url / "semantics.json"; }
+    std::filesystem::path copyURL() const { return url / "copy.json"; }
     std::filesystem::path musicURL() const { return url / "music.m4a"; }
 
     /// The finished film: it lies beside the bundle, not in it.

@@ -57,6 +57,11 @@ bool isWhiteSpace(utf8proc_int32_t c)
     return c >= 0 && utf8proc_category(c) == UTF8PROC_CATEGORY_ZS;
 }
 
+bool isControl(utf8proc_int32_t c)
+{
+    return (c >= 0 && c < 0x20) || (c >= 0x7f && c <= 0x9f) || c == 0x2028 || c == 0x2029;
+}
+
 } // namespace
 
 std::size_t characterCount(std::string_view text)
@@ -107,6 +112,23 @@ std::string wellFormed(std::string_view text)
         offset += current.length;
     }
     return result;
+}
+
+std::string onOneLine(std::string_view text)
+{
+    std::string line;
+    line.reserve(text.size());
+    const std::string valid = wellFormed(text);
+    for (std::size_t offset = 0; offset < valid.size();) {
+        const CodePoint current = codePointAt(valid, offset);
+        const std::string_view bytes = std::string_view(valid).substr(offset, current.length);
+        offset += current.length;
+        if (bytes == "\r" && offset < valid.size() && valid[offset] == '\n') {
+            continue;
+        }
+        line += isControl(current.value) ? " " : bytes;
+    }
+    return line;
 }
 
 } // namespace zento

@@ -25,4 +25,8 @@ std::string_view trimmed(std::string_view text);
 /// With every ill-formed sequence replaced by U+FFFD.
 std::string wellFormed(std::string_view text);
 
+/// Well-formed and on one line: every control character, line and paragraph separator is a space, a
+/// carriage return with its line feed one.
+std::string onOneLine(std::string_view text);
+
 } // namespace zento

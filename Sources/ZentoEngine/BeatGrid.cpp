@@ -3,7 +3,23 @@
 #include "ZentoCore/Json/JsonFields.h"
 #include "ZentoEngine/BeatGridJson.h"
 
+#include <cmath>
+
 namespace zento {
+
+std::vector<double> BeatGrid::beats() const
+{
+    std::vector<double> times;
+    if (period > 0)
+        for (double t = phase; t < duration; t += period)
+            times.push_back(t);
+    return times;
+}
+
+double BeatGrid::nearestBeat(double time) const
+{
+    return period > 0 ? phase + period * std::round((time - phase) / period) : time;
+}
 
 void decode(const JsonObject& object, BeatGrid& grid)
 {

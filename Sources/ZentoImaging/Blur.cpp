@@ -1,5 +1,6 @@
 #include "ZentoImaging/Blur.h"
 
+#include "ZentoImaging/FixedWeights.hpp"
 #include "ZentoImaging/Kernels/ScaleRows.hpp"
 
 #include <algorithm>
@@ -13,27 +14,14 @@ namespace {
 
 constexpr double kLeastSigma = 0.1;
 
-/// Weights of 14 bits that add up to one. Rounding errors are carried along, so that the many small
-/// weights of a wide Gaussian add up as the Gaussian does.
 std::vector<std::int16_t> gaussianWeights(double sigma)
 {
     const int radius = std::max(1, int(std::ceil(3 * sigma)));
     std::vector<double> exact;
-    double sum = 0;
     for (int i = -radius; i <= radius; ++i) {
         exact.push_back(std::exp(-0.5 * i * i / (sigma * sigma)));
-        sum += exact.back();
     }
-    std::vector<std::int16_t> weights;
-    double running = 0;
-    long given = 0;
-    for (const double value : exact) {
-        running += value / sum * kernel::kOne;
-        const long next = std::lround(running);
-        weights.push_back(static_cast<std::int16_t>(next - given));
-        given = next;
-    }
-    return weights;
+    return fixedWeights(exact);
 }
 
 } // namespace

@@ -68,7 +68,8 @@ public:
         Interpolation interpolation = Interpolation::High,
         double alpha = 1);
 
-    /// Draws one line of text beginning at `origin` on its baseline.
+    /// Draws one line of text beginning at `origin` on its baseline. Line breaks and control
+    /// characters count as spaces.
     void drawText(std::string_view text, const Font& font, Vec2 origin, const Paint& paint);
     void strokeText(
         std::string_view text,

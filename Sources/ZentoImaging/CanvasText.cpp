@@ -76,8 +76,8 @@ TextLayout layOut(std::string_view text, const Font& font)
                 static_cast<int>(std::lround(font.kerning * PANGO_SCALE))));
         pango_layout_set_attributes(layout.get(), attributes.get());
     }
-    const std::string valid = wellFormed(text);
-    pango_layout_set_text(layout.get(), valid.data(), static_cast<int>(valid.size()));
+    const std::string line = onOneLine(text); // Pango would draw a line break as a sign
+    pango_layout_set_text(layout.get(), line.data(), static_cast<int>(line.size()));
     return layout;
 }
 

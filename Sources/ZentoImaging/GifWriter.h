@@ -53,10 +53,10 @@ private:
 
     int m_width;
     int m_height;
-    std::vector<PackedRgb> m_picture;  // the one being appended
-    std::vector<PackedRgb> m_source;   // of each pixel, what it was last written from
-    std::vector<PackedRgb> m_shown;    // and as what
-    std::vector<ColorTable> m_tables;  // the animation's, and of the last frame with one of its own
+    std::vector<PackedRgb> m_picture; // the one being appended
+    std::vector<PackedRgb> m_source;  // of each pixel, what it was last written from
+    std::vector<PackedRgb> m_shown;   // and as what
+    std::vector<ColorTable> m_tables; // the animation's, and of the last frame with one of its own
     GifFile m_file;
     GifFrame m_waiting; // may yet be shown for longer
 };

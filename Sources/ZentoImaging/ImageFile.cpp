@@ -19,6 +19,13 @@ namespace {
 
 using Pixbuf = std::unique_ptr<GdkPixbuf, CallOnDelete<g_object_unref>>;
 
+/// Orientation lies with the file's own pixbuf: a scaled copy has lost it.
+Pixbuf upright(Pixbuf pixbuf)
+{
+    Pixbuf turned(gdk_pixbuf_apply_embedded_orientation(pixbuf.get()));
+    return turned ? std::move(turned) : std::move(pixbuf);
+}
+
 Pixbuf readPixbuf(const std::filesystem::path& path)
 {
     GError* error = nullptr;
@@ -29,9 +36,22 @@ Pixbuf readPixbuf(const std::filesystem::path& path)
             ErrorCode::kUndecodable,
             path.string() + " could not be read as an image: " + owned->message);
     }
-    // Orientation lies with the file's own pixbuf: a scaled copy has lost it.
-    Pixbuf upright(gdk_pixbuf_apply_embedded_orientation(result.get()));
-    return upright ? std::move(upright) : std::move(result);
+    return upright(std::move(result));
+}
+
+Pixbuf decodePixbuf(std::span<const char> bytes)
+{
+    const std::unique_ptr<GdkPixbufLoader, CallOnDelete<g_object_unref>> loader(
+        gdk_pixbuf_loader_new());
+    const auto* data = reinterpret_cast<const guchar*>(bytes.data());
+    const bool isWhole =
+        gdk_pixbuf_loader_write(loader.get(), data, bytes.size(), nullptr) != FALSE;
+    const bool isClosed = gdk_pixbuf_loader_close(loader.get(), nullptr) != FALSE;
+    GdkPixbuf* const pixbuf = gdk_pixbuf_loader_get_pixbuf(loader.get());
+    if (!isWhole || !isClosed || pixbuf == nullptr) {
+        throw Error(ErrorCode::kUndecodable, "an image in memory could not be read");
+    }
+    return upright(Pixbuf(GDK_PIXBUF(g_object_ref(pixbuf))));
 }
 
 std::uint32_t premultiplied(const guchar* pixel, bool hasAlpha)
@@ -39,6 +59,26 @@ std::uint32_t premultiplied(const guchar* pixel, bool hasAlpha)
     const std::uint32_t alpha = hasAlpha ? pixel[3] : 255;
     const auto times = [&](std::uint32_t value) { return (value * alpha + 127) / 255; };
     return alpha << 24 | times(pixel[0]) << 16 | times(pixel[1]) << 8 | times(pixel[2]);
+}
+
+/// A photograph of a billion pixels, brought to where a canvas of it is no burden.
+Pixbuf notMuchLarger(Pixbuf pixbuf, std::optional<int> maxPixels)
+{
+    constexpr int kRoomForGoodScaling = 2;
+    const int width = gdk_pixbuf_get_width(pixbuf.get());
+    const int height = gdk_pixbuf_get_height(pixbuf.get());
+    const double longer = std::max(width, height);
+    if (!maxPixels || longer <= double(*maxPixels) * kRoomForGoodScaling * 2) {
+        return pixbuf;
+    }
+    const double scale = *maxPixels * kRoomForGoodScaling / longer;
+    const auto scaled = [&](int size) { return std::max(1, int(std::lround(size * scale))); };
+    Pixbuf smaller(
+        gdk_pixbuf_scale_simple(pixbuf.get(), scaled(width), scaled(height), GDK_INTERP_BILINEAR));
+    if (!smaller) {
+        throw std::bad_alloc();
+    }
+    return smaller;
 }
 
 Canvas toCanvas(const GdkPixbuf* pixbuf)
@@ -94,10 +134,14 @@ Pixbuf toPixbuf(const Canvas& canvas)
 
 } // namespace
 
+Canvas decodeImage(std::span<const char> bytes)
+{
+    return toCanvas(decodePixbuf(bytes).get());
+}
+
 Canvas loadImage(const std::filesystem::path& path, std::optional<int> maxPixels)
 {
-    const Pixbuf pixbuf = readPixbuf(path);
-    Canvas full = toCanvas(pixbuf.get());
+    Canvas full = toCanvas(notMuchLarger(readPixbuf(path), maxPixels).get());
     const int longer = std::max(full.width(), full.height());
     if (!maxPixels || longer <= *maxPixels) {
         return full;

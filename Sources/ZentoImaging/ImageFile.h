@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace zento {
@@ -15,6 +16,9 @@ namespace zento {
 ///
 /// Errors: a file that is missing or is not an image.
 Canvas loadImage(const std::filesystem::path& path, std::optional<int> maxPixels = {});
+
+/// The same of a file's bytes.
+Canvas decodeImage(std::span<const char> bytes);
 
 /// A PNG file of the canvas. `density` is pixels a point, [1, ∞): 2 for a high-density display; it
 /// is written as the physical size of a pixel, one point being 1/72 inch.

@@ -80,6 +80,24 @@ SampleRange opaqueWithin(const Edges& e, int y, SampleRange within)
         within);
 }
 
+SampleRange touchedWithin(const Edges& e, int y, SampleRange within)
+{
+    if (overlap(y, e.top, e.bottom) <= 0) {
+        return {within.begin, within.begin};
+    }
+    double reach = e.radius; // beyond the straight part
+    if (const double cornerY = intoCorner(y, e.top, e.bottom, e.radius);
+        cornerY > 0 && e.radius >= kLeastRadius) {
+        // A centre is covered up to half a sample outside; one sample more leaves rounding no room.
+        const double most = e.radius + 0.5;
+        reach = std::sqrt(std::max(0.0, most * most - cornerY * cornerY)) + 1;
+    }
+    return limited(
+        std::floor(std::max(e.left, e.left + e.radius - reach)),
+        std::ceil(std::min(e.right, e.right - e.radius + reach)),
+        within);
+}
+
 /// Calls visit(plane index, shape in the plane, row, touched columns) for all rows of a shape.
 template <typename Visit>
 void forEachRow(const PictureView& picture, const RoundedRect& shape, Visit visit)
@@ -104,15 +122,18 @@ void coverageRow(const RoundedRect& shape, int y, SampleRange columns, std::uint
     const Edges e = edgesOf(shape);
     const double coveredY = overlap(y, e.top, e.bottom);
     const double cornerY = intoCorner(y, e.top, e.bottom, e.radius);
-    const SampleRange opaque = opaqueWithin(e, y, columns);
+    const SampleRange touched = touchedWithin(e, y, columns);
+    const SampleRange opaque = opaqueWithin(e, y, touched);
     std::uint8_t* out = mask - columns.begin;
-    for (int x = columns.begin; x < opaque.begin; ++x) {
+    std::memset(out + columns.begin, 0, std::size_t(touched.begin - columns.begin));
+    for (int x = touched.begin; x < opaque.begin; ++x) {
         out[x] = coverage(e, coveredY, cornerY, x);
     }
     std::memset(out + opaque.begin, 255, std::size_t(opaque.size()));
-    for (int x = opaque.end; x < columns.end; ++x) {
+    for (int x = opaque.end; x < touched.end; ++x) {
         out[x] = coverage(e, coveredY, cornerY, x);
     }
+    std::memset(out + touched.end, 0, std::size_t(columns.end - touched.end));
 }
 
 SampleRange opaqueColumns(const RoundedRect& shape, int y, int width)
@@ -122,8 +143,7 @@ SampleRange opaqueColumns(const RoundedRect& shape, int y, int width)
 
 SampleRange touchedColumns(const RoundedRect& shape, int y, int width)
 {
-    const Edges e = edgesOf(shape);
-    return overlap(y, e.top, e.bottom) > 0 ? touchedSamples(e.left, e.right, width) : SampleRange{};
+    return touchedWithin(edgesOf(shape), y, {0, width});
 }
 
 void fillRoundedRect(const PictureView& picture, const RoundedRect& shape, const Color& color)

@@ -40,7 +40,7 @@ CodecHandle openFilmEncoder(const std::filesystem::path& path, const FilmFormat&
 {
     checkFormat(path, format);
     const int timescale = static_cast<int>(format.fps);
-    auto codec = makeEncoder(
+    auto codec = makePictureEncoder(
         "libx264", path, format.width, format.height, {1, timescale}, ErrorCode::kWriterNotStarted);
     codec->pix_fmt = AV_PIX_FMT_YUV420P;
     codec->framerate = {timescale, 1};

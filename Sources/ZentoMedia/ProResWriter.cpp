@@ -32,8 +32,8 @@ constexpr int kPictures = 8;
 
 CodecHandle openMovieEncoder(const std::filesystem::path& path, int width, int height, int threads)
 {
-    auto codec =
-        makeEncoder("prores_aw", path, width, height, {1, kTimescale}, ErrorCode::kMovieNotStarted);
+    auto codec = makePictureEncoder(
+        "prores_aw", path, width, height, {1, kTimescale}, ErrorCode::kMovieNotStarted);
     codec->pix_fmt = AV_PIX_FMT_YUV422P10;
     codec->profile = FF_PROFILE_PRORES_LT;
     codec->thread_count = threads;

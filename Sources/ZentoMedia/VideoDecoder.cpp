@@ -1,8 +1,8 @@
 #include "ZentoMedia/VideoDecoder.h"
 
 #include "ZentoCore/Error.h"
-#include "ZentoMedia/Ffmpeg/Failure.h"
 #include "ZentoMedia/Ffmpeg/Handles.h"
+#include "ZentoMedia/Ffmpeg/Input.h"
 #include "ZentoMedia/Ffmpeg/PictureConverter.h"
 
 #include <cstring>
@@ -15,82 +15,37 @@ using namespace ffmpeg;
 
 namespace {
 
-constexpr const char* kReading = "Could not read";
-
 // Codecs that keep nothing from one packet to the next and give one picture for each, at once.
 bool standsAlone(AVCodecID codec)
 {
     return codec == AV_CODEC_ID_PRORES || codec == AV_CODEC_ID_MJPEG;
 }
 
-InputHandle openInput(const std::filesystem::path& path)
-{
-    Options options;
-    options.set("protocol_whitelist", "file"); // a list of addresses is not a recording
-    AVFormatContext* input = nullptr;
-    const int opened =
-        avformat_open_input(&input, fileUrl(path).c_str(), nullptr, options.address());
-    if (opened < 0)
-        throw failure(kReading, path, opened, ErrorCode::kReadingFailed);
-    InputHandle handle(input);
-    const int found = avformat_find_stream_info(input, nullptr);
-    if (found < 0)
-        throw failure(kReading, path, found, ErrorCode::kReadingFailed);
-    return handle;
-}
-
-bool isPictures(const AVStream& stream)
-{
-    // The cover of a song is a video track of one picture to this library.
-    return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO
-           && (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
-}
-
 /// The first video track; all others are left unread.
-AVStream* chooseStream(AVFormatContext& input, const std::filesystem::path& path)
+AVStream* choosePictures(AVFormatContext& input, const std::filesystem::path& path)
 {
-    AVStream* chosen = nullptr;
-    for (unsigned i = 0; i < input.nb_streams; ++i) {
-        AVStream* stream = input.streams[i];
-        if (chosen == nullptr && isPictures(*stream))
-            chosen = stream;
-        else
-            stream->discard = AVDISCARD_ALL;
-    }
+    AVStream* chosen = chooseTrack(input, isPictures);
     if (chosen == nullptr)
         throw Error(ErrorCode::kNoVideoTrack, "no video track in " + path.string());
     return chosen;
 }
 
-CodecHandle openDecoder(const AVStream& stream, const std::filesystem::path& path, int threads)
+CodecHandle
+openPictureDecoder(const AVStream& stream, const std::filesystem::path& path, int threads)
 {
-    const AVCodec* decoder = avcodec_find_decoder(stream.codecpar->codec_id);
-    if (decoder == nullptr)
-        throw failure(kReading, path, AVERROR_DECODER_NOT_FOUND, ErrorCode::kReadingFailed);
-    auto codec = allocated(CodecHandle(avcodec_alloc_context3(decoder)));
-    int result = avcodec_parameters_to_context(codec.get(), stream.codecpar);
-    if (result >= 0) {
-        codec->pkt_timebase = stream.time_base;
-        codec->thread_count = threads;
-        // Threads by frame hold pictures back, which a packet that is not sent must not wait for.
-        if (standsAlone(codec->codec_id))
-            codec->thread_type = FF_THREAD_SLICE;
-        result = avcodec_open2(codec.get(), decoder, nullptr);
-    }
-    if (result < 0)
-        throw failure(kReading, path, result, ErrorCode::kReadingFailed);
+    CodecHandle codec = makeDecoder(stream, path);
+    codec->thread_count = threads;
+    // Threads by frame hold pictures back, which a packet that is not sent must not wait for.
+    if (standsAlone(codec->codec_id))
+        codec->thread_type = FF_THREAD_SLICE;
+    openDecoder(*codec, path);
     return codec;
 }
 
-/// The next whole packet of a track. False at the end of what can be read.
-bool readPacket(AVFormatContext& input, int streamIndex, AVPacket& packet)
+/// The next whole packet. False at the end of what can be read.
+bool readWholePacket(AVFormatContext& input, int streamIndex, AVPacket& packet)
 {
-    do {
-        av_packet_unref(&packet);
-        if (av_read_frame(&input, &packet) < 0)
-            return false;
-    } while (packet.stream_index != streamIndex);
-    return (packet.flags & AV_PKT_FLAG_CORRUPT) == 0;
+    return readPacket(input, streamIndex, packet) && (packet.flags & AV_PKT_FLAG_CORRUPT) == 0;
 }
 
 bool holdsSameBytes(const AVPacket& a, const AVPacket& b)
@@ -131,10 +86,9 @@ struct VideoDecoder::State {
 VideoDecoder::VideoDecoder(const std::filesystem::path& path, int threads)
     : m_state(std::make_unique<State>())
 {
-    silenceLog();
     m_state->input = openInput(path);
-    m_state->stream = chooseStream(*m_state->input, path);
-    m_state->codec = openDecoder(*m_state->stream, path, threads);
+    m_state->stream = choosePictures(*m_state->input, path);
+    m_state->codec = openPictureDecoder(*m_state->stream, path, threads);
 }
 
 VideoDecoder::~VideoDecoder() = default;
@@ -192,7 +146,7 @@ std::optional<VideoFrame> VideoDecoder::State::decoded()
 /// Gives the decoder one packet, or the picture of the one before if it would only say the same.
 std::optional<VideoFrame> VideoDecoder::State::feed()
 {
-    if (!readPacket(*input, stream->index, *packet)) {
+    if (!readWholePacket(*input, stream->index, *packet)) {
         drain();
         return {};
     }

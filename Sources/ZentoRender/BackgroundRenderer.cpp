@@ -9,6 +9,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <numbers>
 #include <optional>
 #include <string>
@@ -162,6 +163,22 @@ void draw(const StyleSpec::Background& background, Canvas& canvas)
     canvas.translate({0, size.h});
     canvas.scale(1, -1);
     std::visit(Drawing(canvas, size), background);
+}
+
+bool isLight(const Canvas& background)
+{
+    constexpr double kLightFrom = 0.6;
+    std::array<std::uint64_t, 3> sums = {}; // blue, green, red
+    const auto pixels = background.pixels();
+    for (int y = 0; y < pixels.height; ++y)
+        for (int x = 0; x < pixels.width; ++x)
+            for (unsigned c = 0; c < 3; ++c)
+                sums[c] += pixels.row(y)[x] >> (8 * c) & 0xff;
+    const double count = double(pixels.width) * pixels.height;
+    const auto level = [&](std::size_t c) {
+        return std::round(static_cast<double>(sums[c]) / count);
+    };
+    return (0.299 * level(2) + 0.587 * level(1) + 0.114 * level(0)) / 255 > kLightFrom;
 }
 
 Color color(std::string_view hex, double alpha)

@@ -18,6 +18,10 @@ Canvas render(const StyleSpec::Background& background, int width, int height);
 /// The same into a canvas that exists, filling it.
 void draw(const StyleSpec::Background& background, Canvas& canvas);
 
+/// Whether a background is so light on average that dark text is read better on it. Transparent
+/// pixels count as black.
+bool isLight(const Canvas& background);
+
 /// Reads "#RRGGBB" as it stands: the first character is dropped whatever it is, the rest read as a
 /// hexadecimal number, 0 if it is none. Short forms are not expanded.
 Color color(std::string_view hex, double alpha = 1);

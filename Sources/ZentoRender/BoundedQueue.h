@@ -38,11 +38,12 @@ public:
     {
         std::unique_lock lock(m_mutex);
         m_changed.wait(lock, [&] { return m_closed || !m_values.empty(); });
-        if (m_values.empty())
-            return std::nullopt;
-        std::optional<Value> value = std::move(m_values.front());
-        m_values.pop();
-        m_changed.notify_all();
+        std::optional<Value> value;
+        if (!m_values.empty()) {
+            value.emplace(std::move(m_values.front()));
+            m_values.pop();
+            m_changed.notify_all();
+        }
         return value;
     }
 

@@ -1,6 +1,7 @@
 #include "ZentoRender/CardPainter.h"
 
 #include "ZentoImaging/Blend.h"
+#include "ZentoImaging/MotionBlur.h"
 
 #include <algorithm>
 #include <array>
@@ -51,11 +52,12 @@ CardPainter::CardPainter(Picture background, const StyleSpec& style)
 {
 }
 
-void CardPainter::paint(const VideoFrame& source, const Rect& card, const PictureView& canvas)
+void CardPainter::paint(
+    const VideoFrame& source, const Rect& card, const CardBlur& blur, const PictureView& canvas)
 {
     const auto paintYuv = [&](const auto& planes) {
         m_scaler.prepare(planes, placementOf(card, source.width(), source.height()), canvas, card);
-        paintPlanes(std::array{planes.y, planes.cb, planes.cr}, card, canvas);
+        paintPlanes(std::array{planes.y, planes.cb, planes.cr}, card, blur, canvas);
     };
     if (source.bitDepth() == 8)
         paintYuv(source.planes8());
@@ -66,7 +68,7 @@ void CardPainter::paint(const VideoFrame& source, const Rect& card, const Pictur
 void CardPainter::paint(const ConstPictureView& source, const Rect& card, const PictureView& canvas)
 {
     m_scaler.prepare(source, placementOf(card, source.width, source.height), canvas, card);
-    paintPlanes(source.planes, card, canvas);
+    paintPlanes(source.planes, card, {}, canvas);
 }
 
 void CardPainter::paintBelow(const Rect& card, const PictureView& canvas)
@@ -97,24 +99,49 @@ CardPainter::planeRows(std::size_t plane, const Rect& card, const PictureView& c
 
 template <typename Sample>
 void CardPainter::paintPlanes(
-    const Planes<Sample>& source, const Rect& card, const PictureView& canvas)
+    const Planes<Sample>& source, const Rect& card, const CardBlur& blur, const PictureView& canvas)
 {
     for (std::size_t p = 0; p < source.size(); ++p) {
         const PlaneRows rows = planeRows(p, card, canvas);
         PlaneScaler& scaler = m_scaler.plane(p);
+        Plane<const std::uint8_t> blurredSource;
+        if (!blur.isNone())
+            blurredSource = blurred(source[p], scaler, blur, canvas.grid(p));
         for (int y = 0; y < rows.canvas.height; ++y) {
             const SampleRange touched = touchedColumns(rows.card, y, rows.canvas.width);
             if (touched.size() <= 0) {
                 paintMargin(rows, y, {0, rows.canvas.width});
                 continue;
             }
-            scaler.scaleRow(source[p], y, m_scaledRow.data());
-            paintCardRow(rows, y, touched, scaler.columns().begin);
+            const std::uint8_t* scaled = m_scaledRow.data();
+            if (blurredSource.data)
+                scaled = blurredSource.row(y - scaler.rows().begin);
+            else
+                scaler.scaleRow(source[p], y, m_scaledRow.data());
+            paintCardRow(rows, y, touched, scaled, scaler.columns().begin);
         }
     }
 }
 
-void CardPainter::paintCardRow(const PlaneRows& rows, int y, SampleRange touched, int firstScaled)
+template <typename Sample>
+Plane<const std::uint8_t> CardPainter::blurred(
+    Plane<const Sample> source, PlaneScaler& scaler, const CardBlur& blur, const PlaneGrid& grid)
+{
+    const SampleRange columns = scaler.columns();
+    const SampleRange rows = scaler.rows();
+    m_blurred.resize(count(columns) * count(rows));
+    const Plane<std::uint8_t> layer = {
+        m_blurred.data(), columns.size(), rows.size(), columns.size()};
+    for (int y = 0; y < layer.height; ++y)
+        scaler.scaleRow(source, rows.begin + y, layer.row(y));
+    directionalBlur(layer, {blur.reach.x * grid.perPixel.x, blur.reach.y * grid.perPixel.y});
+    const Vec2 middle = grid.toPlane(Vec2{m_background.width() * 0.5, m_background.height() * 0.5});
+    zoomBlur(layer, {middle.x - columns.begin, middle.y - rows.begin}, blur.stretch);
+    return layer;
+}
+
+void CardPainter::paintCardRow(
+    const PlaneRows& rows, int y, SampleRange touched, const std::uint8_t* scaled, int firstScaled)
 {
     const int width = rows.canvas.width;
     SampleRange opaque = opaqueColumns(rows.card, y, width);
@@ -124,13 +151,13 @@ void CardPainter::paintCardRow(const PlaneRows& rows, int y, SampleRange touched
     paintMargin(rows, y, {opaque.end, width});
 
     std::uint8_t* const row = rows.canvas.row(y);
-    const auto scaled = [&](int x) { return m_scaledRow.data() + (x - firstScaled); };
-    std::copy_n(scaled(opaque.begin), opaque.size(), row + opaque.begin);
+    const auto sourceAt = [&](int x) { return scaled + (x - firstScaled); };
+    std::copy_n(sourceAt(opaque.begin), opaque.size(), row + opaque.begin);
     for (const SampleRange edge :
          {SampleRange{touched.begin, opaque.begin}, SampleRange{opaque.end, touched.end}}) {
         coverageRow(rows.card, y, edge, m_mask.data());
         std::uint8_t* const out = row + edge.begin;
-        blendMasked(out, out, scaled(edge.begin), m_mask.data(), count(edge));
+        blendMasked(out, out, sourceAt(edge.begin), m_mask.data(), count(edge));
     }
 }
 

@@ -81,6 +81,11 @@ FrameRecipe frameRecipe(
     const double zoom = layers.camera.zoom;
     const Card card = cardFor(layers.camera, output, style, sourceSize);
     FrameRecipe recipe{.card = snapped(Rect{card.origin.x, card.origin.y, card.w, card.h})};
+    if (style.motionBlur && layers.motion)
+        recipe.blur = cardBlur(*layers.motion, outH);
+    if (layers.webcam)
+        recipe.webcam = webcamBubble(*layers.webcam, output);
+    recipe.texts = textOverlays(layers.keystroke, layers.caption, layers.chapter);
 
     for (const Ripple& ripple : layers.ripples)
         recipe.rings.push_back(rippleRing(ripple, card, outH, zoom));

@@ -6,6 +6,9 @@
 #include "ZentoRender/Card.h"
 #include "ZentoRender/CursorSprite.h"
 #include "ZentoRender/FrameValues.h"
+#include "ZentoRender/Motion.h"
+#include "ZentoRender/TextOverlay.h"
+#include "ZentoRender/WebcamBubble.h"
 
 #include <optional>
 #include <vector>
@@ -18,10 +21,15 @@ struct FrameLayers {
     CameraRig::State camera;
     std::optional<CursorState> cursor;
     std::vector<Ripple> ripples;
+    std::optional<WebcamLayer> webcam;
+    std::optional<Motion> motion;
+    std::optional<FrameText> keystroke;
+    std::optional<FrameText> caption;
+    std::optional<FrameText> chapter;
 };
 
 /// One frame worked out: what is drawn where, on the canvas. Two frames with equal recipes and
-/// equal sources have the same pixels, so the second need not be drawn.
+/// equal sources, screen and webcam, have the same pixels, so the second need not be drawn.
 ///
 /// Positions and sizes are multiples of 1/1024 pixel. No eye sees the difference, and it lets the
 /// camera's springs, which approach their target for ever, come to rest.
@@ -46,11 +54,14 @@ struct FrameRecipe {
         bool operator==(const Pointer&) const = default;
     };
 
-    Rect card; // the whole source
+    Rect card;     // the whole source
+    CardBlur blur; // of the source within the card
     // From bottom to top:
     std::vector<Ring> rings;
     std::vector<Disc> discs;
     std::optional<Pointer> pointer;
+    std::optional<WebcamBubble> webcam;
+    std::vector<TextOverlay> texts;
     bool operator==(const FrameRecipe&) const = default;
 };
 

@@ -18,10 +18,12 @@ struct ScheduledFrame {
     double tOut = 0;       // seconds within the main part
     double sourceTime = 0; // seconds
     VideoFrame frame;
+    std::optional<VideoFrame> webcam;
 };
 
 /// Turns the frames of the main part into layers, one after the other in film order: it carries
-/// what a frame hands on to the next one, the camera's movement and the pointer's idleness.
+/// what a frame hands on to the next one, the camera's movement, its motion and the pointer's
+/// idleness.
 ///
 /// Threading: one thread at a time.
 class FrameSequence {
@@ -37,12 +39,19 @@ public:
 private:
     std::optional<CursorState> cursor(double tOut, double sourceTime);
 
+    OutputSpec m_output;
+    StyleSpec m_style;
+    Vec2 m_sourceSize;
+    std::optional<WebcamPlan> m_webcam;
     double m_secondsPerFrame;
-    bool m_hidesIdlePointer;
     std::vector<CursorSample> m_track;
     std::vector<FilmClick> m_clicks;
+    std::vector<KeystrokeChip> m_keystrokes;
+    std::vector<CaptionChip> m_captions;
+    std::vector<ChapterMarker> m_chapters;
     CameraRig m_rig;
     PointerIdleness m_idleness;
+    std::optional<ShownCard> m_shown; // in the frame before
 };
 
 } // namespace zento

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace zento {
 namespace {
@@ -11,6 +12,35 @@ constexpr double kRippleDuration = 0.45;  // seconds
 constexpr double kIdleBeforeFade = 1.5;   // seconds
 constexpr double kIdleFade = 0.4;         // seconds
 constexpr double kActivityDistance = 3.0; // source pixels
+constexpr double kChapterDuration = 2.8;  // seconds
+
+struct Fades {
+    double in = 0; // seconds
+    double out = 0;
+};
+constexpr Fades kKeystrokeFades = {0.15, 0.2};
+constexpr Fades kCaptionFades = {0.12, 0.25};
+constexpr Fades kChapterFades = {0.25, 0.4};
+
+/// The opacity at `t` of what is seen from `begin` to `end`, its fades included.
+double fadedAlpha(double t, double begin, double end, Fades fades)
+{
+    return std::clamp(std::min((t - begin) / fades.in, (end - t) / fades.out), 0.0, 1.0);
+}
+
+/// The last item that is seen at `t`. `seen` gives when it is, its fades included; `textOf` what it
+/// says.
+template <typename Item, typename Seen>
+std::optional<FrameText>
+lastSeen(std::span<const Item> items, double t, Fades fades, Seen seen, std::string Item::* textOf)
+{
+    for (std::size_t i = items.size(); i-- > 0;) {
+        const auto [begin, end] = seen(items[i]);
+        if (begin <= t && t <= end)
+            return FrameText{.text = items[i].*textOf, .alpha = fadedAlpha(t, begin, end, fades)};
+    }
+    return std::nullopt;
+}
 
 } // namespace
 
@@ -81,6 +111,30 @@ std::vector<Ripple> ripples(std::span<const FilmClick> clicks, double tOut)
             alive.push_back({.pos = click.pos, .progress = age / kRippleDuration});
     }
     return alive;
+}
+
+std::optional<FrameText> keystrokeAt(std::span<const KeystrokeChip> chips, double tOut)
+{
+    const auto seen = [](const KeystrokeChip& chip) {
+        return std::pair(chip.tOut - kKeystrokeFades.in, chip.tOutEnd + kKeystrokeFades.out);
+    };
+    return lastSeen(chips, tOut, kKeystrokeFades, seen, &KeystrokeChip::label);
+}
+
+std::optional<FrameText> captionAt(std::span<const CaptionChip> captions, double tOut)
+{
+    const auto seen = [](const CaptionChip& caption) {
+        return std::pair(caption.tOut - kCaptionFades.in, caption.tOutEnd + kCaptionFades.out);
+    };
+    return lastSeen(captions, tOut, kCaptionFades, seen, &CaptionChip::text);
+}
+
+std::optional<FrameText> chapterAt(std::span<const ChapterMarker> chapters, double tOut)
+{
+    const auto seen = [](const ChapterMarker& chapter) {
+        return std::pair(chapter.tOut, chapter.tOut + kChapterDuration);
+    };
+    return lastSeen(chapters, tOut, kChapterFades, seen, &ChapterMarker::title);
 }
 
 double PointerIdleness::step(double tOut, Vec2 pos, double pulse)

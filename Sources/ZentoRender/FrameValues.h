@@ -38,6 +38,13 @@ struct CursorState {
     bool operator==(const CursorState&) const = default;
 };
 
+/// A text over one frame.
+struct FrameText {
+    std::string text;
+    double alpha = 1; // [0, 1]
+    bool operator==(const FrameText&) const = default;
+};
+
 /// The plan's clicks, or the recording's if the plan has none, without those that were cut.
 std::vector<FilmClick>
 filmClicks(const EditPlan& plan, const std::vector<InputEvent>& events, const RemapCurve& curve);
@@ -60,6 +67,14 @@ double clickPulse(std::span<const FilmClick> clicks, double tOut);
 
 /// The ripples alive at `tOut`, in the order of the clicks. One lives for 0.45 s.
 std::vector<Ripple> ripples(std::span<const FilmClick> clicks, double tOut);
+
+// The texts of a frame, nothing where none shows. They fade in before their time and out after it,
+// but for chapter titles, which have no end: they take both out of their 2.8 s. Where two overlap,
+// the later one in the plan shows.
+
+std::optional<FrameText> keystrokeAt(std::span<const KeystrokeChip> chips, double tOut);
+std::optional<FrameText> captionAt(std::span<const CaptionChip> captions, double tOut);
+std::optional<FrameText> chapterAt(std::span<const ChapterMarker> chapters, double tOut);
 
 /// Fades a pointer out that has been idle for 1.5 s. It comes back at once.
 ///

@@ -128,7 +128,7 @@ void exportGif(
             throw Error(ErrorCode::kGifNoFrames, video.string() + ": no frames to export");
         writer->finish();
     } catch (const Error& error) {
-        throw part.aboutTarget(error);
+        throw renamed(error, part.path(), to);
     }
     part.renameToTarget();
 }

@@ -3,17 +3,20 @@
 #include "ZentoCore/Error.h"
 #include "ZentoCore/RemapCurve.h"
 #include "ZentoMedia/FilmWriter.h"
+#include "ZentoRender/AudioMixer.h"
 #include "ZentoRender/BoundedQueue.h"
+#include "ZentoRender/FilmFrames.h"
+#include "ZentoRender/FilmSound.h"
 #include "ZentoRender/FrameCompositor.h"
 #include "ZentoRender/FrameSequence.h"
 #include "ZentoRender/PartFile.h"
 #include "ZentoRender/SourceReader.h"
+#include "ZentoRender/WebcamSource.h"
 
 #include <pthread.h>
 
 #include <cmath>
 #include <future>
-#include <limits>
 #include <string>
 #include <utility>
 
@@ -34,31 +37,32 @@ void nameThread(const char* name)
     pthread_setname_np(pthread_self(), name); // at most 15 characters
 }
 
-/// Throws for a plan no film can be made of. Returns the number of frames.
-int checkedFrameCount(
-    const OutputSpec& output, const RemapCurve& curve, const std::filesystem::path& to)
+/// Throws for a plan no film can be made of.
+FilmFrames
+checkedFrames(const EditPlan& plan, const RemapCurve& curve, const std::filesystem::path& to)
 {
-    const auto refuse = [&](int code, const std::string& reason) {
-        throw Error(code, to.string() + " cannot be made: " + reason);
+    const OutputSpec& output = plan.output;
+    const auto refusal = [&](int code, const std::string& reason) {
+        return Error(code, to.string() + " cannot be made: " + reason);
     };
     if (output.width <= 0 || output.height <= 0 || output.width % 2 != 0 || output.height % 2 != 0)
-        refuse(
+        throw refusal(
             ErrorCode::kWriterNotStarted,
             "a film of " + std::to_string(output.width) + " × " + std::to_string(output.height)
                 + " pixels needs two even sides");
     if (!std::isfinite(output.fps) || output.fps < 1)
-        refuse(
+        throw refusal(
             ErrorCode::kWriterNotStarted,
             std::to_string(output.fps) + " frames per second are too few");
     std::error_code ignored;
     if (std::filesystem::is_directory(to, ignored))
-        refuse(ErrorCode::kWriterNotStarted, "it is a folder");
-    const double frames = std::floor(curve.outputDuration() * output.fps);
-    if (!(frames >= 1))
-        refuse(ErrorCode::kFilmNotFinished, "the plan keeps no frame");
-    if (frames > std::numeric_limits<int>::max())
-        refuse(ErrorCode::kWriterNotStarted, "the plan is too long");
-    return static_cast<int>(frames);
+        throw refusal(ErrorCode::kWriterNotStarted, "it is a folder");
+    const auto frames = filmFrames(plan, curve);
+    if (!frames)
+        throw refusal(ErrorCode::kWriterNotStarted, "the plan is too long");
+    if (frames->total() < 1)
+        throw refusal(ErrorCode::kFilmNotFinished, "the plan keeps no frame");
+    return *frames;
 }
 
 FilmFormat filmFormat(const OutputSpec& output)
@@ -73,6 +77,7 @@ FilmFormat filmFormat(const OutputSpec& output)
 
 void decode(
     SourceReader& reader,
+    WebcamSource& webcam,
     const RemapCurve& curve,
     double fps,
     int frames,
@@ -86,27 +91,48 @@ void decode(
         if (!frame)
             throw Error(
                 ErrorCode::kReadingFailed, movie.string() + " holds no picture that can be read");
-        if (!out.push({.tOut = tOut, .sourceTime = sourceTime, .frame = *std::move(frame)}))
+        if (!out.push(
+                {.tOut = tOut,
+                 .sourceTime = sourceTime,
+                 .frame = *std::move(frame),
+                 .webcam = webcam.frame(sourceTime)}))
             return;
     }
     out.close();
 }
 
+/// Draws the frames of a film in their order.
 void compose(
     FrameCompositor& compositor,
     FrameSequence& sequence,
+    const EditPlan& plan,
+    const FilmFrames& frames,
     OfflineExporter::Repeats repeats,
     DecodedFrames& in,
     ComposedFrames& out)
 {
-    while (auto scheduled = in.pop()) {
-        const FrameLayers layers = sequence.next(*std::move(scheduled));
+    const auto push = [&](auto&& composeOne) { // false once the film is abandoned
         if (repeats == OfflineExporter::Repeats::Compose)
             compositor.forgetLast();
-        if (!out.push(compositor.compose(layers)))
+        return out.push(composeOne());
+    };
+    const auto pushCard = [&](const std::optional<TextCard>& card, int count) {
+        bool isWanted = true;
+        for (int i = 0; i < count && isWanted; ++i)
+            isWanted =
+                push([&] { return compositor.composeCard(*card, static_cast<double>(i) / count); });
+        return isWanted;
+    };
+
+    if (!pushCard(plan.titleCard, frames.title))
+        return;
+    while (auto scheduled = in.pop()) {
+        const FrameLayers layers = sequence.next(*std::move(scheduled));
+        if (!push([&] { return compositor.compose(layers); }))
             return;
     }
-    out.close();
+    if (pushCard(plan.endCard, frames.end))
+        out.close();
 }
 
 void encode(
@@ -122,6 +148,14 @@ void encode(
         if (onProgress)
             onProgress({.frame = written, .totalFrames = total});
     }
+}
+
+/// The same error about the film under the name the user gave it.
+Error renamed(Error error, const FilmPaths& paths, const std::filesystem::path& film)
+{
+    for (const auto& file : {paths.pictures, paths.soundtrack, paths.film})
+        error = renamed(error, file, film);
+    return error;
 }
 
 /// Runs a stage on a thread of its own. Its failure ends all stages and waits in the future.
@@ -154,12 +188,25 @@ void OfflineExporter::exportFilm(
     const std::stop_token& stop) const
 {
     const RemapCurve curve(m_plan.timeRemap);
-    const int total = checkedFrameCount(m_plan.output, curve, to);
+    const FilmFrames frames = checkedFrames(m_plan, curve, to);
     PartFile part(to);
+    const auto paths = FilmPaths::beside(to, part.path());
+    const auto writePictures = [&](const auto& file, const std::stop_token& token) {
+        writeFilm(file, curve, frames, onProgress, token);
+    };
     try {
-        writeFilm(part.path(), curve, total, onProgress, stop);
+        if (AudioMixer::needsSound(m_plan))
+            writeFilmWithSound(
+                m_plan,
+                frames.total() / m_plan.output.fps,
+                m_bundle.url,
+                paths,
+                writePictures,
+                stop);
+        else
+            writePictures(paths.film, stop);
     } catch (const Error& error) {
-        throw part.aboutTarget(error);
+        throw renamed(error, paths, to);
     }
     part.renameToTarget();
 }
@@ -167,12 +214,13 @@ void OfflineExporter::exportFilm(
 void OfflineExporter::writeFilm(
     const std::filesystem::path& to,
     const RemapCurve& curve,
-    int total,
+    const FilmFrames& frames,
     const ProgressCallback& onProgress,
     const std::stop_token& stop) const
 {
     const std::filesystem::path movie = m_bundle.screenMovieURL();
     SourceReader reader(movie);
+    WebcamSource webcam(m_plan.webcam, m_bundle.url);
     const VideoSize sourceSize = reader.naturalSize();
     FrameCompositor compositor(m_plan.output, m_plan.style, sourceSize);
     FrameSequence sequence(m_plan, m_bundle.events, curve, sourceSize);
@@ -187,14 +235,14 @@ void OfflineExporter::writeFilm(
     const std::stop_callback wake(stop, abandon);
     auto decoding = startStage(
         "export.decode",
-        [&] { decode(reader, curve, m_plan.output.fps, total, movie, decoded); },
+        [&] { decode(reader, webcam, curve, m_plan.output.fps, frames.main, movie, decoded); },
         abandon);
     auto composing = startStage(
         "export.compose",
-        [&] { compose(compositor, sequence, m_repeats, decoded, composed); },
+        [&] { compose(compositor, sequence, m_plan, frames, m_repeats, decoded, composed); },
         abandon);
     try {
-        encode(composed, writer, total, onProgress);
+        encode(composed, writer, frames.total(), onProgress);
     } catch (...) {
         abandon();
         throw; // the futures wait for their threads

@@ -10,15 +10,17 @@
 namespace zento {
 
 class RemapCurve;
+struct FilmFrames;
 
-/// Writes the finished film of a recording.
+/// Writes the finished film of a recording: the title card, the main part, the end card.
 ///
 /// The film is made under a temporary name beside the target and takes the target's name when it is
-/// complete. A failure or a cancellation removes the temporary file and leaves a film that was
-/// there before untouched.
+/// complete. A plan with sound has its soundtrack made meanwhile and joined to the pictures in the
+/// end, through two more temporary files. A failure or a cancellation removes them all and leaves a
+/// film that was there before untouched.
 ///
-/// Threading: one call at a time. A call decodes and composes on two threads of its own and encodes
-/// on the caller's.
+/// Threading: one call at a time. A call decodes, composes and makes the sound on three threads of
+/// its own and encodes on the caller's.
 class OfflineExporter {
 public:
     struct Progress {
@@ -47,7 +49,7 @@ private:
     void writeFilm(
         const std::filesystem::path& to,
         const RemapCurve& curve,
-        int total,
+        const FilmFrames& frames,
         const ProgressCallback& onProgress,
         const std::stop_token& stop) const;
 

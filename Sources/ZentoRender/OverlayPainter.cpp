@@ -35,7 +35,8 @@ PlacedSprite placedPointer(const FrameRecipe::Pointer& pointer, Layout layout)
 
 } // namespace
 
-void OverlayPainter::paint(const FrameRecipe& recipe, const PictureView& canvas)
+void OverlayPainter::paint(
+    const FrameRecipe& recipe, const std::optional<WebcamLayer>& webcam, const PictureView& canvas)
 {
     for (const FrameRecipe::Ring& ring : recipe.rings)
         fillRing(
@@ -47,6 +48,9 @@ void OverlayPainter::paint(const FrameRecipe& recipe, const PictureView& canvas)
         fillRoundedRect(canvas, circle(disc.center, disc.radius), disc.color);
     if (recipe.pointer)
         paintPointer(*recipe.pointer, canvas);
+    if (recipe.webcam && webcam)
+        m_webcam.paint(*recipe.webcam, webcam->frame, canvas);
+    m_texts.paint(recipe.texts, canvas);
 }
 
 void OverlayPainter::paintPointer(const FrameRecipe::Pointer& pointer, const PictureView& canvas)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZentoCore/Error.h"
+#include "ZentoRender/ScratchFile.h"
 
 #include <filesystem>
 
@@ -11,21 +12,20 @@ namespace zento {
 class PartFile {
 public:
     explicit PartFile(std::filesystem::path target);
-    ~PartFile();
-    PartFile(const PartFile&) = delete;
-    PartFile& operator=(const PartFile&) = delete;
 
-    const std::filesystem::path& path() const { return m_path; }
-
-    /// An error about this file as one about the target, whose name the user gave.
-    Error aboutTarget(const Error& error) const;
+    const std::filesystem::path& path() const { return m_file.path(); }
 
     /// Replaces the target. The file must be complete and closed. Throws `Error`.
     void renameToTarget();
 
 private:
     std::filesystem::path m_target;
-    std::filesystem::path m_path;
+    ScratchFile m_file;
 };
+
+/// The same error with one file's name for another's: a user knows the target, not what it was made
+/// under.
+Error renamed(
+    const Error& error, const std::filesystem::path& from, const std::filesystem::path& to);
 
 } // namespace zento

@@ -31,8 +31,10 @@ void draw(
             if (*index >= colors.ColorCount || x >= gif.width || y >= gif.height)
                 throw std::runtime_error("an index without a colour or a pixel outside");
             const GifColorType& c = colors.Colors[*index];
-            canvas[static_cast<std::size_t>(y) * static_cast<std::size_t>(gif.width) + static_cast<std::size_t>(x)] =
-                static_cast<std::uint32_t>(c.Red << 16 | c.Green << 8 | c.Blue);
+            canvas
+                [static_cast<std::size_t>(y) * static_cast<std::size_t>(gif.width)
+                 + static_cast<std::size_t>(x)] =
+                    static_cast<std::uint32_t>(c.Red << 16 | c.Green << 8 | c.Blue);
         }
     }
 }
@@ -56,7 +58,9 @@ std::span<const ExtensionBlock> extensions(const SavedImage& image)
 
 std::uint32_t ReadGif::pixel(const ShownGifFrame& frame, int x, int y) const
 {
-    return frame.pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)];
+    return frame.pixels
+        [static_cast<std::size_t>(y) * static_cast<std::size_t>(width)
+         + static_cast<std::size_t>(x)];
 }
 
 int ReadGif::duration() const
@@ -74,7 +78,8 @@ ReadGif readGif(const std::filesystem::path& path)
     if (!file || DGifSlurp(file.get()) != GIF_OK)
         throw std::runtime_error(path.string() + " is not a whole GIF");
     ReadGif gif{.width = file->SWidth, .height = file->SHeight};
-    std::vector<std::uint32_t> canvas(static_cast<std::size_t>(gif.width) * static_cast<std::size_t>(gif.height));
+    std::vector<std::uint32_t> canvas(
+        static_cast<std::size_t>(gif.width) * static_cast<std::size_t>(gif.height));
     for (int i = 0; i < file->ImageCount; ++i) {
         const SavedImage& image = file->SavedImages[i];
         GraphicsControlBlock control{};

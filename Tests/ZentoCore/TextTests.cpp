@@ -39,5 +39,15 @@ TEST(Trimming, takesWhiteSpaceAndLineBreaksOnly)
     EXPECT_EQ(trimmed(""), "");
 }
 
+TEST(OneLine, hasNoBreaksOrControls)
+{
+    EXPECT_EQ(onOneLine("a\nb\r\nc\rd\te"), "a b c d e");
+    EXPECT_EQ(onOneLine(std::string_view("a\0b\x1b\x7f", 5)), "a b  ");
+    EXPECT_EQ(onOneLine("a\xC2\x85\xE2\x80\xA8\xE2\x80\xA9z"), "a   z");
+    EXPECT_EQ(
+        onOneLine("\xFFn\xC3\xA9 e\xCC\x81 \xF0\x9F\x91\x8D"),
+        "\xEF\xBF\xBDn\xC3\xA9 e\xCC\x81 \xF0\x9F\x91\x8D");
+}
+
 } // namespace
 } // namespace zento

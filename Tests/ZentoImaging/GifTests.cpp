@@ -166,7 +166,8 @@ void expectShows(const test::ShownGifFrame& frame, const Picture& picture)
 {
     for (int y = 0; y < kHeight; ++y) {
         for (int x = 0; x < kWidth; ++x) {
-            const std::uint32_t shown = frame.pixels[static_cast<std::size_t>(y) * kWidth + static_cast<std::size_t>(x)];
+            const std::uint32_t shown =
+                frame.pixels[static_cast<std::size_t>(y) * kWidth + static_cast<std::size_t>(x)];
             const PackedRgb wanted = packRgb(
                 picture.plane(0).row(y)[x], picture.plane(1).row(y)[x], picture.plane(2).row(y)[x]);
             // A level of noise, and up to 2.8 of another colour that will do.

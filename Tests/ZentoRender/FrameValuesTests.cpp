@@ -144,5 +144,49 @@ TEST(FrameValuesTest, AnIdlePointerFadesAndComesBackAtOnce)
     EXPECT_EQ(untouched.step(2, {-1, -1}, 0), 0) << "never active counts as idle since the start";
 }
 
+TEST(FrameValuesTest, TextsFadeAroundTheirTime)
+{
+    const std::vector<KeystrokeChip> chips = {{1, 2, "one"}, {1.9, 3, "two"}, {0, 5, "late"}};
+    const std::vector<CaptionChip> captions = {{1, 2, "one"}, {2, 3, "two"}};
+    const std::vector<ChapterMarker> chapters = {{1, "one"}, {3, "two"}};
+    const std::span<const KeystrokeChip> twoChips(chips.begin(), 2);
+    struct Case {
+        const char* name;
+        std::optional<FrameText> text;
+        std::optional<FrameText> expected;
+    };
+    const Case cases[] = {
+        {"chip before", keystrokeAt(twoChips, 0.8499), {}},
+        {"chip coming", keystrokeAt(twoChips, 0.925), {{"one", 0.5}}},
+        {"chip there", keystrokeAt(twoChips, 1), {{"one", 1}}},
+        {"the later chip wins while it comes", keystrokeAt(twoChips, 1.825), {{"two", 0.5}}},
+        {"chip to its end", keystrokeAt(twoChips, 3), {{"two", 1}}},
+        {"chip going", keystrokeAt(twoChips, 3.1), {{"two", 0.5}}},
+        {"chip gone", keystrokeAt(twoChips, 3.2001), {}},
+        {"later in the plan, not in time", keystrokeAt(chips, 2.5), {{"late", 1}}},
+        {"no chips", keystrokeAt({}, 1), {}},
+        {"caption before", captionAt(captions, 0.8799), {}},
+        {"caption coming", captionAt(captions, 0.94), {{"one", 0.5}}},
+        {"caption there", captionAt(captions, 1.5), {{"one", 1}}},
+        {"the next caption comes", captionAt(captions, 1.97), {{"two", 0.75}}},
+        {"caption going", captionAt(captions, 3.125), {{"two", 0.5}}},
+        {"caption gone", captionAt(captions, 3.2501), {}},
+        {"chapter before", chapterAt(chapters, 0.9999), {}},
+        {"chapter begins", chapterAt(chapters, 1), {{"one", 0}}},
+        {"chapter coming", chapterAt(chapters, 1.125), {{"one", 0.5}}},
+        {"chapter there", chapterAt(chapters, 2.9), {{"one", 1}}},
+        {"the next chapter at once", chapterAt(chapters, 3), {{"two", 0}}},
+        {"chapter going", chapterAt(chapters, 5.6), {{"two", 0.5}}},
+        {"chapter gone", chapterAt(chapters, 5.8001), {}},
+    };
+    for (const Case& c : cases) {
+        ASSERT_EQ(c.text.has_value(), c.expected.has_value()) << c.name;
+        if (!c.text)
+            continue;
+        EXPECT_EQ(c.text->text, c.expected->text) << c.name;
+        EXPECT_NEAR(c.text->alpha, c.expected->alpha, 1e-9) << c.name;
+    }
+}
+
 } // namespace
 } // namespace zento

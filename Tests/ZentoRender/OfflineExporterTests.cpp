@@ -3,6 +3,7 @@
 #include "ZentoCore/Error.h"
 #include "ZentoCore/RemapCurve.h"
 #include "ZentoMedia/VideoDecoder.h"
+#include "ZentoRender/FilmFrames.h"
 #include "ZentoRender/OfflineExporter.h"
 
 #include <gmock/gmock.h>
@@ -11,6 +12,7 @@
 #include <cmath>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <string>
 
 namespace zento {
@@ -126,7 +128,7 @@ TEST_F(OfflineExporterTest, ASourceThatEndsEarlyShowsItsLastFrame)
 
 TEST_F(OfflineExporterTest, ReusingFramesGivesTheSameFile)
 {
-    // Still, then moving, still again; a camera move, clicks, a pointer that hides.
+    // Still, then moving, still again; a camera move, clicks, a pointer that hides, texts.
     std::vector<test::NumberedFrame> frames;
     frames.reserve(120);
     for (int i = 0; i < 120; ++i)
@@ -138,6 +140,11 @@ TEST_F(OfflineExporterTest, ReusingFramesGivesTheSameFile)
     m_plan.camera = {{0, {64, 48}, 1}, {0.9, {30, 30}, 1.8}};
     m_plan.cursor = {{0, {20, 20}, "arrow"}, {0.4, {20, 20}, "arrow"}, {0.7, {90, 60}, "iBeam"}};
     m_plan.clicks = {{0.35, {20, 20}}};
+    m_plan.keystrokes = {{{0.5, 1.2, "K"}}};
+    m_plan.captions = {{{0.2, 0.8, "words"}, {0.8, 1.4, "more"}}};
+    m_plan.chapters = {{{0.1, "C"}}};
+    m_plan.titleCard = TextCard{.title = "T", .duration = 1.5};
+    m_plan.endCard = TextCard{.title = "E", .duration = 0.5, .design = "glow"};
     exporter().exportFilm(m_film);
     OfflineExporter(m_bundle, m_plan, OfflineExporter::Repeats::Compose)
         .exportFilm(m_folder / "plain.mp4");
@@ -237,6 +244,95 @@ TEST_F(OfflineExporterTest, TheCameraFollowsThePlan)
     for (std::size_t i = 0; i < frames.size(); ++i) {
         const auto luma = frames[i].planes8().y;
         EXPECT_EQ(luma.row(48)[64] > 126, i % 2 == 1) << i;
+    }
+}
+
+TEST_F(OfflineExporterTest, CardsStandBeforeAndAfterTheMainPart)
+{
+    constexpr int kFirst = 0x9A53; // a pattern no other picture shows
+    std::vector<test::NumberedFrame> recorded;
+    recorded.reserve(60);
+    for (int i = 0; i < 60; ++i)
+        recorded.push_back({.number = kFirst + i, .time = i / 60.0});
+    test::writeNumberedRecording(m_bundle.screenMovieURL(), {128, 96}, recorded);
+    m_plan.timeRemap = {{0, 1, 1}};
+    m_plan.output.fps = 30;
+    m_plan.titleCard = TextCard{.title = "Title", .duration = 0.55}; // 16.5 frames: 17
+    m_plan.endCard = TextCard{.title = "End", .duration = 0.4};
+    // The camera would have long arrived at the first cell, had it moved during the title.
+    m_plan.camera = {{0, {64, 48}, 1}, {0.01, {16, 12}, 4}};
+    m_plan.style.cursorStyle = "hidden";
+    m_plan.style.background = Background::Color{"#000000"};
+    std::vector<OfflineExporter::Progress> progress;
+    exporter().exportFilm(m_film, [&](const auto& p) { progress.push_back(p); });
+    const auto frames = test::readFrames(m_film);
+    ASSERT_EQ(frames.size(), 17U + 30U + 12U);
+    ASSERT_EQ(progress.size(), frames.size());
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        EXPECT_NEAR(frames[i].time(), static_cast<double>(i) / 30, 1e-6) << i;
+        EXPECT_EQ(
+            progress[i],
+            (OfflineExporter::Progress{static_cast<int>(i) + 1, static_cast<int>(frames.size())}));
+    }
+    EXPECT_EQ(test::numberOf(frames[17]), kFirst) << "the main part begins at its first frame";
+    const auto brightest = [&](std::size_t i) {
+        const auto luma = frames[i].planes8().y;
+        int most = 0;
+        for (int y = 0; y < luma.height; ++y)
+            most = std::max<int>(most, *std::max_element(luma.row(y), luma.row(y) + luma.width));
+        return most;
+    };
+    for (const std::size_t faded : {0U, 47U})
+        EXPECT_LT(brightest(faded), 60) << "a card begins with the background alone: " << faded;
+    for (const std::size_t seen : {8U, 53U})
+        EXPECT_GT(brightest(seen), 90) << "and is seen in its middle: " << seen;
+}
+
+TEST_F(OfflineExporterTest, AFilmMayBeACardAlone)
+{
+    record(2);
+    m_plan.timeRemap.clear();
+    m_plan.endCard = TextCard{.title = "The end", .duration = 0.2};
+    exporter().exportFilm(m_film);
+    EXPECT_EQ(test::readFrames(m_film).size(), 12U);
+    m_plan.endCard->duration = 0.008;
+    EXPECT_THAT(failure(), HasSubstr("no frame"));
+    m_plan.titleCard = TextCard{.title = "T", .duration = 1e300};
+    EXPECT_THAT(failure(), HasSubstr("too long"));
+}
+
+TEST(FilmFramesTest, RoundsCardsAndFloorsTheMainPart)
+{
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    struct Case {
+        const char* name;
+        double fps;
+        double titleDuration;
+        double mainDuration;
+        std::optional<FilmFrames> expected;
+    };
+    const Case cases[] = {
+        {"whole seconds", 30, 2, 1, FilmFrames{60, 30, 30}},
+        {"half a frame of a card counts", 30, 0.05, 1, FilmFrames{2, 30, 30}},
+        {"less does not", 30, 0.0499, 1, FilmFrames{1, 30, 30}},
+        {"nor a part of a main frame", 30, 1, 0.999, FilmFrames{30, 29, 30}},
+        {"a broken rate", 29.97, 2.2, 1, FilmFrames{66, 29, 30}},
+        {"no duration", 60, 0, 0.5, FilmFrames{0, 30, 60}},
+        {"a negative one", 60, -3, 0.5, FilmFrames{0, 30, 60}},
+        {"no number", 60, std::numeric_limits<double>::quiet_NaN(), 0.5, FilmFrames{0, 30, 60}},
+        {"endless", 60, kInfinity, 0.5, std::nullopt},
+        {"too many to count", 60, 1e8, 0.5, std::nullopt},
+    };
+    for (const Case& c : cases) {
+        EditPlan plan;
+        plan.output.fps = c.fps;
+        plan.titleCard = TextCard{.title = "T", .duration = c.titleDuration};
+        plan.endCard = TextCard{.title = "E", .duration = 1};
+        EXPECT_EQ(filmFrames(plan, RemapCurve({{0, c.mainDuration, 1}})), c.expected) << c.name;
+        plan.titleCard.reset();
+        plan.endCard.reset();
+        const auto bare = filmFrames(plan, RemapCurve({{0, c.mainDuration, 1}}));
+        EXPECT_EQ(bare->total(), std::floor(c.mainDuration * c.fps)) << c.name;
     }
 }
 

@@ -82,6 +82,26 @@ void pointers(const std::filesystem::path& folder)
     sheet.save(folder / "pointers.png");
 }
 
+void textCards(const std::filesystem::path& folder)
+{
+    constexpr std::array kDesigns = {"classic", "editorial", "mono", "glow", "pill", "underline"};
+    constexpr OutputSpec kOutput = {.width = 960, .height = 540, .fps = 60};
+    Sheet sheet(480, 270, static_cast<int>(kDesigns.size()) / 2);
+    for (const Ground& ground : kGrounds) {
+        StyleSpec style;
+        style.background = Background::Color{ground.color};
+        FrameCompositor compositor(kOutput, style, {960, 540});
+        for (const char* design : kDesigns) {
+            const TextCard card = {
+                .title = "A weather station", .subtitle = "Its next version", .design = design};
+            sheet.add(
+                std::string(design) + " on " + ground.name,
+                toCanvas(compositor.composeCard(card, 0.5)->view()));
+        }
+    }
+    sheet.save(folder / "cards.png");
+}
+
 /// Something to mark: a window with lines of text.
 Canvas shot(const char* ground, int width, int height)
 {
@@ -177,7 +197,11 @@ int main(int count, char** words)
         const std::filesystem::path folder = words[1];
         std::filesystem::create_directories(folder);
         for (const auto draw :
-             {zento::backgrounds, zento::pointers, zento::annotations, zento::shots})
+             {zento::backgrounds,
+              zento::pointers,
+              zento::textCards,
+              zento::annotations,
+              zento::shots})
             draw(folder);
     } catch (const std::exception& error) {
         std::cerr << "contact_sheets: " << error.what() << '\n';

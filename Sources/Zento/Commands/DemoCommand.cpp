@@ -5,6 +5,7 @@
 #include "Zento/Commands/Subcommands.h"
 #include "Zento/Demo/DemoActor.h"
 #include "Zento/Demo/DemoStage.h"
+#include "Zento/Demo/DemoTracks.h"
 #include "ZentoCore/Error.h"
 
 #include <array>
@@ -34,7 +35,24 @@ std::filesystem::path recordDemo(const std::filesystem::path& folder, Interrupti
     if (interruption.token().stop_requested()) {
         throw Error(ErrorCode::kDemoStopped, "the demo was stopped before its end");
     }
-    return recording.finish();
+    const std::filesystem::path bundle = recording.finish();
+    addDemoTracks(bundle, actor.spoken(), recording.epoch(), interruption.token());
+    return bundle;
+}
+
+/// Everything a film can have.
+AppSettings demoSettings()
+{
+    AppSettings settings;
+    settings.showKeystrokes = true;
+    settings.motionBlur = true;
+    settings.webcamBlurBackground = true;
+    settings.webcamEnhance = true;
+    settings.titleCard = true;
+    settings.titleCardText = "A picture for the storm warning";
+    settings.endCard = true;
+    settings.endCardLine = "Recorded and edited by Zento";
+    return settings;
 }
 
 } // namespace
@@ -49,7 +67,7 @@ void demo(std::span<const std::string_view> words)
     Interruption interruption;
     const SessionBundle bundle = SessionBundle::load(recordDemo(folder, interruption));
     std::cout << bundle.url.string() << '\n';
-    std::cout << makeFilm(bundle, AppSettings{}, bundle.filmURL(), interruption.token()).string()
+    std::cout << makeFilm(bundle, demoSettings(), bundle.filmURL(), interruption.token()).string()
               << '\n';
 }
 

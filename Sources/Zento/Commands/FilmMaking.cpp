@@ -1,8 +1,10 @@
 #include "Zento/Commands/FilmMaking.h"
 
+#include "Zento/Commands/BundleMusic.h"
 #include "Zento/Commands/ProgressBar.h"
 #include "Zento/Desktop/DesktopImage.h"
 #include "Zento/Model/PlanSources.h"
+#include "Zento/Model/TextCards.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoRender/GIFExporter.h"
 #include "ZentoRender/OfflineExporter.h"
@@ -70,9 +72,13 @@ std::filesystem::path makeFilm(
     const std::filesystem::path& film,
     const std::stop_token& stop)
 {
-    const auto input =
-        gatherPlanInput(bundle, settings, loadSavedOverrides(bundle), desktopImage());
-    const EditPlan plan = EditPlanner::plan(input);
+    const SavedOverrides edits = loadSavedOverrides(bundle);
+    EditPlanner::PlanInput input = gatherPlanInput(bundle, settings, edits, desktopImage());
+    input.music = bundleMusic(bundle, edits, stop);
+    EditPlan plan = EditPlanner::plan(input);
+    FilmCards cards = currentCards(settings, bundle.meta, loadVideoCopy(bundle));
+    plan.titleCard = std::move(cards.title);
+    plan.endCard = std::move(cards.end);
     PlanFile planFile(bundle.editPlanURL(), plan);
     ProgressBar bar("Rendering");
     OfflineExporter(bundle, plan)

@@ -1,4 +1,5 @@
 #include "Zento/Commands/Arguments.h"
+#include "Zento/Commands/BundleMusic.h"
 #include "Zento/Commands/Subcommands.h"
 #include "Zento/Commands/UserSettings.h"
 #include "Zento/Desktop/DesktopImage.h"
@@ -53,6 +54,9 @@ void plan(std::span<const std::string_view> words)
     const bool hasOwnEdits = arguments.value("--overrides").has_value();
     const SavedOverrides edits = hasOwnEdits ? SavedOverrides{} : loadSavedOverrides(bundle);
     EditPlanner::PlanInput input = gatherPlanInput(bundle, settings, edits, desktopImage());
+    if (!arguments.value("--music")) {
+        input.music = bundleMusic(bundle, edits);
+    }
     apply(arguments, input);
     const std::string text = encodePlan(EditPlanner::plan(input)) + "\n";
     if (const auto file = arguments.value("--output")) {

@@ -26,6 +26,9 @@ public:
     /// folder stays, and the sentence says so.
     std::filesystem::path finish();
 
+    /// The recording's epoch in seconds of the monotonic clock; only after `finish`.
+    double epoch() const { return m_session.epoch().value(); }
+
 private:
     std::filesystem::path m_bundle;
     CaptureSession m_session;

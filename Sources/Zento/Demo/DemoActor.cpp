@@ -109,6 +109,12 @@ void DemoActor::carryOut(const ScrollStep& step, const std::stop_token& stop)
     m_pointer.scroll(step.direction, step.notches, stop);
 }
 
+void DemoActor::carryOut(const SayStep& step, const std::stop_token&)
+{
+    const std::chrono::duration<double> now = std::chrono::steady_clock::now().time_since_epoch();
+    m_spoken.push_back({.time = now.count(), .text = step.text});
+}
+
 void DemoActor::perform(const DemoStep& step, const std::stop_token& stop)
 {
     std::visit([&](const auto& kind) { carryOut(kind, stop); }, step);

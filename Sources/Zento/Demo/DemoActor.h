@@ -9,8 +9,15 @@
 #include <span>
 #include <stop_token>
 #include <string>
+#include <vector>
 
 namespace zento {
+
+/// A sentence that was said during a performance.
+struct SpokenLine {
+    double time = 0; // seconds of the monotonic clock
+    std::string text;
+};
 
 /// Performs steps of a script as a person would: looks for the element, moves there, does it.
 ///
@@ -29,6 +36,9 @@ public:
     /// Throws `Error` kElementMissing, kUntypeable, kDemoStopped.
     void perform(const DemoStep& step, const std::stop_token& stop);
 
+    /// What was said so far. Nothing sounds: the voice is added to the recording afterwards.
+    const std::vector<SpokenLine>& spoken() const { return m_spoken; }
+
 private:
     void carryOut(const PauseStep& step, const std::stop_token& stop);
     void carryOut(const MoveStep& step, const std::stop_token& stop);
@@ -36,12 +46,14 @@ private:
     void carryOut(const TypeStep& step, const std::stop_token& stop);
     void carryOut(const PressStep& step, const std::stop_token& stop);
     void carryOut(const ScrollStep& step, const std::stop_token& stop);
+    void carryOut(const SayStep& step, const std::stop_token& stop);
     void moveOnto(const ElementQuery& query, Spot spot, const std::stop_token& stop);
 
     Random m_random;
     Pointer m_pointer;
     Typist m_typist;
     ElementFinder m_finder;
+    std::vector<SpokenLine> m_spoken;
 };
 
 /// Waits until the first element that the script names can be found: a program that has just

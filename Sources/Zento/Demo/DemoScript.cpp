@@ -42,6 +42,8 @@ ClickStep clickBehind(ElementQuery text, PointerButton button = PointerButton::L
 std::vector<DemoStep> demoScript()
 {
     return {
+        PauseStep{0.4},
+        SayStep{"Let's find a picture for the storm warning."},
         PauseStep{0.8},
 
         // An icon is looked up, looked at and copied.
@@ -51,12 +53,15 @@ std::vector<DemoStep> demoScript()
         PauseStep{0.4},
         ClickStep{inBrowser("icon", std::string(kIcon))},
         PauseStep{6.6},
+        SayStep{"This one it is. I copy its name."},
+        PauseStep{0.4},
         ClickStep{inIconDialog("push button", "Copy to Clipboard")},
         PauseStep{0.2},
         ClickStep{inIconDialog("push button", "Close")},
         PauseStep{0.2},
 
         // It is noted down among the plans.
+        SayStep{"These are our plans for the next version, and here is the place for it."},
         ScrollStep{inEditor("text", ""), WheelDirection::Down, 8},
         PauseStep{0.4},
         ScrollStep{inEditor("text", ""), WheelDirection::Up, 4},
@@ -71,6 +76,7 @@ std::vector<DemoStep> demoScript()
         PauseStep{0.4},
 
         // On to the next one.
+        SayStep{"Saved. On to the calendar!"},
         ClickStep{inBrowser("toggle button", "")},
         PauseStep{0.2},
         TypeStep{"calendar"},

@@ -46,11 +46,18 @@ struct ScrollStep {
     int notches = 0;
 };
 
-using DemoStep = std::variant<PauseStep, MoveStep, ClickStep, TypeStep, PressStep, ScrollStep>;
+/// Says a sentence while the work goes on.
+struct SayStep {
+    std::string text;
+};
+
+using DemoStep =
+    std::variant<PauseStep, MoveStep, ClickStep, TypeStep, PressStep, ScrollStep, SayStep>;
 
 /// What the demo shows, about 27 seconds: a look through a collection of icons, the choice noted
 /// down in a text, and a search. It has what an automatic editor works on: clicks far apart,
-/// typing, scrolling, a menu, and more than six seconds in which nothing happens.
+/// typing, scrolling, a menu, some words on what is done, and more than six seconds in which
+/// nothing happens.
 std::vector<DemoStep> demoScript();
 
 /// The title of the text that the script writes into, and its content at the start.

@@ -2,6 +2,7 @@
 
 #include "ZentoCore/Error.h"
 #include "ZentoCore/FileIO.h"
+#include "ZentoEngine/BeatDetector.h"
 
 #include <filesystem>
 #include <system_error>
@@ -85,6 +86,11 @@ SavedOverrides loadSavedOverrides(const SessionBundle& bundle)
     }
 }
 
+std::optional<VideoCopy> loadVideoCopy(const SessionBundle& bundle)
+{
+    return analysis(bundle.copyURL(), decodeVideoCopy);
+}
+
 EditPlanner::PlanInput gatherPlanInput(
     const SessionBundle& bundle,
     const AppSettings& settings,
@@ -110,6 +116,19 @@ EditPlanner::PlanInput gatherPlanInput(
     input.systemAudio = soundTrack(
         bundle.systemAudioURL(), bundle.meta.systemAudioOffset, settings.systemAudioGainDb);
     return input;
+}
+
+std::optional<EditPlanner::MusicInfo>
+analyzedMusic(const SessionBundle& bundle, const SavedOverrides& edits, const std::stop_token& stop)
+{
+    if (!isThere(bundle.musicURL())) {
+        return std::nullopt;
+    }
+    return EditPlanner::MusicInfo{
+        .file = std::filesystem::absolute(bundle.musicURL()).string(),
+        .grid = BeatDetector::analyze(bundle.musicURL(), stop),
+        .start = edits.musicStart,
+        .end = edits.musicEnd};
 }
 
 } // namespace zento

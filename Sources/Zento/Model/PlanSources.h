@@ -1,11 +1,13 @@
 #pragma once
 
 #include "Zento/Model/AppSettings.h"
+#include "ZentoCore/Analyses.h"
 #include "ZentoCore/Overrides.h"
 #include "ZentoCore/SessionBundle.h"
 #include "ZentoEngine/EditPlanner.h"
 
 #include <optional>
+#include <stop_token>
 #include <string>
 
 namespace zento {
@@ -14,15 +16,25 @@ namespace zento {
 /// edits. Throws `Error` only for edits that contradict each other.
 SavedOverrides loadSavedOverrides(const SessionBundle& bundle);
 
+/// The bundle's "copy.json", or nothing where it is missing or does not decode. Blocks on a file.
+std::optional<VideoCopy> loadVideoCopy(const SessionBundle& bundle);
+
 /// Everything the plan of a bundle is made from, gathered from its files and the settings.
 ///
 /// Analyses that are missing or do not decode are left out; none is run. A track exists when its
-/// file does. Music is not part of it: its beats are an analysis. The result views
-/// `bundle.events`, so the bundle must outlive it. Blocks on files.
+/// file does. Music is not part of it: its beats are an analysis, see `analyzedMusic`. The result
+/// views `bundle.events`, so the bundle must outlive it. Blocks on files.
 EditPlanner::PlanInput gatherPlanInput(
     const SessionBundle& bundle,
     const AppSettings& settings,
     const SavedOverrides& edits,
     const std::optional<std::string>& desktopImage);
+
+/// The bundle's music with its beats, used within the window of the edits. Nothing without a file.
+///
+/// Reads and analyses the whole of it. Throws `Error` for music that cannot be read, which a plan
+/// then does without, and with the code `kCancelled` soon after `stop` is requested.
+std::optional<EditPlanner::MusicInfo> analyzedMusic(
+    const SessionBundle& bundle, const SavedOverrides& edits, const std::stop_token& stop = {});
 
 } // namespace zento

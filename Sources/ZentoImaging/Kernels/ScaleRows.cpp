@@ -146,6 +146,16 @@ void weightRows10(
     weightAll(rows, weights, taps, count, out);
 }
 
+void weightRows15(
+    const std::int16_t* const* rows,
+    const std::int16_t* weights,
+    int taps,
+    std::size_t count,
+    std::int16_t* out)
+{
+    weightAll(rows, weights, taps, count, out);
+}
+
 void weightRows14(
     const std::int16_t* const* rows,
     const std::int16_t* weights,
@@ -321,6 +331,7 @@ namespace zento {
 
 HWY_EXPORT(weightRows8);
 HWY_EXPORT(weightRows10);
+HWY_EXPORT(weightRows15);
 HWY_EXPORT(weightRows14);
 HWY_EXPORT(scaleByWindowsOf);
 HWY_EXPORT(scaleByDotsOf);
@@ -345,6 +356,16 @@ void weightRows(
     std::int16_t* out)
 {
     HWY_DYNAMIC_DISPATCH(weightRows10)(rows, weights, taps, count, out);
+}
+
+void weightRows(
+    const std::int16_t* const* rows,
+    const std::int16_t* weights,
+    int taps,
+    std::size_t count,
+    std::int16_t* out)
+{
+    HWY_DYNAMIC_DISPATCH(weightRows15)(rows, weights, taps, count, out);
 }
 
 void weightRowsToBytes(

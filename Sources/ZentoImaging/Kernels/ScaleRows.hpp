@@ -25,6 +25,12 @@ void weightRows(
     int taps,
     std::size_t count,
     std::int16_t* out);
+void weightRows(
+    const std::int16_t* const* rows, // of 15 bits: an 8-bit sample times 128
+    const std::int16_t* weights,
+    int taps,
+    std::size_t count,
+    std::int16_t* out);
 
 /// The same over 14-bit rows, to 8-bit samples: the horizontal half of a convolution, where the
 /// "rows" are one row at growing offsets.

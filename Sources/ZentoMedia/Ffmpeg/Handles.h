@@ -5,6 +5,7 @@ extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/dict.h>
 #include <libavutil/frame.h>
+#include <libswresample/swresample.h>
 #include <libswscale/swscale.h>
 }
 
@@ -19,6 +20,8 @@ struct Release {
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
     void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
+    void operator()(SwrContext* resampler) const { swr_free(&resampler); }
+    void operator()(AVCodecParameters* parameters) const { avcodec_parameters_free(&parameters); }
 };
 
 struct ReleaseInput {
@@ -32,6 +35,8 @@ struct ReleaseOutput {
 using CodecHandle = std::unique_ptr<AVCodecContext, Release>;
 using FrameHandle = std::unique_ptr<AVFrame, Release>;
 using PacketHandle = std::unique_ptr<AVPacket, Release>;
+using ParametersHandle = std::unique_ptr<AVCodecParameters, Release>;
+using ResamplerHandle = std::unique_ptr<SwrContext, Release>;
 using ScalerHandle = std::unique_ptr<SwsContext, Release>;
 using InputHandle = std::unique_ptr<AVFormatContext, ReleaseInput>;
 using OutputHandle = std::unique_ptr<AVFormatContext, ReleaseOutput>;

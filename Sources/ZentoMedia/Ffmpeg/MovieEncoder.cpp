@@ -22,50 +22,31 @@ MovieEncoder::MovieEncoder(
     const std::filesystem::path& path,
     Container container,
     CodecHandle codec,
-    std::int64_t frameDuration,
+    std::optional<std::int64_t> frameDuration,
     int errorCode)
     : m_path(path)
-    , m_container(container)
+    , m_keepsRoom(container == Container::QuickTime)
     , m_codec(std::move(codec))
     , m_frameDuration(frameDuration)
-    , m_file(path)
+    , m_file(path, container, errorCode)
 {
-    openFile(errorCode);
+    begin();
 }
 
-void MovieEncoder::openFile(int errorCode)
+void MovieEncoder::begin()
 {
-    AVFormatContext* output = nullptr;
-    const int made = avformat_alloc_output_context2(
-        &output,
-        nullptr,
-        m_container == Container::QuickTime ? "mov" : "mp4",
-        fileUrl(m_path).c_str());
-    if (made < 0)
-        throw failure(kWriting, m_path, made, errorCode);
-    m_output.reset(output);
-    m_output->pb = m_file.io();
-    m_output->flags |= AVFMT_FLAG_CUSTOM_IO;
-
-    AVStream* stream = avformat_new_stream(output, nullptr);
-    if (stream == nullptr)
+    const auto parameters = allocated(ParametersHandle(avcodec_parameters_alloc()));
+    if (avcodec_parameters_from_context(parameters.get(), m_codec.get()) < 0)
         throw std::bad_alloc();
-    const int copied = avcodec_parameters_from_context(stream->codecpar, m_codec.get());
-    if (copied < 0)
-        throw failure(kWriting, m_path, copied, errorCode);
-    stream->time_base = m_codec->time_base;
-    stream->avg_frame_rate = m_codec->framerate;
-    stream->sample_aspect_ratio = m_codec->sample_aspect_ratio;
-
+    AVStream& track = m_file.addTrack(*parameters, m_codec->time_base);
     Options options;
-    // Left alone, the container doubles a timescale until it is 10000 or more.
-    options.set("video_track_timescale", m_codec->time_base.den);
-    if (m_container == Container::Mp4)
-        options.set("movflags", "+faststart");
-    const int written = avformat_write_header(output, options.address());
-    m_file.check();
-    if (written < 0)
-        throw failure(kWriting, m_path, written, errorCode);
+    if (m_codec->codec_type == AVMEDIA_TYPE_VIDEO) {
+        track.avg_frame_rate = m_codec->framerate;
+        track.sample_aspect_ratio = m_codec->sample_aspect_ratio;
+        // Left alone, the container doubles a timescale until it is 10000 or more.
+        options.set("video_track_timescale", m_codec->time_base.den);
+    }
+    m_file.begin(options);
 }
 
 void MovieEncoder::encode(const AVFrame& frame, int errorCode)
@@ -80,6 +61,7 @@ void MovieEncoder::drain(int errorCode)
 
 void MovieEncoder::send(const AVFrame* frame, int errorCode)
 {
+    m_file.setErrorCode(errorCode);
     const int sent = avcodec_send_frame(m_codec.get(), frame);
     if (sent < 0)
         throw failure(kWriting, m_path, sent, errorCode);
@@ -89,36 +71,41 @@ void MovieEncoder::send(const AVFrame* frame, int errorCode)
             return;
         if (received < 0)
             throw failure(kWriting, m_path, received, errorCode);
-        writePacket(errorCode);
+        writePacket();
     }
 }
 
-void MovieEncoder::writePacket(int errorCode)
+void MovieEncoder::writePacket()
 {
-    if (m_container == Container::QuickTime)
+    if (m_keepsRoom)
         m_file.keepRoom(
             m_packet->size + kIndexBaseBytes + kIndexBytesPerFrame * (m_framesWritten + 1));
-    m_packet->stream_index = 0;
-    m_packet->duration = m_frameDuration;
-    av_packet_rescale_ts(m_packet.get(), m_codec->time_base, m_output->streams[0]->time_base);
-    const int written = av_write_frame(m_output.get(), m_packet.get());
-    av_packet_unref(m_packet.get());
-    m_file.check();
-    if (written < 0)
-        throw failure(kWriting, m_path, written, errorCode);
+    m_packet->duration = m_frameDuration.value_or(m_packet->duration);
+    m_file.write(*m_packet, 0, m_codec->time_base);
     ++m_framesWritten;
 }
 
 void MovieEncoder::close(int errorCode)
 {
-    const int written = av_write_trailer(m_output.get());
-    m_output.reset();
+    m_file.setErrorCode(errorCode);
     m_file.close();
-    if (written < 0)
-        throw failure(kWriting, m_path, written, errorCode);
 }
 
-CodecHandle makeEncoder(
+CodecHandle
+makeEncoder(const char* name, const std::filesystem::path& path, AVRational timeBase, int errorCode)
+{
+    silenceLog();
+    const AVCodec* encoder = avcodec_find_encoder_by_name(name);
+    if (encoder == nullptr)
+        throw Error(
+            errorCode, "Could not write " + path.string() + ": no encoder " + std::string(name));
+    auto codec = allocated(CodecHandle(avcodec_alloc_context3(encoder)));
+    codec->time_base = timeBase;
+    codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    return codec;
+}
+
+CodecHandle makePictureEncoder(
     const char* name,
     const std::filesystem::path& path,
     int width,
@@ -126,27 +113,20 @@ CodecHandle makeEncoder(
     AVRational timeBase,
     int errorCode)
 {
-    silenceLog();
     if (width <= 0 || height <= 0 || width % 2 != 0 || height % 2 != 0)
         throw Error(
             errorCode,
             "Could not write " + path.string() + ": a movie cannot be " + std::to_string(width)
                 + " × " + std::to_string(height) + " pixels");
-    const AVCodec* encoder = avcodec_find_encoder_by_name(name);
-    if (encoder == nullptr)
-        throw Error(
-            errorCode, "Could not write " + path.string() + ": no encoder " + std::string(name));
-    auto codec = allocated(CodecHandle(avcodec_alloc_context3(encoder)));
+    CodecHandle codec = makeEncoder(name, path, timeBase, errorCode);
     codec->width = width;
     codec->height = height;
-    codec->time_base = timeBase;
     codec->sample_aspect_ratio = {1, 1};
     codec->color_primaries = AVCOL_PRI_BT709;
     codec->color_trc = AVCOL_TRC_BT709;
     codec->colorspace = AVCOL_SPC_BT709;
     codec->color_range = AVCOL_RANGE_MPEG;
     codec->chroma_sample_location = AVCHROMA_LOC_LEFT;
-    codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     return codec;
 }
 

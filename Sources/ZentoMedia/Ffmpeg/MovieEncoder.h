@@ -1,30 +1,28 @@
 #pragma once
 
 #include "ZentoMedia/Ffmpeg/Handles.h"
-#include "ZentoMedia/Ffmpeg/OutputFile.h"
+#include "ZentoMedia/Ffmpeg/MovieFile.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 
 namespace zento::ffmpeg {
 
-/// `QuickTime` sets room for its index aside while it is written; `Mp4` has its index in front.
-enum class Container { QuickTime, Mp4 };
-
-/// A video encoder and the movie file of one track that it feeds.
+/// An encoder and the movie file of one track that it feeds.
 ///
 /// Failures are thrown as `Error`: the system's error of the file, else the code named in the call.
 ///
 /// Threading: used by one thread at a time.
 class MovieEncoder {
 public:
-    /// `codec`: an open encoder; its time base is the track's timescale. `frameDuration`: of the
-    /// last frame, in ticks.
+    /// `codec`: an open encoder; its time base is the track's timescale. `frameDuration`: of every
+    /// frame, in ticks; nothing if the encoder knows it.
     MovieEncoder(
         const std::filesystem::path& path,
         Container container,
         CodecHandle codec,
-        std::int64_t frameDuration,
+        std::optional<std::int64_t> frameDuration,
         int errorCode);
 
     /// Encodes a frame and writes what the encoder has ready. The encoder may keep a reference.
@@ -39,24 +37,27 @@ public:
     std::int64_t framesWritten() const { return m_framesWritten; }
 
 private:
-    void openFile(int errorCode);
+    void begin();
     void send(const AVFrame* frame, int errorCode);
-    void writePacket(int errorCode);
+    void writePacket();
 
     std::filesystem::path m_path;
-    Container m_container;
+    bool m_keepsRoom; // for the index, so that a recording on a disk that filled up can be read
     CodecHandle m_codec;
-    std::int64_t m_frameDuration;
-    OutputFile m_file;
-    OutputHandle m_output;
+    std::optional<std::int64_t> m_frameDuration;
+    MovieFile m_file;
     PacketHandle m_packet = makePacket();
     std::int64_t m_framesWritten = 0;
 };
 
-/// An encoder by its name with what all our movies have in common: size, time base, BT.709 limited
-/// range, parameters kept out of the packets. Throws `Error` with `errorCode` for a size it cannot
-/// encode.
+/// An encoder by its name for tracks of this time base, with its parameters kept out of the
+/// packets. Throws `Error` with `errorCode` if there is none.
 CodecHandle makeEncoder(
+    const char* name, const std::filesystem::path& path, AVRational timeBase, int errorCode);
+
+/// The same for pictures, with what all our movies have in common: size, square pixels, BT.709
+/// limited range. Throws `Error` with `errorCode` for a size it cannot encode.
+CodecHandle makePictureEncoder(
     const char* name,
     const std::filesystem::path& path,
     int width,

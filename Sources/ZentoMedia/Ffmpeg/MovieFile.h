@@ -1,0 +1,61 @@
+#pragma once
+
+#include "ZentoMedia/Ffmpeg/Handles.h"
+#include "ZentoMedia/Ffmpeg/OutputFile.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <stop_token>
+
+namespace zento::ffmpeg {
+
+/// `QuickTime` sets room for its index aside while it is written; `Mp4` has its index in front;
+/// `M4a` is sound alone.
+enum class Container { QuickTime, Mp4, M4a };
+
+/// A movie file in the making: tracks, header, packets, then the index.
+///
+/// Failures are thrown as `Error`: the system's error of the file, else the code given at the
+/// start.
+///
+/// Threading: used by one thread at a time.
+class MovieFile {
+public:
+    /// Creates or empties the file.
+    MovieFile(std::filesystem::path path, Container container, int errorCode);
+
+    /// What is written from now on fails with this code.
+    void setErrorCode(int errorCode) { m_errorCode = errorCode; }
+
+    /// Lets go of a long step between packets soon after `stop` is requested: `close` may move the
+    /// whole file. What it then leaves is no movie.
+    void stopOn(std::stop_token stop);
+
+    /// `timeBase`: what the track's times are kept in.
+    AVStream& addTrack(const AVCodecParameters& parameters, AVRational timeBase);
+
+    /// Writes the header; no track can be added afterwards. `options`: the container's.
+    void begin(Options& options);
+
+    /// Writes a packet of a track, its times given in `timeBase`, and empties it.
+    void write(AVPacket& packet, int trackIndex, AVRational timeBase);
+
+    /// As in `OutputFile`.
+    void keepRoom(std::int64_t byteCount) { m_file.keepRoom(byteCount); }
+
+    /// Completes the file and closes it.
+    void close();
+
+private:
+    static int isStopped(void* token);
+    void check(int result) const;
+
+    std::filesystem::path m_path;
+    Container m_container;
+    int m_errorCode;
+    std::stop_token m_stop;
+    OutputFile m_file;
+    OutputHandle m_output;
+};
+
+} // namespace zento::ffmpeg

@@ -2,6 +2,7 @@
 #
 #   make run     build, then open Zento (without a display: record and render the demo)
 #   make test    build, then run every test          make bench   timings as ratios in one run
+#   make sheets  what is drawn, as pictures to be looked at, into build/sheets
 #   make lint    formatting, includes, clang-tidy    make format  rewrite the formatting
 #   make asan    tests under address and undefined-behaviour sanitizers
 #   make tsan    tests under the thread sanitizer    make fuzz    the fuzzers, FUZZ_SECONDS each
@@ -10,7 +11,7 @@ BUILD := build/release
 JOBS := $(shell nproc)
 FUZZ_SECONDS ?= 60
 
-.PHONY: run test build bench lint format asan tsan fuzz clean
+.PHONY: run test build bench sheets lint format asan tsan fuzz clean
 
 run:
 	@tools/install-packages.sh build run test
@@ -26,6 +27,11 @@ test: build
 
 bench: build
 	@tools/bench.sh $(BUILD)
+
+sheets:
+	@tools/install-packages.sh build run
+	@tools/build.sh release contact_sheets
+	@$(BUILD)/contact_sheets build/sheets && echo build/sheets
 
 lint:
 	@tools/install-packages.sh build test lint

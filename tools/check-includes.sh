@@ -11,7 +11,7 @@ while read -r pattern owner; do
     [[ -n $hits ]] && { echo "only Sources/$owner may include <$pattern>:"; echo "$hits"; bad=1; }
 done <<'RULES'
 libav|libsw ZentoMedia
-cairo|pango|gdk-pixbuf|hwy/ ZentoImaging
+cairo|pango|gdk-pixbuf|hwy/|gif_lib|libimagequant ZentoImaging
 X11/|xcb/|xkbcommon/ ZentoCapture/Backends|Zento/Desktop|Zento/Demo
 pipewire/|spa/ ZentoCapture/Backends
 atspi/ ZentoCapture/Backends|Zento/Demo

@@ -18,6 +18,6 @@ check() {
     clang-tidy-19 --quiet -p build/dev "$1" 2>/dev/null && touch "$stamp"
 }
 export -f check
-git ls-files -z --cached --others --exclude-standard 'Sources/*.cpp' 'Tests/*.cpp' 'Benchmarks/*.cpp' \
+git ls-files -z --cached --others --exclude-standard 'Sources/*.cpp' 'Tests/*.cpp' 'Benchmarks/*.cpp' 'tools/*.cpp' \
     | xargs -0 -P "$(nproc)" -I{} bash -c 'check "$1" "$2"' _ {} "$headers"
 echo "lint: clean"

@@ -65,16 +65,18 @@ Picture toYuv420(const BgraView& source)
     return result;
 }
 
-/// Brings all planes of Y'CbCr to full size and 8 bit. The result's planes hold Y', Cb, Cr.
+/// Brings all planes of Y'CbCr to one size and 8 bit. The result's planes hold Y', Cb, Cr.
 template <typename Sample>
-Picture toFullSize(const YuvPlanes<const Sample>& source)
+Picture toSize(const YuvPlanes<const Sample>& source, int width, int height)
 {
-    Picture full(source.y.width, source.y.height, Layout::Rgb);
+    Picture full(width, height, Layout::Rgb);
     PlaneScaler scaler;
     const PlaneGrid chroma = chromaGrid(source);
+    const PicturePlacement placement = {
+        .scaleX = double(width) / source.y.width, .scaleY = double(height) / source.y.height};
     const std::array<Plane<const Sample>, 3> planes{source.y, source.cb, source.cr};
     for (std::size_t i = 0; i < 3; ++i) {
-        const auto [x, y] = planePlacement({}, i == 0 ? kFullGrid : chroma, kFullGrid);
+        const auto [x, y] = planePlacement(placement, i == 0 ? kFullGrid : chroma, kFullGrid);
         scaler.prepare(
             planes[i].width, planes[i].height, x, y, {0, full.width()}, {0, full.height()});
         scalePlane<Sample>(scaler, planes[i], full.plane(i));
@@ -135,11 +137,18 @@ Canvas joinRgb(const ConstPictureView& rgb)
 }
 
 template <typename Sample>
+Picture yuvToRgb(const YuvPlanes<const Sample>& planes, int width, int height)
+{
+    Picture full = toSize(planes, width, height);
+    toRgbInPlace(full.view());
+    return full;
+}
+
+template <typename Sample>
 Canvas yuvToCanvas(const YuvPlanes<const Sample>& planes)
 {
-    Picture full = toFullSize(planes);
-    toRgbInPlace(full.view());
-    return joinRgb(full.view());
+    const Picture rgb = yuvToRgb(planes, planes.y.width, planes.y.height);
+    return joinRgb(rgb.view());
 }
 
 YuvPlanes<const std::uint8_t> yuvOf(const ConstPictureView& picture)
@@ -199,9 +208,16 @@ Picture toRgb(const ConstPictureView& picture)
         copy(picture, same.view());
         return same;
     }
-    Picture full = toFullSize(yuvOf(picture));
-    toRgbInPlace(full.view());
-    return full;
+    return yuvToRgb(yuvOf(picture), picture.width, picture.height);
+}
+
+Picture toRgb(const YuvPlanes<const std::uint8_t>& planes, int width, int height)
+{
+    return yuvToRgb(planes, width, height);
+}
+Picture toRgb(const YuvPlanes<const std::uint16_t>& planes, int width, int height)
+{
+    return yuvToRgb(planes, width, height);
 }
 
 } // namespace zento

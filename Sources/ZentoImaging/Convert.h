@@ -32,4 +32,8 @@ Canvas toCanvas(const YuvPlanes<const std::uint16_t>& planes);
 /// A film picture as R', G', B' of full size.
 Picture toRgb(const ConstPictureView& picture);
 
+/// The same of a decoded picture, brought to a size: each plane is scaled straight to it.
+Picture toRgb(const YuvPlanes<const std::uint8_t>& planes, int width, int height);
+Picture toRgb(const YuvPlanes<const std::uint16_t>& planes, int width, int height);
+
 } // namespace zento

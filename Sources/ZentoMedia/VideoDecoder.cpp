@@ -100,6 +100,14 @@ VideoSize VideoDecoder::naturalSize() const
     return {m_state->stream->codecpar->width, m_state->stream->codecpar->height};
 }
 
+double VideoDecoder::declaredDuration() const
+{
+    if (m_state->stream->duration != AV_NOPTS_VALUE)
+        return m_state->seconds(m_state->stream->duration);
+    const std::int64_t whole = m_state->input->duration;
+    return whole == AV_NOPTS_VALUE ? 0 : static_cast<double>(whole) / AV_TIME_BASE;
+}
+
 std::optional<VideoFrame> VideoDecoder::next()
 {
     while (m_state->phase != State::Phase::Ended) {

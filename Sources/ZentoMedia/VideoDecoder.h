@@ -34,6 +34,9 @@ public:
     /// The size the track declares.
     VideoSize naturalSize() const;
 
+    /// How long the track declares to be, in seconds; 0 if the file does not say.
+    double declaredDuration() const;
+
     /// The next picture in order of presentation. Nothing at the end of the file, and from the
     /// first damaged or unreadable picture on: a torn recording plays up to the tear.
     std::optional<VideoFrame> next();

@@ -19,6 +19,12 @@ bool leavesCanvasVisible(const Rect& card, const PictureView& canvas)
            || canvas.height > card.y + card.h;
 }
 
+/// Where the whole of a source of that size lies when it fills the card.
+PicturePlacement placementOf(const Rect& card, int width, int height)
+{
+    return {.origin = {card.x, card.y}, .scaleX = card.w / width, .scaleY = card.h / height};
+}
+
 std::size_t count(SampleRange range)
 {
     return static_cast<std::size_t>(range.size());
@@ -49,57 +55,70 @@ CardPainter::CardPainter(Picture background, const StyleSpec& style)
 void CardPainter::paint(
     const VideoFrame& source, const Rect& card, const CardBlur& blur, const PictureView& canvas)
 {
-    assert(canvas.width == m_background.width() && canvas.height == m_background.height());
+    const auto paintYuv = [&](const auto& planes) {
+        m_scaler.prepare(planes, placementOf(card, source.width(), source.height()), canvas, card);
+        paintPlanes(std::array{planes.y, planes.cb, planes.cr}, card, blur, canvas);
+    };
     if (source.bitDepth() == 8)
-        paintPlanes(source.planes8(), card, blur, canvas);
+        paintYuv(source.planes8());
     else
-        paintPlanes(source.planes10(), card, blur, canvas);
+        paintYuv(source.planes10());
+}
+
+void CardPainter::paint(const ConstPictureView& source, const Rect& card, const PictureView& canvas)
+{
+    m_scaler.prepare(source, placementOf(card, source.width, source.height), canvas, card);
+    paintPlanes(source.planes, card, {}, canvas);
+}
+
+void CardPainter::paintBelow(const Rect& card, const PictureView& canvas)
+{
+    for (std::size_t p = 0; p < canvas.planes.size(); ++p) {
+        const PlaneRows rows = planeRows(p, card, canvas);
+        for (int y = 0; y < rows.canvas.height; ++y)
+            paintMargin(rows, y, {0, rows.canvas.width});
+    }
+}
+
+CardPainter::PlaneRows
+CardPainter::planeRows(std::size_t plane, const Rect& card, const PictureView& canvas)
+{
+    assert(canvas.width == m_background.width() && canvas.height == m_background.height());
+    const PlaneGrid grid = canvas.grid(plane);
+    const bool hasShadow = m_shadowOpacity > 0 && leavesCanvasVisible(card, canvas);
+    const RoundedRect shadowShape = {
+        {card.x, card.y + m_shadowOffsetY, card.w, card.h}, m_cornerRadius};
+    const int width = canvas.planes[plane].width;
+    return {
+        .card = RoundedRect{card, m_cornerRadius}.inPlane(grid),
+        .background = std::as_const(m_background).plane(plane),
+        .canvas = canvas.planes[plane],
+        .shadow = hasShadow ? &m_shadows.placed(shadowShape, m_shadowSigma, grid, width) : nullptr,
+        .shadowValue = planeValues(kShadowColor, canvas.layout)[plane]};
 }
 
 template <typename Sample>
 void CardPainter::paintPlanes(
-    const YuvPlanes<const Sample>& source,
-    const Rect& card,
-    const CardBlur& blur,
-    const PictureView& canvas)
+    const Planes<Sample>& source, const Rect& card, const CardBlur& blur, const PictureView& canvas)
 {
-    const PicturePlacement placement = {
-        .origin = {card.x, card.y},
-        .scaleX = card.w / source.y.width,
-        .scaleY = card.h / source.y.height};
-    m_scaler.prepare(source, placement, canvas, card);
-    const bool hasShadow = m_shadowOpacity > 0 && leavesCanvasVisible(card, canvas);
-    const RoundedRect shadowShape = {
-        {card.x, card.y + m_shadowOffsetY, card.w, card.h}, m_cornerRadius};
-    const std::array sourcePlanes = {source.y, source.cb, source.cr};
-    const auto shadowValues = planeValues(kShadowColor, canvas.layout);
-
-    for (std::size_t p = 0; p < sourcePlanes.size(); ++p) {
-        const PlaneGrid grid = canvas.grid(p);
-        const int width = canvas.planes[p].width;
-        const PlaneRows rows = {
-            .card = RoundedRect{card, m_cornerRadius}.inPlane(grid),
-            .background = std::as_const(m_background).plane(p),
-            .canvas = canvas.planes[p],
-            .shadow =
-                hasShadow ? &m_shadows.placed(shadowShape, m_shadowSigma, grid, width) : nullptr,
-            .shadowValue = shadowValues[p]};
+    for (std::size_t p = 0; p < source.size(); ++p) {
+        const PlaneRows rows = planeRows(p, card, canvas);
         PlaneScaler& scaler = m_scaler.plane(p);
         Plane<const std::uint8_t> blurredSource;
         if (!blur.isNone())
-            blurredSource = blurred(sourcePlanes[p], scaler, blur, grid);
+            blurredSource = blurred(source[p], scaler, blur, canvas.grid(p));
         for (int y = 0; y < rows.canvas.height; ++y) {
             prefetchRow(rows.canvas, y + 1);
-            const SampleRange touched = touchedColumns(rows.card, y, width);
+            const SampleRange touched = touchedColumns(rows.card, y, rows.canvas.width);
             if (touched.size() <= 0) {
-                paintMargin(rows, y, {0, width});
+                paintMargin(rows, y, {0, rows.canvas.width});
                 continue;
             }
             const std::uint8_t* scaled = m_scaledRow.data();
             if (blurredSource.data)
                 scaled = blurredSource.row(y - scaler.rows().begin);
             else
-                scaler.scaleRow(sourcePlanes[p], y, m_scaledRow.data());
+                scaler.scaleRow(source[p], y, m_scaledRow.data());
             paintCardRow(rows, y, touched, scaled, scaler.columns().begin);
         }
     }

@@ -8,6 +8,8 @@
 #include "ZentoMedia/VideoFrame.h"
 #include "ZentoRender/Motion.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -28,19 +30,30 @@ public:
 
     const Picture& background() const { return m_background; }
 
-    /// Draws every sample of the canvas. `card` is where the whole of `source` goes, in pixels.
+    /// Draws every sample of the canvas. `card` is where the whole of `source` goes, in pixels. A
+    /// picture has the layout of the canvas.
     void paint(
         const VideoFrame& source,
         const Rect& card,
         const CardBlur& blur,
         const PictureView& canvas);
+    void paint(const ConstPictureView& source, const Rect& card, const PictureView& canvas);
+
+    /// Draws what lies below a card: the background and the shadow, also where the card would hide
+    /// them.
+    void paintBelow(const Rect& card, const PictureView& canvas);
 
 private:
     struct PlaneRows;
 
     template <typename Sample>
+    using Planes = std::array<Plane<const Sample>, 3>;
+
+    PlaneRows planeRows(std::size_t plane, const Rect& card, const PictureView& canvas);
+    /// `m_scaler` is prepared for these planes.
+    template <typename Sample>
     void paintPlanes(
-        const YuvPlanes<const Sample>& source,
+        const Planes<Sample>& source,
         const Rect& card,
         const CardBlur& blur,
         const PictureView& canvas);

@@ -151,13 +151,11 @@ void encode(
 }
 
 /// The same error about the film under the name the user gave it.
-Error renamed(const Error& error, const FilmPaths& paths, const std::filesystem::path& film)
+Error renamed(Error error, const FilmPaths& paths, const std::filesystem::path& film)
 {
-    std::string sentence = error.what();
     for (const auto& file : {paths.pictures, paths.soundtrack, paths.film})
-        if (const auto place = sentence.find(file.string()); place != std::string::npos)
-            sentence.replace(place, file.string().size(), film.string());
-    return {error.domain(), error.code(), sentence};
+        error = renamed(error, file, film);
+    return error;
 }
 
 /// Runs a stage on a thread of its own. Its failure ends all stages and waits in the future.

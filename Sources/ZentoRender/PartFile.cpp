@@ -1,7 +1,6 @@
 #include "ZentoRender/PartFile.h"
 
-#include "ZentoCore/Error.h"
-
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -19,6 +18,15 @@ void PartFile::renameToTarget()
     std::filesystem::rename(path(), m_target, error);
     if (error)
         throw systemError("Cannot replace", m_target.string(), error.value());
+}
+
+Error renamed(
+    const Error& error, const std::filesystem::path& from, const std::filesystem::path& to)
+{
+    std::string sentence = error.what();
+    if (const auto place = sentence.find(from.string()); place != std::string::npos)
+        sentence.replace(place, from.string().size(), to.string());
+    return {error.domain(), error.code(), sentence};
 }
 
 } // namespace zento

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZentoCore/Error.h"
 #include "ZentoRender/ScratchFile.h"
 
 #include <filesystem>
@@ -21,5 +22,10 @@ private:
     std::filesystem::path m_target;
     ScratchFile m_file;
 };
+
+/// The same error with one file's name for another's: a user knows the target, not what it was made
+/// under.
+Error renamed(
+    const Error& error, const std::filesystem::path& from, const std::filesystem::path& to);
 
 } // namespace zento

@@ -8,7 +8,7 @@
 namespace zento {
 namespace {
 
-constexpr std::array<OptionSpec, 2> kOptions{{{"--size", "WxH"}, {"--fps", "N"}}};
+constexpr std::array<OptionSpec, 3> kOptions{{{"--size", "WxH"}, {"--fps", "N"}, {"--gif", ""}}};
 
 Arguments parsed(const std::vector<std::string_view>& words)
 {
@@ -23,6 +23,9 @@ TEST(Arguments, takeOptionsInAnyPlaceAndForm)
     EXPECT_EQ(arguments.read("--size", readSize)->height, 1080);
     EXPECT_EQ(parsed({"--", "--fps"}).only("bundle"), "--fps");
     EXPECT_NO_THROW(parsed({"--fps", "1"}).expectNone());
+    EXPECT_TRUE(parsed({"--gif", "a.zento"}).has("--gif"));
+    EXPECT_EQ(parsed({"--gif", "a.zento"}).only("bundle"), "a.zento");
+    EXPECT_FALSE(arguments.has("--gif"));
 }
 
 TEST(Arguments, refuseWhatMeansNothing)
@@ -34,6 +37,7 @@ TEST(Arguments, refuseWhatMeansNothing)
     for (const auto& [name, words] : std::initializer_list<Case>{
              {"unknown option", {"a", "--speed", "2"}},
              {"value missing", {"a", "--fps"}},
+             {"value not wanted", {"a", "--gif=yes"}},
              {"given twice", {"a", "--fps", "1", "--fps=2"}},
              {"no bundle", {}},
              {"two bundles", {"a", "b"}},

@@ -1,4 +1,5 @@
 #include "TestSupport/NumberedMovie.h"
+#include "TestSupport/SilentWave.h"
 #include "TestSupport/TemporaryFolder.h"
 #include "ZentoCore/Error.h"
 #include "ZentoMedia/VideoDecoder.h"
@@ -31,23 +32,13 @@ std::string bytesOf(const std::filesystem::path& path)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Half a second of silence: 16 bits, one channel, 8000 samples a second.
-std::string waveFile()
-{
-    using namespace std::string_literals;
-    const std::string samples(8000, '\0');
-    return "RIFF\x64\x1f\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x40\x1f\0\0\x80\x3e\0\0\2\0\x10\0"
-           "data\x40\x1f\0\0"s
-           + samples;
-}
-
 TEST(Decoder, tellsWhatCannotBeRead)
 {
     const TemporaryFolder folder;
     write(folder / "empty.mov", "");
     write(folder / "text.mov", "no movie at all\n");
     write(folder / "zeros.mov", std::string(100000, '\0'));
-    write(folder / "sound.wav", waveFile());
+    write(folder / "sound.wav", silentWave());
     writeNumberedRecording(folder / "whole.mov", {64, 48}, countedFrames(0, 5, 60));
     const std::string whole = bytesOf(folder / "whole.mov");
     write(folder / "torn.mov", whole.substr(0, whole.find("moov")));

@@ -44,14 +44,22 @@ Arguments::Arguments(std::span<const std::string_view> words, std::span<const Op
         }
         const std::size_t equals = word.find('=');
         const std::string name(word.substr(0, equals));
-        if (std::ranges::find(options, name, &OptionSpec::name) == options.end()) {
+        const auto option = std::ranges::find(options, name, &OptionSpec::name);
+        if (option == options.end()) {
             throw UsageError("there is no option " + name + " here");
         }
         const bool isInside = equals != std::string_view::npos;
-        if (!isInside && i + 1 == words.size()) {
+        const bool takesValue = !option->value.empty();
+        if (isInside && !takesValue) {
+            throw UsageError(name + " takes no value");
+        }
+        if (takesValue && !isInside && i + 1 == words.size()) {
             throw UsageError(name + " needs a value");
         }
-        const std::string_view value = isInside ? word.substr(equals + 1) : words[++i];
+        std::string_view value;
+        if (takesValue) {
+            value = isInside ? word.substr(equals + 1) : words[++i];
+        }
         if (!m_values.emplace(name, value).second) {
             throw UsageError(name + " is given twice");
         }

@@ -16,20 +16,22 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// One option a command knows; every option takes a value.
+/// One option a command knows.
 struct OptionSpec {
     std::string_view name;  // "--size"
-    std::string_view value; // what the usage calls its value: "WxH"
+    std::string_view value; // what the usage calls its value: "WxH"; empty: it takes none
 };
 
 /// The words behind a command: options in any order, as "--size 1920x1080" or "--size=1920x1080",
 /// and the rest. Everything behind "--" is rest.
 ///
-/// Throws `UsageError` for an option that is unknown, given twice, or lacks its value.
+/// Throws `UsageError` for an option that is unknown, given twice, lacks its value or has one it
+/// does not take.
 class Arguments {
 public:
     Arguments(std::span<const std::string_view> words, std::span<const OptionSpec> options);
 
+    bool has(std::string_view option) const { return m_values.contains(option); }
     std::optional<std::string> value(std::string_view option) const;
 
     /// A value read by one of the functions below, or nothing without the option.

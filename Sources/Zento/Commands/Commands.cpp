@@ -22,8 +22,9 @@ usage:
   zento plan BUNDLE [--settings FILE] [--config FILE] [--overrides FILE] [--music FILE]
              [--size WxH] [--fps N] [--output FILE]
       prints the plan of a recording's film as JSON
-  zento render BUNDLE [--settings FILE] [--output FILE]
-      renders the film of a recording, beside it or to FILE
+  zento render BUNDLE [--settings FILE] [--output FILE] [--gif]
+      renders the film of a recording, beside it or to FILE; with --gif, or a FILE ending in .gif,
+      the film beside it and a GIF of it, beside it or to FILE
   zento demo [--output FOLDER]
       records a scripted session on a display of its own and renders it
   zento --help | --version

@@ -6,6 +6,7 @@
 #include "Zento/Model/PlanSources.h"
 #include "Zento/Model/TextCards.h"
 #include "ZentoCore/FileIO.h"
+#include "ZentoRender/GIFExporter.h"
 #include "ZentoRender/OfflineExporter.h"
 
 #include <exception>
@@ -89,6 +90,18 @@ std::filesystem::path makeFilm(
             stop);
     planFile.keep();
     return film;
+}
+
+void makeGif(
+    const std::filesystem::path& film,
+    const std::filesystem::path& gif,
+    const std::stop_token& stop)
+{
+    constexpr double kFps = 12;
+    constexpr double kMaxWidth = 960; // pixels
+    ProgressBar bar("Writing the GIF");
+    GIFExporter::exportGif(
+        film, gif, kFps, kMaxWidth, [&](double fraction) { bar.show(fraction); }, stop);
 }
 
 } // namespace zento

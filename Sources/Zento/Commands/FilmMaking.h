@@ -16,4 +16,11 @@ std::filesystem::path makeFilm(
     const std::filesystem::path& film,
     const std::stop_token& stop);
 
+/// Turns a film into a GIF of the size and rate Zento makes them in, with a bar on the terminal.
+/// Throws `Error`.
+void makeGif(
+    const std::filesystem::path& film,
+    const std::filesystem::path& gif,
+    const std::stop_token& stop);
+
 } // namespace zento

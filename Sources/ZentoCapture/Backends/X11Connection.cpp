@@ -3,6 +3,7 @@
 #include "ZentoCapture/Backends/XResources.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstring>
 
 namespace zento {
@@ -20,10 +21,21 @@ const xcb_screen_t* screenOf(xcb_connection_t* connection, int number)
     return screens.rem > 0 ? screens.data : nullptr;
 }
 
+/// libxcb writes to its socket without asking for an error instead of the signal, whose default
+/// ends the process: a recording would be lost with the server it was taken from. A handler that
+/// somebody else has set stays.
+void surviveADeadServer()
+{
+    struct sigaction current = {};
+    if (sigaction(SIGPIPE, nullptr, &current) == 0 && current.sa_handler == SIG_DFL)
+        std::signal(SIGPIPE, SIG_IGN);
+}
+
 } // namespace
 
 X11Connection::X11Connection(const std::string& displayName)
 {
+    surviveADeadServer();
     int screenNumber = 0;
     m_connection.reset(
         xcb_connect(displayName.empty() ? nullptr : displayName.c_str(), &screenNumber));

@@ -22,7 +22,8 @@ struct FreeDeleter {
 template <typename T>
 using XcbPtr = std::unique_ptr<T, FreeDeleter>;
 
-/// One connection to an X server and the screen it was opened for.
+/// One connection to an X server and the screen it was opened for. A server that goes away breaks
+/// the connection and nothing else: the process ignores SIGPIPE from the first connection on.
 ///
 /// Threading: as libxcb, safe; but events go to whoever asks first, so a connection whose events
 /// matter has one thread that reads them.

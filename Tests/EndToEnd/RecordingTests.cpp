@@ -151,6 +151,14 @@ public:
     int foundCount() const { return *m_count; }
 
     std::vector<DisplayInfo> displays() override { return m_desktop.displays(); }
+    std::optional<WindowInfo> window(std::uint32_t windowID) override
+    {
+        return m_desktop.window(windowID);
+    }
+    WindowFrameQuery windowFrameQuery(std::uint32_t windowID) override
+    {
+        return m_desktop.windowFrameQuery(windowID);
+    }
     std::optional<Vec2> pointerPosition() override { return m_desktop.pointerPosition(); }
     std::optional<std::string> frontmostApplication() override
     {

@@ -202,17 +202,15 @@ void CaptureSession::startStream(const FrameRequest& request)
 
 void CaptureSession::startCursorPolling()
 {
-    m_poll = std::make_unique<PointerPoll>([log = m_log,
-                                            input = m_input.get(),
-                                            refresh = refreshWindowFrame(),
-                                            tick = 0]() mutable {
-        if (++tick % kTicksPerWindowRefresh == 0) {
-            refresh();
-        }
-        // A pointer that cannot be read is logged at the global origin, not left out.
-        const Vec2 point = input->pointerPosition().value_or(Vec2{});
-        log->move(monotonicSeconds(), point);
-    });
+    m_poll = std::make_unique<PointerPoll>(
+        [log = m_log, input = m_input.get(), refresh = refreshWindowFrame(), tick = 0]() mutable {
+            if (++tick % kTicksPerWindowRefresh == 0) {
+                refresh();
+            }
+            // A pointer that cannot be read is logged at the global origin, not left out.
+            const Vec2 point = input->pointerPosition().value_or(Vec2{});
+            log->move(monotonicSeconds(), point);
+        });
 }
 
 /// For the poll's thread: lets the capture space follow the recorded window.

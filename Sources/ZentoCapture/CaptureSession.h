@@ -58,7 +58,8 @@ public:
     /// missing right to listen fails before anything exists.
     ///
     /// Throws `Error`: 20 without a display, 24 when the window is gone or minimised, 25 without
-    /// input, or what the desktop, the folder or the writer say. The session is then good for nothing but `stop` and the destructor.
+    /// input, or what the desktop, the folder or the writer say. The session is then good for
+    /// nothing but `stop` and the destructor.
     void start();
 
     /// Returns when the bundle is written.

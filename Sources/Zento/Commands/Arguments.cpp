@@ -136,8 +136,8 @@ Rect readRect(std::string_view option, std::string_view text)
 std::uint32_t readWindow(std::string_view option, std::string_view text)
 {
     const bool isHex = text.starts_with("0x") || text.starts_with("0X");
-    const auto value = isHex ? number<std::uint32_t>(text.substr(2), 16)
-                             : number<std::uint32_t>(text);
+    const auto value =
+        isHex ? number<std::uint32_t>(text.substr(2), 16) : number<std::uint32_t>(text);
     if (!value || *value == 0) {
         throw wrongValue(option, text, "a window's number such as 65011713 or 0x3e00001");
     }

@@ -48,8 +48,7 @@ void blendPixels(const PixelTarget& target, const PixelTarget& source, const Pix
     const PixelRect part = shared(target, source, area);
     for (int y = part.y; y < part.bottom(); ++y) {
         std::uint32_t* const out = target.at(part.x, y);
-        std::transform(
-            source.at(part.x, y), source.at(part.x, y) + part.width, out, out, over);
+        std::transform(source.at(part.x, y), source.at(part.x, y) + part.width, out, out, over);
     }
 }
 

@@ -102,16 +102,22 @@ bool X11FrameSource::deliver()
     // Stamped when the picture is here: nothing it shows happened later, so an effect never comes
     // before its cause. It is late by the time of the copy at most.
     const double time = monotonicSeconds();
+    // The server answers in order: what happened before the picture was read has been told by now.
+    // A window on its way to be minimised or closed is for a moment an empty frame.
+    const bool mayHaveChanged = readEvents();
+    if (m_subject->isOutdated()) {
+        return true;
+    }
     m_owesPicture = false;
     if (m_frames.isUnchanged()) {
-        return false; // repainted with the same pixels
+        return mayHaveChanged; // repainted with the same pixels
     }
     if (m_onFrame({.picture = m_frames.view(), .time = time}) == FrameVerdict::Refused) {
         m_owesPicture = true;
         return true;
     }
     m_frames.keep();
-    return false;
+    return mayHaveChanged;
 }
 
 void X11FrameSource::wait(double untilSeconds)

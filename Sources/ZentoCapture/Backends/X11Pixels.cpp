@@ -102,8 +102,7 @@ void X11Pixels::reserve(int width, int height)
     }
     // The request takes the file descriptor over.
     const xcb_shm_seg_t segment = xcb_generate_id(m_connection.get());
-    if (m_connection.succeeded(
-            xcb_shm_attach_fd_checked(m_connection.get(), segment, file, 0))) {
+    if (m_connection.succeeded(xcb_shm_attach_fd_checked(m_connection.get(), segment, file, 0))) {
         m_segment = segment;
     }
 }

@@ -70,10 +70,9 @@ void X11ScreenSubject::lookForParts()
 X11Subject::News X11ScreenSubject::handle(const xcb_generic_event_t& event)
 {
     const int type = event.response_type & 0x7F;
-    const bool isOfRoot =
-        type == XCB_CONFIGURE_NOTIFY
-        && reinterpret_cast<const xcb_configure_notify_event_t&>(event).window
-               == m_connection.root();
+    const bool isOfRoot = type == XCB_CONFIGURE_NOTIFY
+                          && reinterpret_cast<const xcb_configure_notify_event_t&>(event).window
+                                 == m_connection.root();
     if (isOfRoot
         || (m_randrEvent != 0
             && (type == m_randrEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY

@@ -25,6 +25,10 @@ public:
 
     News handle(const xcb_generic_event_t& event) override;
     bool draw(X11Frames& frames, Want want) override;
+    bool isOutdated() const override
+    {
+        return m_mustLookForParts || (m_underlay && m_underlay->isOutdated());
+    }
 
 private:
     void selectEvents() const;

@@ -34,7 +34,8 @@ void X11Frames::repeatLast()
 
 bool X11Frames::isUnchanged() const
 {
-    return m_hasLast && std::memcmp(m_pixels[m_next].data(), m_pixels[1 - m_next].data(), byteCount()) == 0;
+    return m_hasLast
+           && std::memcmp(m_pixels[m_next].data(), m_pixels[1 - m_next].data(), byteCount()) == 0;
 }
 
 void X11Frames::keep()

@@ -63,6 +63,9 @@ public:
     /// Draws what there is to see now as the next picture. False when that is nothing new, or
     /// nothing can be seen at present.
     virtual bool draw(X11Frames& frames, Want want) = 0;
+
+    /// Whether an event since then says that the picture is not what it was meant to be.
+    virtual bool isOutdated() const = 0;
 };
 
 } // namespace zento

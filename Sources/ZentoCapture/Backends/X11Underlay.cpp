@@ -1,6 +1,7 @@
 #include "ZentoCapture/Backends/X11Underlay.h"
 
 #include "ZentoCapture/Backends/X11Windows.h"
+#include "ZentoCapture/MonotonicClock.h"
 
 #include <algorithm>
 #include <span>
@@ -13,6 +14,9 @@ namespace {
 
 constexpr xcb_shape_kind_t kBoundingShape = 0;
 
+/// How long a compositor may still show a window where it no longer is. They take a frame or two.
+constexpr double kCompositorSeconds = 0.1;
+
 /// Where a window has pixels, relative to the inside of its border: its whole self unless it is of
 /// another shape than a rectangle.
 std::vector<PixelRect> shapeOf(const X11Connection& connection, xcb_window_t window)
@@ -20,8 +24,8 @@ std::vector<PixelRect> shapeOf(const X11Connection& connection, xcb_window_t win
     xcb_connection_t* const server = connection.get();
     const xcb_xfixes_region_t region = xcb_generate_id(server);
     xcb_xfixes_create_region_from_window(server, region, window, kBoundingShape);
-    const auto reply = replyOf(
-        connection, xcb_xfixes_fetch_region_reply, xcb_xfixes_fetch_region(server, region));
+    const auto reply =
+        replyOf(connection, xcb_xfixes_fetch_region_reply, xcb_xfixes_fetch_region(server, region));
     xcb_xfixes_destroy_region(server, region);
     std::vector<PixelRect> shape;
     if (reply) {
@@ -44,8 +48,8 @@ struct ServerWindow {
 std::vector<ServerWindow> stack(const X11Connection& connection)
 {
     xcb_connection_t* const server = connection.get();
-    const auto tree = replyOf(
-        connection, xcb_query_tree_reply, xcb_query_tree(server, connection.root()));
+    const auto tree =
+        replyOf(connection, xcb_query_tree_reply, xcb_query_tree(server, connection.root()));
     if (!tree) {
         return {};
     }
@@ -60,8 +64,7 @@ std::vector<ServerWindow> stack(const X11Connection& connection)
     }
     std::vector<ServerWindow> windows;
     for (std::size_t i = 0; i < ids.size(); ++i) {
-        const auto state =
-            replyOf(connection, xcb_get_window_attributes_reply, requests[i].first);
+        const auto state = replyOf(connection, xcb_get_window_attributes_reply, requests[i].first);
         const auto place = replyOf(connection, xcb_get_geometry_reply, requests[i].second);
         if (!state || !place || state->map_state != XCB_MAP_STATE_VIEWABLE
             || state->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT) {
@@ -79,8 +82,7 @@ std::vector<ServerWindow> stack(const X11Connection& connection)
 
 } // namespace
 
-X11Underlay::X11Underlay(
-    const X11Connection& connection, std::vector<xcb_window_t> excludedWindows)
+X11Underlay::X11Underlay(const X11Connection& connection, std::vector<xcb_window_t> excludedWindows)
     : m_connection(connection)
     , m_excluded(std::move(excludedWindows))
     , m_part(connection)
@@ -101,6 +103,7 @@ X11Subject::News X11Underlay::handle(const xcb_generic_event_t& event)
     case XCB_DESTROY_NOTIFY:
     case XCB_PROPERTY_NOTIFY: // the wallpaper; others are rare
         m_mustReadStack = true;
+        m_isOutdated = m_isOutdated || concernsExcluded(event);
         return X11Subject::News::MayHaveChanged;
     default:
         break;
@@ -110,17 +113,34 @@ X11Subject::News X11Underlay::handle(const xcb_generic_event_t& event)
     return isHidden ? X11Subject::News::MayHaveChanged : X11Subject::News::None;
 }
 
+/// A window that is mapped may be an excluded one that was not there yet.
+bool X11Underlay::concernsExcluded(const xcb_generic_event_t& event) const
+{
+    switch (event.response_type & 0x7F) {
+    case XCB_MAP_NOTIFY:
+    case XCB_REPARENT_NOTIFY:
+        return true;
+    case XCB_CONFIGURE_NOTIFY:
+        return isExcluded(reinterpret_cast<const xcb_configure_notify_event_t&>(event).window);
+    default:
+        return false;
+    }
+}
+
 void X11Underlay::paint(X11Frames& frames, const PixelRect& captured)
 {
     if (std::exchange(m_mustReadStack, false)) {
         readStack();
     }
+    m_isOutdated = false;
+    std::erase_if(
+        m_holes, [now = monotonicSeconds()](const Hole& hole) { return hole.until < now; });
     for (const Layer& layer : m_layers) {
         layer.damage->clear();
     }
     const PixelTarget target{frames.next().pixels(), captured};
-    for (const PixelRect& hole : m_holes) {
-        const PixelRect area = intersection(hole, captured);
+    for (const Hole& hole : m_holes) {
+        const PixelRect area = intersection(hole.rect, captured);
         if (area.isEmpty()) {
             continue;
         }
@@ -139,21 +159,36 @@ void X11Underlay::readStack()
             m_excludedTopLevels.push_back(*topLevel);
         }
     }
-    m_holes.clear();
     m_layers.clear();
     m_wallpaper = wallpaper();
     const std::vector<ServerWindow> windows = stack(m_connection);
+    std::vector<PixelRect> holes;
     for (const ServerWindow& window : windows) {
         if (isExcluded(window.id)) {
-            m_holes.push_back(window.rect);
+            holes.push_back(window.rect);
         }
     }
     const bool blends = hasCompositor();
+    setHoles(holes, blends ? monotonicSeconds() + kCompositorSeconds : 0);
     for (const ServerWindow& window : windows) {
-        const auto meets = [&](const PixelRect& hole) { return intersects(hole, window.rect); };
+        const auto meets = [&](const Hole& hole) { return intersects(hole.rect, window.rect); };
         if (!isExcluded(window.id) && std::ranges::any_of(m_holes, meets)) {
             addLayer(window.id, window.rect, window.border, blends && window.hasAlpha);
         }
+    }
+}
+
+/// The holes there were until now last to the time given.
+void X11Underlay::setHoles(const std::vector<PixelRect>& rects, double formerUntil)
+{
+    std::erase_if(m_holes, [&](const Hole& hole) {
+        return std::ranges::find(rects, hole.rect) != rects.end();
+    });
+    for (Hole& hole : m_holes) {
+        hole.until = std::min(hole.until, formerUntil);
+    }
+    for (const PixelRect& rect : rects) {
+        m_holes.push_back({.rect = rect});
     }
 }
 
@@ -238,8 +273,7 @@ void X11Underlay::paintTiles(const PixelTarget& target, const PixelRect& area)
     }
 }
 
-void X11Underlay::paintLayer(
-    const PixelTarget& target, const PixelRect& area, const Layer& layer)
+void X11Underlay::paintLayer(const PixelTarget& target, const PixelRect& area, const Layer& layer)
 {
     const PixelRect part = intersection(area, layer.rect);
     if (part.isEmpty()

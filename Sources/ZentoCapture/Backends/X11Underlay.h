@@ -6,6 +6,7 @@
 #include "ZentoCapture/Backends/X11Subject.h"
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -35,6 +36,9 @@ public:
     /// Works on the next picture, which shows `captured` of the root window.
     void paint(X11Frames& frames, const PixelRect& captured);
 
+    /// Whether an excluded window has moved or come since `paint`, which then missed it.
+    bool isOutdated() const { return m_isOutdated; }
+
 private:
     /// A window that an excluded one may hide, or be hidden by.
     struct Layer {
@@ -45,12 +49,20 @@ private:
         std::unique_ptr<X11Damage> damage; // what is hidden changes without the screen's doing so
     };
 
+    /// Where an excluded window is, or was a moment ago.
+    struct Hole {
+        PixelRect rect;                                         // root pixels
+        double until = std::numeric_limits<double>::infinity(); // seconds of CLOCK_MONOTONIC
+    };
+
     struct Wallpaper {
         xcb_pixmap_t pixmap = XCB_NONE;
         PixelRect tile; // its size; repeated from the screen's corner on
     };
 
+    bool concernsExcluded(const xcb_generic_event_t& event) const;
     void readStack();
+    void setHoles(const std::vector<PixelRect>& rects, double formerUntil);
     bool isExcluded(xcb_window_t topLevel) const;
     bool hasCompositor() const;
     void addLayer(xcb_window_t window, const PixelRect& rect, int border, bool isTranslucent);
@@ -62,10 +74,11 @@ private:
     const X11Connection& m_connection;
     std::vector<xcb_window_t> m_excluded;
     std::vector<xcb_window_t> m_excludedTopLevels;
-    std::vector<PixelRect> m_holes; // root pixels: where excluded windows are now
-    std::vector<Layer> m_layers;    // from the lowest up
+    std::vector<Hole> m_holes;
+    std::vector<Layer> m_layers; // from the lowest up
     Wallpaper m_wallpaper;
     bool m_mustReadStack = true;
+    bool m_isOutdated = false;
     X11Pixels m_part; // while it is read
 };
 

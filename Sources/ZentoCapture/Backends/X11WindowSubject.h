@@ -29,6 +29,7 @@ public:
 
     News handle(const xcb_generic_event_t& event) override;
     bool draw(X11Frames& frames, Want want) override;
+    bool isOutdated() const override { return m_mustPlace; }
 
 private:
     bool place();

@@ -54,11 +54,7 @@ withoutMargin(const X11Connection& connection, xcb_window_t window, const PixelR
     }
     std::memcpy(margin.data(), bytes.data(), sizeof margin);
     const auto [left, right, top, bottom] = margin;
-    return {
-        whole.x + left,
-        whole.y + top,
-        whole.width - left - right,
-        whole.height - top - bottom};
+    return {whole.x + left, whole.y + top, whole.width - left - right, whole.height - top - bottom};
 }
 
 } // namespace
@@ -83,8 +79,8 @@ std::optional<X11Window> windowUnder(const X11Connection& connection, Vec2 pixel
 std::optional<xcb_window_t> topLevelOf(const X11Connection& connection, xcb_window_t window)
 {
     for (int depth = 0; depth < kDeepestNesting; ++depth) {
-        const auto tree = replyOf(
-            connection, xcb_query_tree_reply, xcb_query_tree(connection.get(), window));
+        const auto tree =
+            replyOf(connection, xcb_query_tree_reply, xcb_query_tree(connection.get(), window));
         if (!tree || tree->parent == XCB_WINDOW_NONE) {
             return {};
         }
@@ -102,7 +98,7 @@ std::optional<X11Placement> placementOf(const X11Connection& connection, xcb_win
     if (!topLevel) {
         return {};
     }
-    const auto stateRequest = xcb_get_window_attributes(connection.get(), *topLevel);
+    const auto stateRequest = xcb_get_window_attributes(connection.get(), window);
     const auto placeRequest = xcb_get_geometry(connection.get(), *topLevel);
     const auto state = replyOf(connection, xcb_get_window_attributes_reply, stateRequest);
     const auto place = replyOf(connection, xcb_get_geometry_reply, placeRequest);

@@ -30,7 +30,7 @@ struct X11Placement {
     PixelRect frame; // root pixels: the part of it that the user sees
 };
 
-/// Nothing for a window that is not mapped or no longer there.
+/// Nothing for a window that cannot be seen: minimised, rolled up to its title, or no longer there.
 std::optional<X11Placement> placementOf(const X11Connection& connection, xcb_window_t window);
 
 /// The name of the application that a window belongs to; nothing if it does not say.

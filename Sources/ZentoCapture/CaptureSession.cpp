@@ -23,13 +23,18 @@ int evenPixels(double points, double scale)
     return pixels - pixels % 2;
 }
 
-/// The display a target lies on, by its id.
-std::optional<std::uint32_t>
-targetDisplay(const CaptureTarget& target, std::span<const DisplayInfo> displays, Desktop& desktop)
+/// How often the poll looks after a recorded window: 20 times a second.
+constexpr int kTicksPerWindowRefresh = 6;
+
+/// The display a target lies on, by its id. `window` for a window's recording.
+std::optional<std::uint32_t> targetDisplay(
+    const CaptureTarget& target,
+    const std::optional<WindowInfo>& window,
+    std::span<const DisplayInfo> displays,
+    Desktop& desktop)
 {
-    if (std::holds_alternative<Target::Window>(target)) {
-        throw Error(
-            "errno", ENOTSUP, "recording a single window is not supported on this desktop yet");
+    if (window) {
+        return displayID(window->frame.center(), displays);
     }
     if (const auto* screen = std::get_if<Target::Screen>(&target)) {
         return screen->displayID;
@@ -37,7 +42,7 @@ targetDisplay(const CaptureTarget& target, std::span<const DisplayInfo> displays
     if (const auto* area = std::get_if<Target::Area>(&target)) {
         return displayID(area->rect.center(), displays);
     }
-    return displayID(desktop.pointerPosition().value_or(Vec2{}), displays);
+    return displayIDUnderCursor(desktop, displays);
 }
 
 void createFolder(const std::filesystem::path& path)
@@ -65,15 +70,15 @@ CaptureSession::~CaptureSession() = default;
 void CaptureSession::start()
 {
     startEventTap();
-    const DisplayInfo display = [&] {
+    const FrameRequest request = [&] {
         try {
-            return chosenDisplay();
+            const std::optional<WindowInfo> window = chosenWindow();
+            return prepare(chosenDisplay(window), window);
         } catch (...) {
             stopEventTap();
             throw;
         }
     }();
-    const FrameRequest request = prepare(display);
     startWriter();
     startStream(request);
     startCursorPolling();
@@ -113,10 +118,24 @@ void CaptureSession::stopEventTap() noexcept
     }
 }
 
-DisplayInfo CaptureSession::chosenDisplay() const
+/// Nothing for the targets that are no window.
+std::optional<WindowInfo> CaptureSession::chosenWindow() const
+{
+    const auto* const wanted = std::get_if<Target::Window>(&target);
+    if (wanted == nullptr) {
+        return {};
+    }
+    auto window = m_desktop.window(wanted->windowID);
+    if (!window) {
+        throw Error(ErrorCode::kWindowGone, "window no longer exists");
+    }
+    return window;
+}
+
+DisplayInfo CaptureSession::chosenDisplay(const std::optional<WindowInfo>& window) const
 {
     const std::vector<DisplayInfo> displays = m_desktop.displays();
-    const auto id = targetDisplay(target, displays, m_desktop);
+    const auto id = targetDisplay(target, window, displays, m_desktop);
     if (displays.empty()) {
         throw Error(ErrorCode::kNoDisplay, "no display available");
     }
@@ -125,18 +144,31 @@ DisplayInfo CaptureSession::chosenDisplay() const
 }
 
 /// Lays out the capture space; the log maps by it from here on.
-FrameRequest CaptureSession::prepare(const DisplayInfo& display)
+FrameRequest
+CaptureSession::prepare(const DisplayInfo& display, const std::optional<WindowInfo>& window)
 {
     m_scale = display.scale;
     appName = m_desktop.frontmostApplication();
     const auto* area = std::get_if<Target::Area>(&target);
-    const Rect captured = area ? area->rect : display.bounds;
+    const Rect captured = window ? window->frame : area ? area->rect : display.bounds;
     m_pixelWidth = evenPixels(captured.w, m_scale);
     m_pixelHeight = evenPixels(captured.h, m_scale);
+    if (m_pixelWidth < 2 || m_pixelHeight < 2) {
+        throw Error(
+            ErrorCode::kMovieNotStarted, "what is to be recorded is smaller than two pixels");
+    }
     m_log->setSpace({.originPoints = {captured.x, captured.y}, .scale = m_scale});
 
     FrameRequest request{
         .displayID = display.id, .pixelWidth = m_pixelWidth, .pixelHeight = m_pixelHeight};
+    if (window) {
+        m_window = {
+            .id = std::get<Target::Window>(target).windowID, .size = {captured.w, captured.h}};
+        request.window = m_window;
+        appName = window->application ? window->application : appName;
+    } else {
+        request.excludedWindowIDs = excludeWindowIDs;
+    }
     if (area) {
         request.sourceRect = Rect{
             captured.x - display.bounds.x, captured.y - display.bounds.y, captured.w, captured.h};
@@ -170,11 +202,28 @@ void CaptureSession::startStream(const FrameRequest& request)
 
 void CaptureSession::startCursorPolling()
 {
-    m_poll = std::make_unique<PointerPoll>([log = m_log, input = m_input.get()] {
-        // A pointer that cannot be read is logged at the global origin, not left out.
-        const Vec2 point = input->pointerPosition().value_or(Vec2{});
-        log->move(monotonicSeconds(), point);
-    });
+    m_poll = std::make_unique<PointerPoll>(
+        [log = m_log, input = m_input.get(), refresh = refreshWindowFrame(), tick = 0]() mutable {
+            if (++tick % kTicksPerWindowRefresh == 0) {
+                refresh();
+            }
+            // A pointer that cannot be read is logged at the global origin, not left out.
+            const Vec2 point = input->pointerPosition().value_or(Vec2{});
+            log->move(monotonicSeconds(), point);
+        });
+}
+
+/// For the poll's thread: lets the capture space follow the recorded window.
+std::function<void()> CaptureSession::refreshWindowFrame() const
+{
+    if (!m_window) {
+        return [] {};
+    }
+    return [log = m_log, query = m_desktop.windowFrameQuery(m_window->id), size = m_window->size] {
+        if (const std::optional<Rect> frame = query()) {
+            log->setSpace(following(log->space(), *frame, size));
+        }
+    };
 }
 
 SessionMeta CaptureSession::meta(double epoch) const

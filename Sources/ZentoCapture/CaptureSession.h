@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace zento {
 
@@ -42,6 +43,10 @@ public:
 
     CaptureTarget target;
 
+    /// Windows left out of the picture of a display or of an area: what lies below shows instead.
+    /// Numbers that no window has mean nothing. It costs time only where there are some.
+    std::vector<std::uint32_t> excludeWindowIDs;
+
     /// What was recorded, for the metadata; `start` fills it in.
     std::optional<std::string> appName;
 
@@ -52,8 +57,9 @@ public:
     /// Returns when the capture runs. Listening for input is the first thing to start, so that a
     /// missing right to listen fails before anything exists.
     ///
-    /// Throws `Error`: 20 without a display, 25 without input, or what the desktop, the folder or
-    /// the writer say. The session is then good for nothing but `stop` and the destructor.
+    /// Throws `Error`: 20 without a display, 24 when the window is gone or minimised, 25 without
+    /// input, or what the desktop, the folder or the writer say. The session is then good for
+    /// nothing but `stop` and the destructor.
     void start();
 
     /// Returns when the bundle is written.
@@ -71,11 +77,13 @@ public:
 private:
     void startEventTap();
     void stopEventTap() noexcept;
-    DisplayInfo chosenDisplay() const;
-    FrameRequest prepare(const DisplayInfo& display);
+    DisplayInfo chosenDisplay(const std::optional<WindowInfo>& window) const;
+    std::optional<WindowInfo> chosenWindow() const;
+    FrameRequest prepare(const DisplayInfo& display, const std::optional<WindowInfo>& window);
     void startWriter();
     void startStream(const FrameRequest& request);
     void startCursorPolling();
+    std::function<void()> refreshWindowFrame() const;
     SessionMeta meta(double epoch) const;
 
     std::filesystem::path m_bundleURL;
@@ -84,6 +92,7 @@ private:
     double m_scale = 2; // pixels per point of the captured display
     int m_pixelWidth = 0;
     int m_pixelHeight = 0;
+    std::optional<RequestedWindow> m_window; // of a window's recording
     std::shared_ptr<InputLog> m_log;
     FrameIntake m_intake;
 

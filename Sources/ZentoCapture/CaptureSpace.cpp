@@ -2,19 +2,40 @@
 
 #include "ZentoCapture/KeyLabel.h"
 
+#include <algorithm>
+
 namespace zento {
 
 Vec2 CaptureSpace::map(Vec2 point) const
 {
+    const double factor = fitScale * windowScale;
     return {
-        windowScale * ((point.x - originPoints.x) * scale),
-        windowScale * ((point.y - originPoints.y) * scale)};
+        factor * ((point.x - originPoints.x) * scale),
+        factor * ((point.y - originPoints.y) * scale)};
 }
 
 Rect CaptureSpace::map(const Rect& rect) const
 {
     const Vec2 corner = map(Vec2{rect.x, rect.y});
-    return {corner.x, corner.y, rect.w * scale * windowScale, rect.h * scale * windowScale};
+    const double factor = fitScale * windowScale;
+    return {corner.x, corner.y, rect.w * scale * factor, rect.h * scale * factor};
+}
+
+double shownScale(Vec2 recorded, Vec2 current)
+{
+    return std::min(recorded.x / current.x, recorded.y / current.y);
+}
+
+CaptureSpace following(const CaptureSpace& space, const Rect& frame, Vec2 recorded)
+{
+    if (frame.w <= 1 || frame.h <= 0) {
+        return space;
+    }
+    CaptureSpace moved = space;
+    moved.originPoints = {frame.x, frame.y};
+    moved.windowScale = recorded.x / frame.w;
+    moved.fitScale = shownScale(recorded, {frame.w, frame.h}) / moved.windowScale;
+    return moved;
 }
 
 InputEvent inputEvent(const RawInput& input, const CaptureSpace& space)

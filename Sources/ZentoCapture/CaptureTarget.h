@@ -15,13 +15,14 @@ struct Screen {
     bool operator==(const Screen&) const = default;
 };
 
-/// One window.
+/// One window, with its title bar and borders, also where others cover it. It may be moved, resized
+/// and minimised meanwhile.
 struct Window {
     std::uint32_t windowID = 0;
     bool operator==(const Window&) const = default;
 };
 
-/// A part of a display.
+/// A part of the desktop; it may reach over several displays.
 struct Area {
     Rect rect; // global points
     bool operator==(const Area&) const = default;

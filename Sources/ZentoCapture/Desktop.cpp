@@ -27,4 +27,10 @@ std::optional<std::uint32_t> displayID(Vec2 containing, std::span<const DisplayI
     return found == displays.end() ? displays.front().id : found->id;
 }
 
+std::optional<std::uint32_t>
+displayIDUnderCursor(Desktop& desktop, std::span<const DisplayInfo> displays)
+{
+    return displayID(desktop.pointerPosition().value_or(Vec2{}), displays);
+}
+
 } // namespace zento

@@ -6,6 +6,7 @@
 #include "ZentoCore/Geometry.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -24,6 +25,13 @@ struct DisplayInfo {
     DisplayRole role = DisplayRole::Further;
 };
 
+/// A window as its user sees it: with the title bar and borders its desktop gives it, without the
+/// invisible margin some applications draw their shadow into.
+struct WindowInfo {
+    Rect frame; // global points
+    std::optional<std::string> application;
+};
+
 /// The displays of a user's session and the sources a recording draws from.
 ///
 /// Threading: `displays` and the factories may be called from any thread, one at a time. What the
@@ -32,8 +40,19 @@ class Desktop {
 public:
     virtual ~Desktop() = default;
 
-    /// In the order of the desktop; none when nothing is connected. Throws `Error`.
+    /// From left to right, then from top to bottom; none when nothing is connected. Throws `Error`.
     virtual std::vector<DisplayInfo> displays() = 0;
+
+    /// The window of that number, if it is on the screen: not minimised, not closed. On X11 the
+    /// number is the XID of the application's own window; that of the window manager's frame around
+    /// it will do.
+    virtual std::optional<WindowInfo> window(std::uint32_t windowID) = 0;
+
+    /// Where a window is now; nothing while it is not on the screen. Global points.
+    using WindowFrameQuery = std::function<std::optional<Rect>()>;
+
+    /// A way to ask that again and again, for one further thread.
+    virtual WindowFrameQuery windowFrameQuery(std::uint32_t windowID) = 0;
 
     /// In global points; nothing when it cannot be read.
     virtual std::optional<Vec2> pointerPosition() = 0;
@@ -41,7 +60,8 @@ public:
     /// The name of the application whose window is active.
     virtual std::optional<std::string> frontmostApplication() = 0;
 
-    /// Throws `Error` when the display is gone or a part of the request lies outside it.
+    /// Throws `Error` when the display is gone or a part of the request lies outside the desktop,
+    /// and the code 24 when the window is gone.
     virtual std::unique_ptr<FrameSource> frameSource(const FrameRequest& request) = 0;
 
     virtual std::unique_ptr<InputSource> inputSource() = 0;
@@ -53,6 +73,11 @@ public:
 std::unique_ptr<Desktop> openDesktop(const std::optional<std::string>& displayName = {});
 
 /// The first display that holds the point, else the main one, else the first; nothing of nothing.
+/// Global points.
 std::optional<std::uint32_t> displayID(Vec2 containing, std::span<const DisplayInfo> displays);
+
+/// The same for where the pointer is, or for (0, 0) when that cannot be read.
+std::optional<std::uint32_t>
+displayIDUnderCursor(Desktop& desktop, std::span<const DisplayInfo> displays);
 
 } // namespace zento

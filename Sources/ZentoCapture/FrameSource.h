@@ -7,14 +7,23 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace zento {
 
-/// What a `FrameSource` shall show.
+struct RequestedWindow {
+    std::uint32_t id = 0;
+    Vec2 size; // points, when the recording's frame was laid out for it
+    bool operator==(const RequestedWindow&) const = default;
+};
+
+/// What a `FrameSource` shall show: a window if there is one, else a display or a part of it.
 struct FrameRequest {
     std::uint32_t displayID = 0;
     std::optional<Rect> sourceRect; // points, local to the display; absent: all of it
-    int pixelWidth = 0;             // of every frame, for the whole recording
+    std::optional<RequestedWindow> window;
+    std::vector<std::uint32_t> excludedWindowIDs; // left out of a display's picture
+    int pixelWidth = 0;                           // of every frame, for the whole recording
     int pixelHeight = 0;
 };
 
@@ -30,7 +39,12 @@ struct CapturedFrame {
 /// What became of a frame.
 enum class FrameVerdict : unsigned char { Taken, Refused };
 
-/// The pictures of a display while it changes.
+/// The pictures of a display or of a window while it changes.
+///
+/// Every frame has the request's size. A part of a display that is no longer there keeps what it
+/// last showed, and so does a window that is minimised or closed. A window is shown whether or not
+/// others cover it. One that has changed its size is scaled into the frame as `CaptureSpace` says,
+/// from the top left, over black.
 ///
 /// A frame comes at once after `start`, then only when something in the picture has changed, at
 /// most 60 in a second. The picture behind a refused frame comes again, so a still screen never

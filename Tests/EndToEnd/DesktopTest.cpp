@@ -1,6 +1,9 @@
 #include "DesktopTest.h"
 
 #include <poll.h>
+#include <sys/uio.h>
+#include <xcb/randr.h>
+#include <xcb/xcbext.h>
 #include <xcb/xtest.h>
 
 #include <array>
@@ -8,6 +11,7 @@
 #include <cstdlib>
 #include <optional>
 #include <stdexcept>
+#include <utility>
 
 namespace zento {
 
@@ -30,7 +34,61 @@ public:
 
 const auto* const kEnvironment = testing::AddGlobalTestEnvironment(new StageEnvironment);
 
-XcbConnection connect(const std::string& display)
+/// The one output of the server.
+xcb_randr_output_t onlyOutput(xcb_connection_t* connection)
+{
+    xcb_randr_get_screen_resources_current_reply_t* const reply =
+        xcb_randr_get_screen_resources_current_reply(
+            connection,
+            xcb_randr_get_screen_resources_current(connection, rootOf(connection)),
+            nullptr);
+    const xcb_randr_output_t output = *xcb_randr_get_screen_resources_current_outputs(reply);
+    std::free(reply);
+    return output;
+}
+
+/// Cuts a monitor out of the screen. Its name. The server's own monitor is gone as soon as another
+/// one claims its output.
+xcb_atom_t defineMonitor(
+    xcb_connection_t* connection,
+    const std::string& name,
+    const Rect& rect,
+    const std::vector<xcb_randr_output_t>& outputs)
+{
+    xcb_intern_atom_reply_t* const atom = xcb_intern_atom_reply(
+        connection,
+        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
+        nullptr);
+    xcb_randr_set_monitor_request_t head{.window = rootOf(connection)};
+    xcb_randr_monitor_info_t monitor{
+        .name = atom->atom,
+        .nOutput = static_cast<std::uint16_t>(outputs.size()),
+        .x = static_cast<std::int16_t>(rect.x),
+        .y = static_cast<std::int16_t>(rect.y),
+        .width = static_cast<std::uint16_t>(rect.w),
+        .height = static_cast<std::uint16_t>(rect.h),
+        .width_in_millimeters = 100,
+        .height_in_millimeters = 100};
+    std::free(atom);
+    // By hand: libxcb 1.15 closes the connection over the length its own function computes. It
+    // wants two spare parts in front.
+    const xcb_protocol_request_t request{
+        .count = 3, .ext = &xcb_randr_id, .opcode = XCB_RANDR_SET_MONITOR, .isvoid = 1};
+    std::vector<xcb_randr_output_t> claimed = outputs;
+    std::array<iovec, 5> parts{
+        {{},
+         {},
+         {&head, sizeof head},
+         {&monitor, sizeof monitor},
+         {claimed.data(), claimed.size() * sizeof(xcb_randr_output_t)}}};
+    xcb_send_request(connection, 0, parts.data() + 2, &request);
+    roundTrip(connection);
+    return monitor.name;
+}
+
+} // namespace
+
+XcbConnection connectTo(const std::string& display)
 {
     XcbConnection connection(xcb_connect(display.c_str(), nullptr));
     if (xcb_connection_has_error(connection.get()) != 0) {
@@ -38,8 +96,6 @@ XcbConnection connect(const std::string& display)
     }
     return connection;
 }
-
-} // namespace
 
 xcb_window_t rootOf(xcb_connection_t* connection)
 {
@@ -64,7 +120,7 @@ bool eventually(const std::function<bool()>& condition)
 }
 
 TestUser::TestUser(const std::string& display)
-    : m_connection(connect(display))
+    : m_connection(connectTo(display))
     , m_root(rootOf(m_connection.get()))
 {
 }
@@ -117,7 +173,7 @@ void TestUser::act(std::uint8_t type, std::uint8_t detail, int x, int y)
 }
 
 ColourWindow::ColourWindow(const std::string& display, int x, int y, int width, int height)
-    : m_connection(connect(display))
+    : m_connection(connectTo(display))
 {
     xcb_connection_t* const connection = m_connection.get();
     m_window = xcb_generate_id(connection);
@@ -145,12 +201,23 @@ ColourWindow::ColourWindow(const std::string& display, int x, int y, int width, 
 ColourWindow::~ColourWindow()
 {
     m_thread.request_stop();
+    m_thread.join();
+    xcb_destroy_window(m_connection.get(), m_window);
+    roundTrip(m_connection.get());
 }
 
 void ColourWindow::setColour(std::uint32_t rgb)
 {
     xcb_change_window_attributes(m_connection.get(), m_window, XCB_CW_BACK_PIXEL, &rgb);
     xcb_clear_area(m_connection.get(), 0, m_window, 0, 0, 0, 0);
+    roundTrip(m_connection.get());
+}
+
+void ColourWindow::moveTo(int x, int y)
+{
+    const std::array<std::int32_t, 2> place{x, y};
+    xcb_configure_window(
+        m_connection.get(), m_window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, place.data());
     roundTrip(m_connection.get());
 }
 
@@ -170,6 +237,45 @@ void ColourWindow::run(const std::stop_token& stop)
             .fd = xcb_get_file_descriptor(m_connection.get()), .events = POLLIN, .revents = 0};
         poll(&waiting, 1, kPollMs);
     }
+}
+
+TestMonitors::TestMonitors(const std::string& display, const std::vector<Rect>& rects)
+    : m_connection(connectTo(display))
+{
+    xcb_connection_t* const connection = m_connection.get();
+    // Asking makes the server speak the protocol that has monitors.
+    std::free(xcb_randr_query_version_reply(
+        connection, xcb_randr_query_version(connection, 1, 5), nullptr));
+    std::vector<xcb_randr_output_t> outputs{onlyOutput(connection)};
+    for (const Rect& rect : rects) {
+        const std::string name = "M" + std::to_string(m_names.size());
+        m_names.push_back(defineMonitor(connection, name, rect, std::exchange(outputs, {})));
+    }
+}
+
+TestMonitors::~TestMonitors()
+{
+    for (std::size_t i = 0; i < m_names.size(); ++i) {
+        unplug(i);
+    }
+}
+
+void TestMonitors::unplug(std::size_t index)
+{
+    xcb_randr_delete_monitor(m_connection.get(), rootOf(m_connection.get()), m_names[index]);
+    roundTrip(m_connection.get());
+}
+
+void TestMonitors::resizeScreen(int width, int height)
+{
+    xcb_randr_set_screen_size(
+        m_connection.get(),
+        rootOf(m_connection.get()),
+        static_cast<std::uint16_t>(width),
+        static_cast<std::uint16_t>(height),
+        100,
+        100);
+    roundTrip(m_connection.get());
 }
 
 PrivateDesktop& DesktopTest::stage()

@@ -2,6 +2,7 @@
 
 #include "Zento/Demo/PrivateDesktop.h"
 #include "ZentoCapture/Desktop.h"
+#include "ZentoCore/Geometry.h"
 
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>
@@ -12,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace zento {
 
@@ -22,6 +24,9 @@ struct DisconnectXcb {
     void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
 };
 using XcbConnection = std::unique_ptr<xcb_connection_t, DisconnectXcb>;
+
+/// Throws when there is no server.
+XcbConnection connectTo(const std::string& display);
 
 xcb_window_t rootOf(xcb_connection_t* connection);
 
@@ -53,9 +58,14 @@ private:
 class ColourWindow {
 public:
     ColourWindow(const std::string& display, int x, int y, int width, int height);
-    ~ColourWindow();
+    ~ColourWindow(); // nothing is left of it on the screen
+    ColourWindow(const ColourWindow&) = delete;
+    ColourWindow& operator=(const ColourWindow&) = delete;
 
     void setColour(std::uint32_t rgb); // on the screen when it returns
+    void moveTo(int x, int y);
+
+    std::uint32_t id() const { return m_window; }
 
 private:
     void run(const std::stop_token& stop);
@@ -63,6 +73,20 @@ private:
     XcbConnection m_connection;
     xcb_window_t m_window = 0;
     std::jthread m_thread;
+};
+
+/// Displays side by side, in place of the one a server without hardware has.
+class TestMonitors {
+public:
+    TestMonitors(const std::string& display, const std::vector<Rect>& rects); // named M0, M1, …
+    ~TestMonitors();
+
+    void unplug(std::size_t index);
+    void resizeScreen(int width, int height); // at most what the server was started with
+
+private:
+    XcbConnection m_connection;
+    std::vector<xcb_atom_t> m_names;
 };
 
 /// A test on a desktop of its own, one for all tests of the process.

@@ -1,3 +1,4 @@
+#include "ClientWindow.h"
 #include "DesktopTest.h"
 #include "TestSupport/DiskLimits.h"
 #include "TestSupport/TemporaryFolder.h"
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
@@ -140,7 +142,8 @@ TEST_F(RecordingTest, anAreaHasItsOwnSizeAndOrigin)
     EXPECT_EQ(VideoDecoder(bundle.screenMovieURL()).naturalSize(), (VideoSize{100, 50}));
 }
 
-/// The real desktop, with a count of the elements its lookups found.
+/// The real desktop, with a count of the elements its lookups found and of the looks at a window
+/// that found it in one place.
 class CountingDesktop final : public Desktop {
 public:
     explicit CountingDesktop(Desktop& desktop)
@@ -150,7 +153,35 @@ public:
 
     int foundCount() const { return *m_count; }
 
+    /// Until the recording has learnt that its window is at `frame`.
+    bool waitForWindowAt(const Rect& frame)
+    {
+        {
+            const std::lock_guard lock(m_looks->mutex);
+            m_looks->frame = frame;
+            m_looks->count = 0;
+        }
+        // When the second look comes, what the first one found has been used.
+        return eventually([this] {
+            const std::lock_guard lock(m_looks->mutex);
+            return m_looks->count >= 2;
+        });
+    }
+
     std::vector<DisplayInfo> displays() override { return m_desktop.displays(); }
+    std::optional<WindowInfo> window(std::uint32_t windowID) override
+    {
+        return m_desktop.window(windowID);
+    }
+    WindowFrameQuery windowFrameQuery(std::uint32_t windowID) override
+    {
+        return [looks = m_looks, query = m_desktop.windowFrameQuery(windowID)] {
+            const std::optional<Rect> frame = query();
+            const std::lock_guard lock(looks->mutex);
+            looks->count += frame && *frame == looks->frame ? 1 : 0;
+            return frame;
+        };
+    }
     std::optional<Vec2> pointerPosition() override { return m_desktop.pointerPosition(); }
     std::optional<std::string> frontmostApplication() override
     {
@@ -167,6 +198,11 @@ public:
     }
 
 private:
+    struct Looks {
+        std::mutex mutex;
+        Rect frame;
+        int count = 0;
+    };
     using Count = std::shared_ptr<std::atomic<int>>;
 
     class Lookup final : public ElementLookup {
@@ -191,7 +227,66 @@ private:
 
     Desktop& m_desktop;
     Count m_count = std::make_shared<std::atomic<int>>(0);
+    std::shared_ptr<Looks> m_looks = std::make_shared<Looks>();
 };
+
+TEST_F(RecordingTest, clicksLieOnTheRecordedWindowWhereverItGoes)
+{
+    ClientWindow window(display(), 60, 60, 200, 120, 0x000000);
+    const auto frame = [&] { return m_desktop->window(window.id())->frame; };
+    const Rect recorded = frame();
+    CountingDesktop counting(*m_desktop);
+    CaptureSession session(bundleURL(), counting);
+    session.target = Target::Window{window.id()};
+    session.start();
+    ASSERT_TRUE(waitForEpoch(session));
+    const auto clickOnMark = [&] {
+        const Vec2 origin = window.origin();
+        m_user.move(static_cast<int>(origin.x) + 12, static_cast<int>(origin.y) + 12);
+        m_user.click(1);
+    };
+    const auto waitForSize = [&](double width, double height) {
+        return eventually([&] {
+            return frame().w == recorded.w - 200 + width && frame().h == recorded.h - 120 + height;
+        });
+    };
+    clickOnMark();
+    window.moveTo(300, 150);
+    ASSERT_TRUE(eventually([&] { return frame().x > 250; }));
+    ASSERT_TRUE(counting.waitForWindowAt(frame()));
+    clickOnMark();
+    window.resize(100, 120);
+    ASSERT_TRUE(waitForSize(100, 120));
+    ASSERT_TRUE(counting.waitForWindowAt(frame()));
+    clickOnMark();
+    window.resize(300, 140);
+    ASSERT_TRUE(waitForSize(300, 140));
+    ASSERT_TRUE(counting.waitForWindowAt(frame()));
+    clickOnMark();
+    // The last frame shows the window as it is now.
+    const int frames = session.frameCount();
+    window.setColour(0x404040);
+    ASSERT_TRUE(waitForFrames(session, frames + 1));
+    session.stop();
+
+    const SessionBundle bundle = SessionBundle::load(bundleURL());
+    EXPECT_EQ(bundle.meta.appName, "Client");
+    EXPECT_EQ(bundle.meta.pixelWidth, static_cast<int>(recorded.w) / 2 * 2);
+    const auto clicks = ofKind(bundle.events, EventKind::Click);
+    ASSERT_EQ(clicks.size(), 4U);
+    EXPECT_EQ(clicks[1].pos, clicks[0].pos);
+    EXPECT_EQ(clicks[2].pos, clicks[0].pos); // narrower, as high as before: not made larger
+    const double scale = recorded.w / (recorded.w + 100);
+    EXPECT_DOUBLE_EQ(clicks[3].pos.x, clicks[0].pos.x * scale);
+    EXPECT_DOUBLE_EQ(clicks[3].pos.y, clicks[0].pos.y * scale);
+    const auto lumaAt = [&](double x, double y) {
+        return shades(bundle.screenMovieURL(), static_cast<int>(x), static_cast<int>(y))
+            .back()
+            .luma;
+    };
+    EXPECT_GT(lumaAt(clicks[3].pos.x, clicks[3].pos.y), 900); // the mark is white
+    EXPECT_LT(lumaAt(clicks[3].pos.x + 40, clicks[3].pos.y + 40), 500);
+}
 
 /// Where an element is, by a way of its own over the accessibility bus.
 Rect frameOfElement(const ElementFinder& finder, const ElementQuery& query)
@@ -240,19 +335,30 @@ TEST_F(RecordingTest, aClickKnowsTheElementItHit)
 
 TEST_F(RecordingTest, aServerThatDiesEndsTheStreamAndLeavesABundle)
 {
-    auto mortal = std::make_unique<PrivateDesktop>(DesktopSize{320, 200});
-    const auto doomed = openDesktop(mortal->display());
-    CaptureSession session(bundleURL(), *doomed);
-    std::atomic<int> ends = 0;
-    session.onStreamStopped = [&](const std::optional<Error>& error) { ends += error ? 1 : 100; };
-    session.start();
-    ASSERT_TRUE(waitForFrames(session, 1));
-    mortal.reset();
-    EXPECT_TRUE(eventually([&] { return ends > 0; }));
-    session.stop();
-    EXPECT_EQ(ends, 1);
-    EXPECT_EQ(shades(SessionBundle::load(bundleURL()).screenMovieURL(), 0, 0).size(), 1U);
-    EXPECT_TRUE(doomed->displays().empty());
+    for (const bool recordsWindow : {false, true}) {
+        SCOPED_TRACE(recordsWindow ? "window" : "display");
+        auto mortal = std::make_unique<PrivateDesktop>(DesktopSize{320, 200});
+        const auto doomed = openDesktop(mortal->display());
+        const ColourWindow window(mortal->display(), 10, 10, 80, 60);
+        CaptureSession session(bundleURL(), *doomed);
+        if (recordsWindow) {
+            session.target = Target::Window{window.id()};
+        }
+        std::atomic<int> ends = 0;
+        session.onStreamStopped = [&](const std::optional<Error>& error) {
+            ends += error ? 1 : 100;
+        };
+        session.start();
+        ASSERT_TRUE(waitForFrames(session, 1));
+        mortal.reset();
+        EXPECT_TRUE(eventually([&] { return ends > 0; }));
+        session.stop();
+        EXPECT_EQ(ends, 1);
+        const auto frames = shades(SessionBundle::load(bundleURL()).screenMovieURL(), 0, 0);
+        EXPECT_EQ(frames.size(), static_cast<std::size_t>(session.frameCount()));
+        EXPECT_TRUE(doomed->displays().empty());
+        EXPECT_FALSE(doomed->window(window.id()));
+    }
 }
 
 TEST_F(RecordingTest, aFullDiskIsToldAtTheEndByTheMoviesName)

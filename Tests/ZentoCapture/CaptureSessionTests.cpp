@@ -182,6 +182,10 @@ TEST_F(CaptureSessionTest, failuresLeaveNothingRunning)
          ErrorCode::kNoDisplay,
          [](FakeDesktop& broken) { broken.displayList.clear(); },
          {"input on", "displays", "input off"}},
+        {"a window of no size",
+         ErrorCode::kMovieNotStarted,
+         [](FakeDesktop& broken) { broken.displayList[0].bounds.h = 1.9; },
+         {"input on", "displays", "input off"}},
         {"no writer",
          5,
          [](FakeDesktop& broken) { broken.writerFailure = Error(5, "no"); },
@@ -204,12 +208,58 @@ TEST_F(CaptureSessionTest, failuresLeaveNothingRunning)
     }
 }
 
-TEST_F(CaptureSessionTest, aWindowCannotBeRecordedYetAndSaysSo)
+TEST_F(CaptureSessionTest, aWindowThatIsGoneLeavesNoListening)
 {
     CaptureSession session = makeSession();
     session.target = Target::Window{3};
-    EXPECT_THROW(session.start(), Error);
-    EXPECT_THAT(m_desktop.steps, ElementsAre("input on", "displays", "input off"));
+    m_desktop.displayList.clear(); // even so it is the window that is named
+    try {
+        session.start();
+        FAIL();
+    } catch (const Error& error) {
+        EXPECT_EQ(error.code(), ErrorCode::kWindowGone);
+        EXPECT_STREQ(error.what(), "window no longer exists");
+    }
+    EXPECT_THAT(m_desktop.steps, ElementsAre("input on", "input off"));
+    EXPECT_FALSE(std::filesystem::exists(bundleURL()));
+}
+
+TEST_F(CaptureSessionTest, theLogFollowsAWindow)
+{
+    m_desktop.displayList.push_back({.id = 8, .bounds = {640, 0, 640, 480}, .scale = 2});
+    m_desktop.windows[3] = {.frame = {700, 100, 101, 50.5}, .application = "Player"};
+    CaptureSession session = makeSession();
+    session.target = Target::Window{3};
+    session.excludeWindowIDs = {9};
+    session.start();
+    EXPECT_EQ(m_desktop.request->displayID, 8U);
+    EXPECT_EQ(m_desktop.request->window, (RequestedWindow{.id = 3, .size = {101, 50.5}}));
+    EXPECT_TRUE(m_desktop.request->excludedWindowIDs.empty());
+    EXPECT_EQ(m_desktop.writerSize, std::pair(202, 100));
+    m_desktop.showFrame(1);
+
+    const auto click = [&](double x, double y) {
+        m_desktop.input({.type = RawInputType::LeftUp, .time = 1, .point = {x, y}});
+    };
+    const auto waitForPoll = [&] {
+        const int before = m_desktop.windowReads;
+        while (m_desktop.windowReads < before + 2) { // the first answer has been used
+            std::this_thread::yield();
+        }
+    };
+    click(710, 120);
+    m_desktop.moveWindow(Rect{0, 10, 50.5, 25.25});
+    waitForPoll();
+    click(10, 20);
+    m_desktop.moveWindow({}); // minimised
+    waitForPoll();
+    click(10, 20);
+    session.stop();
+    const auto events = eventsWithoutMoves();
+    EXPECT_EQ(events.at(0).pos, (Vec2{20, 40}));
+    EXPECT_EQ(events.at(1).pos, (Vec2{40, 40}));
+    EXPECT_EQ(events.at(2).pos, (Vec2{40, 40}));
+    EXPECT_EQ(SessionBundle::load(bundleURL()).meta.appName, "Player");
 }
 
 TEST_F(CaptureSessionTest, noFramesAndAFullDiskWriteNoMetadata)
@@ -291,6 +341,20 @@ TEST_F(CaptureSessionTest, everyTargetHasItsSizeAndOrigin)
          {300, 200},
          Rect{10, 4, 301, 201},
          {0, 6}},
+        {"area over both",
+         Target::Area{{1400, 0, 60, 10}},
+         {},
+         1,
+         {120, 20},
+         Rect{1400, 0, 60, 10},
+         {100, 20}},
+        {"area nowhere: main",
+         Target::Area{{-50, -9, 4, 4}},
+         {},
+         2,
+         {4, 4},
+         Rect{-1490, -9, 4, 4},
+         {1500, 19}},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
@@ -298,7 +362,9 @@ TEST_F(CaptureSessionTest, everyTargetHasItsSizeAndOrigin)
         m_desktop.pointer = row.pointer;
         CaptureSession session = makeSession();
         session.target = row.target;
+        session.excludeWindowIDs = {5};
         session.start();
+        EXPECT_THAT(m_desktop.request->excludedWindowIDs, ElementsAre(5U));
         m_desktop.showFrame(1);
         m_desktop.input({.type = RawInputType::LeftUp, .time = 1, .point = {1450, 10}});
         session.stop();

@@ -7,6 +7,7 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -27,6 +28,7 @@ public:
          .bounds = {0, 0, 640, 480},
          .scale = 1,
          .role = DisplayRole::Main}};
+    std::map<std::uint32_t, WindowInfo> windows;
     std::optional<Vec2> pointer = Vec2{10, 20};
     std::optional<std::string> application = "Editor";
 
@@ -44,6 +46,14 @@ public:
     std::vector<std::pair<Vec2, ElementLookup::Handler>> lookups;
     std::pair<int, int> writerSize;
     std::atomic<int> pointerReads = 0; // by the poll
+    std::atomic<int> windowReads = 0;  // by the poll
+
+    /// Where the recorded window goes to while the poll runs; nothing: it is not on the screen.
+    void moveWindow(const std::optional<Rect>& frame)
+    {
+        const std::lock_guard lock(m_frameMutex);
+        m_windowFrame = frame;
+    }
 
     // What happens while it runs.
     InputSource::Handler input;
@@ -75,6 +85,19 @@ public:
     {
         steps.emplace_back("displays");
         return displayList;
+    }
+    std::optional<WindowInfo> window(std::uint32_t windowID) override
+    {
+        const auto found = windows.find(windowID);
+        return found == windows.end() ? std::nullopt : std::optional(found->second);
+    }
+    WindowFrameQuery windowFrameQuery(std::uint32_t) override
+    {
+        return [this] {
+            const std::lock_guard lock(m_frameMutex);
+            ++windowReads;
+            return m_windowFrame;
+        };
     }
     std::optional<Vec2> pointerPosition() override { return pointer; }
     std::optional<std::string> frontmostApplication() override { return application; }
@@ -176,6 +199,9 @@ private:
     private:
         FakeDesktop& m_desktop;
     };
+
+    std::mutex m_frameMutex;
+    std::optional<Rect> m_windowFrame;
 };
 
 } // namespace zento

@@ -117,5 +117,45 @@ TEST(EventLoggerTest, logsPlainlyAndTellsAtOnce)
     EXPECT_FALSE(EventLogger(desktop).start());
 }
 
+TEST(CaptureSpaceTest, aWindowsPointsStayOnItsPictureHoweverItIsResized)
+{
+    struct Case {
+        const char* name;
+        Rect frame;
+        double windowScale;
+        double shown;
+    };
+    constexpr Vec2 kRecorded{1000, 800};
+    const CaptureSpace start{.originPoints = {7, 8}, .scale = 2};
+    const Case cases[] = {
+        {"moved", {-30, 40, 1000, 800}, 1, 1},
+        {"half", {5, 6, 500, 400}, 2, 2},
+        {"lower", {5, 6, 1000, 200}, 1, 1},
+        {"wider", {5, 6, 2000, 800}, 0.5, 0.5},
+        {"narrower: as high as before", {5, 6, 500, 800}, 2, 1},
+        {"taller", {5, 6, 1000, 1600}, 1, 0.5},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        const CaptureSpace space = following(start, row.frame, kRecorded);
+        EXPECT_EQ(space.windowScale, row.windowScale);
+        EXPECT_LE(space.fitScale, 1);
+        EXPECT_EQ(space.map(Vec2{row.frame.x, row.frame.y}), (Vec2{0, 0}));
+        const Vec2 end = space.map(Vec2{row.frame.x + row.frame.w, row.frame.y + row.frame.h});
+        EXPECT_DOUBLE_EQ(end.x, row.frame.w * row.shown * 2);
+        EXPECT_DOUBLE_EQ(end.y, row.frame.h * row.shown * 2);
+        // The whole window lies in the frame and touches one of its far edges.
+        EXPECT_LE(end.x, 2000);
+        EXPECT_LE(end.y, 1600);
+        EXPECT_TRUE(end.x == 2000 || end.y == 1600);
+        const Rect mapped = space.map(row.frame);
+        EXPECT_DOUBLE_EQ(mapped.w, end.x);
+        EXPECT_DOUBLE_EQ(mapped.h, end.y);
+    }
+    for (const Rect& nothing : {Rect{5, 6, 1, 800}, Rect{5, 6, 500, 0}}) {
+        EXPECT_EQ(following(start, nothing, kRecorded), start);
+    }
+}
+
 } // namespace
 } // namespace zento

@@ -28,6 +28,32 @@ TEST(Arguments, takeOptionsInAnyPlaceAndForm)
     EXPECT_FALSE(arguments.has("--gif"));
 }
 
+TEST(Arguments, readPlacesAndWindows)
+{
+    EXPECT_EQ(readRect("--area", "10,-20.5,300,1e2"), (Rect{10, -20.5, 300, 100}));
+    EXPECT_EQ(readWindow("--window", "65011713"), 65011713U);
+    EXPECT_EQ(readWindow("--window", "0x3e00001"), 65011713U);
+    EXPECT_EQ(readWindow("--window", "0XFFFFFFFF"), 4294967295U);
+    for (const char* const text :
+         {"",
+          "1,2,3",
+          "1,2,3,4,5",
+          "1,2,3,",
+          "1,,3,4",
+          "1 ,2,3,4",
+          "1,2,0,4",
+          "1,2,3,-4",
+          "nan,2,3,4",
+          "1,2,inf,4",
+          "0x1,2,3,4"}) {
+        EXPECT_THROW(readRect("--area", text), UsageError) << text;
+    }
+    for (const char* const text :
+         {"", "0", "0x", "0x0", "-1", "0x-1", "3e00001", "4294967296", "1 "}) {
+        EXPECT_THROW(readWindow("--window", text), UsageError) << text;
+    }
+}
+
 TEST(Arguments, refuseWhatMeansNothing)
 {
     struct Case {

@@ -3,17 +3,19 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <ranges>
 
 namespace zento {
 
 namespace {
 
-/// The whole text as a number.
-template <typename Number>
-std::optional<Number> number(std::string_view text)
+/// The whole text as a number; `base` for whole ones.
+template <typename Number, typename... Base>
+std::optional<Number> number(std::string_view text, Base... base)
 {
     Number value{};
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    const auto [end, error] =
+        std::from_chars(text.data(), text.data() + text.size(), value, base...);
     if (error != std::errc() || end != text.data() + text.size()) {
         return std::nullopt;
     }
@@ -117,6 +119,37 @@ Size readSize(std::string_view option, std::string_view text)
         throw wrongValue(option, text, "a size such as 1920x1080");
     }
     return {*width, *height};
+}
+
+Rect readRect(std::string_view option, std::string_view text)
+{
+    std::vector<double> values;
+    for (const auto part : std::views::split(text, ',')) {
+        const auto value = number<double>(std::string_view(part.begin(), part.end()));
+        if (!value || !std::isfinite(*value)) {
+            values.clear();
+            break;
+        }
+        values.push_back(*value);
+    }
+    if (values.size() != 4) {
+        throw wrongValue(option, text, "four numbers X,Y,W,H");
+    }
+    if (values[2] <= 0 || values[3] <= 0) {
+        throw wrongValue(option, text, "a width and a height above 0");
+    }
+    return {values[0], values[1], values[2], values[3]};
+}
+
+std::uint32_t readWindow(std::string_view option, std::string_view text)
+{
+    const bool isHex = text.starts_with("0x") || text.starts_with("0X");
+    const auto value =
+        isHex ? number<std::uint32_t>(text.substr(2), 16) : number<std::uint32_t>(text);
+    if (!value || *value == 0) {
+        throw wrongValue(option, text, "a window's number such as 65011713 or 0x3e00001");
+    }
+    return *value;
 }
 
 } // namespace zento

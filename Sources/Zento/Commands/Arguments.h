@@ -1,5 +1,8 @@
 #pragma once
 
+#include "ZentoCore/Geometry.h"
+
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <span>
@@ -65,5 +68,8 @@ struct Size {
 double readPositive(std::string_view option, std::string_view text);
 int readIndex(std::string_view option, std::string_view text); // [0, ∞)
 Size readSize(std::string_view option, std::string_view text); // "1920x1080"
+Rect readRect(std::string_view option, std::string_view text); // "X,Y,W,H", W and H above 0
+std::uint32_t
+readWindow(std::string_view option, std::string_view text); // "65011713", "0x3e00001"; not 0
 
 } // namespace zento

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 namespace zento {
@@ -73,6 +74,17 @@ private:
     std::unique_ptr<xcb_connection_t, Disconnect> m_connection;
     const xcb_screen_t* m_screen = nullptr;
 };
+
+/// The reply to a request; null when the server refused it. Windows come and go while we ask about
+/// them, so a refusal is nothing unusual.
+template <typename Fetch, typename Cookie>
+auto replyOf(const X11Connection& connection, Fetch fetch, Cookie cookie)
+{
+    xcb_generic_error_t* error = nullptr;
+    auto* const reply = fetch(connection.get(), cookie, &error);
+    const XcbPtr<xcb_generic_error_t> ownedError(error);
+    return XcbPtr<std::remove_pointer_t<decltype(reply)>>(reply);
+}
 
 /// Pixels per point: what the user set as the fonts' resolution over its default of 96, if that is
 /// a whole number; else 1. X11 counts windows and displays in pixels, so a display of 2880 pixels

@@ -3,8 +3,10 @@
 #include "ZentoCapture/Backends/AtSpiLookup.h"
 #include "ZentoCapture/Backends/X11FrameSource.h"
 #include "ZentoCapture/Backends/X11InputSource.h"
-
-#include <xcb/randr.h>
+#include "ZentoCapture/Backends/X11Monitors.h"
+#include "ZentoCapture/Backends/X11ScreenSubject.h"
+#include "ZentoCapture/Backends/X11WindowSubject.h"
+#include "ZentoCapture/Backends/X11Windows.h"
 
 #include <algorithm>
 #include <cmath>
@@ -26,16 +28,17 @@ std::string atomName(const X11Connection& connection, xcb_atom_t atom)
         static_cast<std::size_t>(xcb_get_atom_name_name_length(reply.get()))};
 }
 
-/// The whole screen, for a server that tells nothing about its monitors.
-DisplayInfo wholeScreen(const X11Connection& connection, double scale)
+/// A rectangle in pixels as one in points.
+Rect inPoints(const PixelRect& rect, double scale)
 {
-    const xcb_screen_t& screen = connection.screen();
-    return {
-        .id = 0,
-        .name = "screen",
-        .bounds = {0, 0, screen.width_in_pixels / scale, screen.height_in_pixels / scale},
-        .scale = scale,
-        .role = DisplayRole::Main};
+    return {rect.x / scale, rect.y / scale, rect.width / scale, rect.height / scale};
+}
+
+/// The pixel nearest to a place in points; a fraction that only the division by the scale has
+/// brought must not move it to the one before.
+int nearestPixel(double points, double scale)
+{
+    return static_cast<int>(std::lround(points * scale));
 }
 
 } // namespace
@@ -49,40 +52,38 @@ X11Desktop::X11Desktop(std::string displayName)
 std::vector<DisplayInfo> X11Desktop::displays()
 {
     const double scale = displayScale(m_connection);
-    xcb_connection_t* const connection = m_connection.get();
-    const xcb_query_extension_reply_t* const extension =
-        xcb_get_extension_data(connection, &xcb_randr_id);
-    if (m_connection.isBroken()) {
-        return {};
-    }
-    if (extension == nullptr || extension->present == 0) {
-        return {wholeScreen(m_connection, scale)};
-    }
-    // The server speaks no newer protocol than the client has asked for.
-    const XcbPtr<xcb_randr_query_version_reply_t> version(xcb_randr_query_version_reply(
-        connection, xcb_randr_query_version(connection, 1, 5), nullptr));
-    const XcbPtr<xcb_randr_get_monitors_reply_t> reply(xcb_randr_get_monitors_reply(
-        connection, xcb_randr_get_monitors(connection, m_connection.root(), 1), nullptr));
-    if (!version || !reply) {
-        return m_connection.isBroken() ? std::vector<DisplayInfo>{}
-                                       : std::vector{wholeScreen(m_connection, scale)};
-    }
     std::vector<DisplayInfo> displays;
-    for (auto monitors = xcb_randr_get_monitors_monitors_iterator(reply.get()); monitors.rem > 0;
-         xcb_randr_monitor_info_next(&monitors)) {
-        const xcb_randr_monitor_info_t& monitor = *monitors.data;
+    for (const X11Monitor& monitor : monitors(m_connection)) {
         displays.push_back(
             {.id = monitor.name,
-             .name = atomName(m_connection, monitor.name),
-             .bounds =
-                 {monitor.x / scale,
-                  monitor.y / scale,
-                  monitor.width / scale,
-                  monitor.height / scale},
+             .name =
+                 monitor.name == XCB_ATOM_NONE ? "screen" : atomName(m_connection, monitor.name),
+             .bounds = inPoints(monitor.rect, scale),
              .scale = scale,
-             .role = monitor.primary != 0 ? DisplayRole::Main : DisplayRole::Further});
+             .role = monitor.isPrimary ? DisplayRole::Main : DisplayRole::Further});
     }
     return displays;
+}
+
+std::optional<WindowInfo> X11Desktop::window(std::uint32_t windowID)
+{
+    const auto placement = placementOf(m_connection, windowID);
+    if (!placement) {
+        return {};
+    }
+    return WindowInfo{
+        .frame = inPoints(placement->frame, displayScale(m_connection)),
+        .application = applicationOf(m_connection, windowID)};
+}
+
+Desktop::WindowFrameQuery X11Desktop::windowFrameQuery(std::uint32_t windowID)
+{
+    auto connection = std::make_shared<const X11Connection>(m_displayName);
+    const double scale = displayScale(*connection);
+    return [connection = std::move(connection), scale, windowID]() -> std::optional<Rect> {
+        const auto placement = placementOf(*connection, windowID);
+        return placement ? std::optional(inPoints(placement->frame, scale)) : std::nullopt;
+    };
 }
 
 std::optional<Vec2> X11Desktop::pointerPosition()
@@ -101,18 +102,23 @@ std::optional<std::string> X11Desktop::frontmostApplication()
     if (!window || *window == XCB_WINDOW_NONE) {
         return {};
     }
-    // Two texts, each ended by a zero: the instance and the class. The class names the application.
-    const auto bytes = m_connection.property(*window, "WM_CLASS");
-    const auto instanceEnd = std::ranges::find(bytes, 0);
-    if (instanceEnd == bytes.end()) {
-        return {};
-    }
-    std::string name(instanceEnd + 1, std::find(instanceEnd + 1, bytes.end(), 0));
-    return name.empty() ? std::nullopt : std::optional(std::move(name));
+    return applicationOf(m_connection, *window);
 }
 
 std::unique_ptr<FrameSource> X11Desktop::frameSource(const FrameRequest& request)
 {
+    const auto source = [&](const X11FrameSource::SubjectFactory& makeSubject) {
+        return std::make_unique<X11FrameSource>(
+            m_displayName, request.pixelWidth, request.pixelHeight, makeSubject);
+    };
+    if (request.window) {
+        const double scale = displayScale(m_connection);
+        const Vec2 size{
+            std::round(request.window->size.x * scale), std::round(request.window->size.y * scale)};
+        return source([&](const X11Connection& connection) {
+            return std::make_unique<X11WindowSubject>(connection, request.window->id, size);
+        });
+    }
     const auto all = displays();
     const auto display = std::ranges::find(all, request.displayID, &DisplayInfo::id);
     if (display == all.end()) {
@@ -120,16 +126,14 @@ std::unique_ptr<FrameSource> X11Desktop::frameSource(const FrameRequest& request
     }
     const Rect local =
         request.sourceRect.value_or(Rect{0, 0, display->bounds.w, display->bounds.h});
-    const auto pixels = [&](double points) {
-        return static_cast<int>(std::floor(points * display->scale));
-    };
-    return std::make_unique<X11FrameSource>(
-        m_displayName,
-        PixelRect{
-            .x = pixels(display->bounds.x + local.x),
-            .y = pixels(display->bounds.y + local.y),
-            .width = request.pixelWidth,
-            .height = request.pixelHeight});
+    const PixelRect rect{
+        .x = nearestPixel(display->bounds.x + local.x, display->scale),
+        .y = nearestPixel(display->bounds.y + local.y, display->scale),
+        .width = request.pixelWidth,
+        .height = request.pixelHeight};
+    return source([&](const X11Connection& connection) {
+        return std::make_unique<X11ScreenSubject>(connection, rect, request.excludedWindowIDs);
+    });
 }
 
 std::unique_ptr<InputSource> X11Desktop::inputSource()

@@ -14,6 +14,8 @@ public:
     explicit X11Desktop(std::string displayName);
 
     std::vector<DisplayInfo> displays() override;
+    std::optional<WindowInfo> window(std::uint32_t windowID) override;
+    WindowFrameQuery windowFrameQuery(std::uint32_t windowID) override;
     std::optional<Vec2> pointerPosition() override;
     std::optional<std::string> frontmostApplication() override;
     std::unique_ptr<FrameSource> frameSource(const FrameRequest& request) override;

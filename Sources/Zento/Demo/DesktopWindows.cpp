@@ -97,9 +97,36 @@ std::uint32_t whole(double value)
 
 } // namespace
 
-bool hasWindowManager(const XConnection& connection)
+WindowManagerProbe::WindowManagerProbe(const XConnection& connection)
+    : m_connection(connection)
+    , m_window(xcb_generate_id(connection.get()))
 {
-    return !numbers(connection, connection.root().id, "_NET_SUPPORTING_WM_CHECK").empty();
+    xcb_create_window(
+        connection.get(),
+        XCB_COPY_FROM_PARENT,
+        m_window,
+        connection.root().id,
+        0,
+        0,
+        1,
+        1,
+        0,
+        XCB_WINDOW_CLASS_INPUT_OUTPUT,
+        XCB_COPY_FROM_PARENT,
+        0,
+        nullptr);
+}
+
+WindowManagerProbe::~WindowManagerProbe()
+{
+    xcb_destroy_window(m_connection.get(), m_window);
+    m_connection.flush();
+}
+
+bool WindowManagerProbe::isAnswered() const
+{
+    askWindowManager(m_connection, m_window, "_NET_REQUEST_FRAME_EXTENTS", {});
+    return !numbers(m_connection, m_window, "_NET_FRAME_EXTENTS").empty();
 }
 
 std::string rootText(const XConnection& connection, const std::string& property)

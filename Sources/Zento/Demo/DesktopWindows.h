@@ -12,8 +12,25 @@ class XConnection;
 
 // What a pager may do with the windows of a desktop, by the Extended Window Manager Hints.
 
-/// True once a window manager looks after the display.
-bool hasWindowManager(const XConnection& connection);
+/// Asks the window manager for the borders it would give a window, until it answers.
+///
+/// A window manager announces itself before its loop turns, and openbox leaves what arrives in
+/// between in its queue until the next event: a window mapped then never appears.
+class WindowManagerProbe {
+public:
+    /// The connection stays the caller's, who keeps it for as long as the probe.
+    explicit WindowManagerProbe(const XConnection& connection);
+    ~WindowManagerProbe();
+    WindowManagerProbe(const WindowManagerProbe&) = delete;
+    WindowManagerProbe& operator=(const WindowManagerProbe&) = delete;
+
+    /// Asks once more, and says whether an earlier question was answered.
+    bool isAnswered() const;
+
+private:
+    const XConnection& m_connection;
+    std::uint32_t m_window = 0; // never mapped
+};
 
 /// The managed window whose title contains `title`.
 std::optional<std::uint32_t> windowTitled(const XConnection& connection, const std::string& title);

@@ -188,9 +188,10 @@ void PrivateDesktop::startWindowManager(const std::stop_token& stop)
     const auto settings = m_home.writeFile(".config/openbox/rc.xml", kWindowManagerSettings);
     m_members.push_back({"openbox", start({program, "--sm-disable", "--config-file", settings})});
     const XConnection connection(m_display);
+    const WindowManagerProbe probe(connection);
     const auto isReady = [&] {
         requireRunning();
-        return hasWindowManager(connection);
+        return probe.isAnswered();
     };
     waitUntil(isReady, kStartSeconds, "openbox did not take over the windows", stop);
 }

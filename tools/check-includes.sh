@@ -33,7 +33,7 @@ ZentoImaging ZentoCore
 ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
-Zento/Model ZentoCore|ZentoEngine
+Zento/Model ZentoCore|ZentoEngine|ZentoCapture
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES
 exit $bad

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Zento/Model/ShortcutAction.h"
+
+#include <functional>
+#include <memory>
+
+namespace zento {
+
+/// A key stroke that reaches this program wherever the user is. Dropping the object gives it back.
+class GlobalHotkey {
+public:
+    GlobalHotkey() = default;
+    virtual ~GlobalHotkey() = default;
+    GlobalHotkey(const GlobalHotkey&) = delete;
+    GlobalHotkey& operator=(const GlobalHotkey&) = delete;
+};
+
+/// Registers key strokes with the desktop.
+///
+/// Threading: the main thread; callbacks come there too.
+class GlobalHotkeys {
+public:
+    virtual ~GlobalHotkeys() = default;
+
+    /// Null when another program has the stroke already, or when this desktop has no such thing.
+    virtual std::unique_ptr<GlobalHotkey>
+    registerHotkey(const KeyStroke& stroke, std::function<void()> pressed) = 0;
+};
+
+} // namespace zento

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Zento/Model/AppSettings.h"
+#include "Zento/Model/Background.h"
+
+#include <QQmlPropertyMap>
+
+#include <filesystem>
+#include <memory>
+
+namespace zento {
+
+/// The live settings, with a property for every key but `shortcuts`, named as the key: numbers,
+/// booleans and strings; an enumeration is its string of the settings file ("balanced", "16:9",
+/// "1080p"). A value of another type, or a string that is none of an enumeration's, changes
+/// nothing. An absent `customBackgroundPath` is the empty string.
+///
+/// Every change is written to the file in the background, whole; changes that come while one is
+/// being written are written together. A file that cannot be written is passed over: the settings
+/// stay live for this run. One that did not decode is kept beside it as "settings.json.unread".
+///
+/// Threading: the main thread.
+class SettingsModel : public QQmlPropertyMap {
+    Q_OBJECT
+
+public:
+    /// Reads the file; it is small, and nothing can be shown before it is known.
+    SettingsModel(std::filesystem::path file, Background& background);
+    ~SettingsModel() override;
+
+    const AppSettings& value() const { return m_settings; }
+
+    /// Replaces the whole record, as an undo does.
+    void replace(AppSettings settings);
+
+    /// Ends when what was changed last is in the file; before the program ends.
+    void flush();
+
+Q_SIGNALS:
+    /// One or more values are others than before.
+    void settingsChanged(const zento::AppSettings& before);
+
+protected:
+    QVariant updateValue(const QString& key, const QVariant& input) override;
+
+private:
+    void apply(AppSettings settings);
+    void scheduleSave();
+    void write() const;
+
+    std::filesystem::path m_file;
+    Background& m_background;
+    AppSettings m_settings;
+    bool m_isSaving = false;
+    bool m_isDirty = false;
+};
+
+} // namespace zento

@@ -54,6 +54,8 @@ function(zento_theme tokens_file theme_file)
         if(DEFINED strong_${key})
             set(value "highContrast ? ${strong_${key}} : ${value}")
         endif()
+        # A property named "on…" would be taken for the handler of a signal.
+        string(REGEX REPLACE "^on([A-Z])" "inkOn\\1" key ${key})
         string(APPEND colors "    readonly property color ${key}: ${value}\n")
     endforeach()
 

@@ -26,8 +26,8 @@ T.Button {
         : kind === Button.Quiet ? Theme.control : Theme.controlHover
     readonly property color pressColor: kind === Button.Primary ? Theme.primaryPressed
         : kind === Button.Danger ? Qt.darker(Theme.recordFill, 1.12) : Theme.controlPressed
-    readonly property color inkColor: kind === Button.Primary ? Theme.onPrimary
-        : kind === Button.Danger ? Theme.onRecordFill
+    readonly property color inkColor: kind === Button.Primary ? Theme.inkOnPrimary
+        : kind === Button.Danger ? Theme.inkOnRecordFill
         : kind === Button.Quiet && !hovered ? Theme.textSecondary : Theme.text
     readonly property real corner: size === Button.Small ? 7 : size === Button.Large ? 10 : Theme.radiusControl
 

@@ -4,7 +4,8 @@ import Zento
 
 // One of several choices, laid out in a grid. One stop for the Tab key; the arrow keys move the
 // choice. `model` is a list of {value, name, …}; each choice is drawn by `visual`, which is given
-// the choice as `entry` and its button as `button`.
+// the choice as `entry` and its button as `button`. With a `cellWidth` of 0 each takes the width its
+// drawing asks for, and the row is broken at the group's edge.
 Item {
     id: group
 
@@ -36,16 +37,16 @@ Item {
         repeater.itemAt(next)?.forceActiveFocus(Qt.TabFocusReason)
     }
 
-    implicitWidth: grid.implicitWidth
-    implicitHeight: grid.implicitHeight
+    implicitWidth: columns * (cellWidth + spacing) - spacing
+    implicitHeight: flow.implicitHeight
     opacity: enabled ? 1 : Theme.opacityDisabled
     Accessible.role: Accessible.Grouping
     Accessible.name: label
 
-    Grid {
-        id: grid
+    Flow {
+        id: flow
 
-        columns: Math.max(1, group.columns)
+        width: group.cellWidth > 0 ? group.columns * (group.cellWidth + group.spacing) : group.width
         spacing: group.spacing
         Repeater {
             id: repeater
@@ -57,7 +58,9 @@ Item {
                 required property int index
                 required property var modelData
 
-                implicitWidth: group.cellWidth
+                property Item drawing
+
+                implicitWidth: group.cellWidth > 0 ? group.cellWidth : drawing?.implicitWidth ?? 0
                 implicitHeight: group.cellHeight
                 checked: index === group.currentIndex
                 activeFocusOnTab: checked || (group.currentIndex < 0 && index === 0)
@@ -73,7 +76,7 @@ Item {
                 Keys.onUpPressed: event => { event.accepted = group.columns < group.model.length; group.move(index, -group.columns) }
                 Keys.onDownPressed: event => { event.accepted = group.columns < group.model.length; group.move(index, group.columns) }
                 Keys.onReturnPressed: button.click()
-                Component.onCompleted: group.visual.createObject(button, { button: button, entry: modelData })
+                Component.onCompleted: drawing = group.visual.createObject(button, { button: button, entry: modelData })
                 FocusRing {
                     visible: button.visualFocus
                     targetRadius: group.focusRadius

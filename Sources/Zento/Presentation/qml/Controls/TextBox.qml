@@ -22,7 +22,7 @@ T.TextField {
     color: Theme.text
     placeholderTextColor: Theme.textTertiary
     selectionColor: Theme.accentFill
-    selectedTextColor: Theme.onAccentFill
+    selectedTextColor: Theme.inkOnAccentFill
     selectByMouse: true
     font.family: Theme.uiFamily
     font.pixelSize: Theme.bodyType.size

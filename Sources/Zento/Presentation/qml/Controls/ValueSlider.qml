@@ -15,7 +15,7 @@ Item {
     property alias step: slider.stepSize
     property real factor: 1
     property int decimals: 0
-    property bool keepsZeros: false // "2.0" and not "2"
+    property int leastDecimals: 0 // 1: "2.0" and not "2"
     property string unit
     property string spokenUnit: unit
     readonly property alias pressed: slider.pressed
@@ -25,12 +25,11 @@ Item {
     signal edited(real value)
 
     function shown(number) {
-        const places = keepsZeros || number * factor % 1 !== 0 ? decimals : 0
-        let rounded = Number((number * factor).toFixed(decimals))
-        const digits = keepsZeros || rounded % 1 !== 0 ? places : 0
-        if (rounded === 0)
-            rounded = 0
-        return rounded.toLocaleString(Qt.locale(), "f", digits).replace("-", "\u2212")
+        const rounded = Number((number * factor).toFixed(decimals))
+        let digits = leastDecimals
+        while (digits < decimals && Number(rounded.toFixed(digits)) !== rounded)
+            ++digits
+        return (rounded === 0 ? 0 : rounded).toLocaleString(Qt.locale(), "f", digits).replace("-", "\u2212")
     }
     function set(number) {
         const steps = Math.round((number - from) / step)
@@ -84,7 +83,7 @@ Item {
         horizontalAlignment: Text.AlignRight
         color: root.touched || activeFocus ? Theme.accent : Theme.textSecondary
         selectionColor: Theme.accentFill
-        selectedTextColor: Theme.onAccentFill
+        selectedTextColor: Theme.inkOnAccentFill
         Accessible.name: root.label
         onActiveFocusChanged: if (activeFocus) selectAll(); else root.read(text)
         Keys.onReturnPressed: slider.forceActiveFocus()

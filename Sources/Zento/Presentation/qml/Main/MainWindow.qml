@@ -1,0 +1,30 @@
+import QtQuick
+import QtQuick.Window
+import Zento
+
+Window {
+    id: window
+
+    property bool libraryFolded: width < 1280 || userFolded
+    property bool userFolded: false
+    property alias film: content.film
+    property alias timeline: content.timeline
+
+    signal exportRequested()
+
+    width: 1440
+    height: 900
+    minimumWidth: Theme.sizeWindowMinWidth
+    minimumHeight: Theme.sizeWindowMinHeight
+    title: App.library.selectedItem.name !== undefined ? qsTr("%1 — Zento").arg(App.library.selectedItem.name) : qsTr("Zento")
+    color: Theme.chrome
+
+    MainContent {
+        id: content
+
+        anchors.fill: parent
+        libraryFolded: window.libraryFolded
+        onLibraryToggled: window.userFolded = !window.userFolded
+        onExportRequested: window.exportRequested()
+    }
+}

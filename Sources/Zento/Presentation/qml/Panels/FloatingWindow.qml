@@ -1,0 +1,33 @@
+import QtQuick
+import QtQuick.Window
+
+// A panel above ordinary windows, without a frame of its own. Its window is larger than the panel by
+// the room its shadow needs.
+Window {
+    id: panel
+
+    property rect display: Qt.rect(0, 0, 1920, 1080) // where it belongs, in the desktop's points
+    property real panelWidth: 260
+    property real panelHeight: 56
+    property real panelX: (display.width - panelWidth) / 2 // from the display's corner
+    property real panelY: 0
+    property bool takesFocus: false
+    readonly property real room: 48
+    default property alias content: body.data
+
+    flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
+        | (takesFocus ? 0 : Qt.WindowDoesNotAcceptFocus)
+    color: "transparent"
+    width: panelWidth + 2 * room
+    height: panelHeight + 2 * room
+    x: display.x + panelX - room
+    y: display.y + panelY - room
+    Item {
+        id: body
+
+        x: panel.room
+        y: panel.room
+        width: panel.panelWidth
+        height: panel.panelHeight
+    }
+}

@@ -33,9 +33,9 @@ namespace zento {
 /// What the model needs of the desktop. Whatever a reference stands for outlives the model.
 struct AppServices {
     Clock& clock;
-    Background& files;   // the library, the settings, copies
-    Background& capture; // recordings
-    Background& probes;  // what may take long to answer: permissions, windows
+    Worker& files;   // the library, the settings, copies
+    Worker& capture; // recordings
+    Worker& probes;  // what may take long to answer: permissions, windows
     FileServices& fileServices;
     GlobalHotkeys& hotkeys;
     QSettings& defaults;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Zento/Model/Background.h"
 #include "Zento/Model/Clock.h"
+#include "Zento/Model/Worker.h"
 
 #include <QObject>
 
@@ -45,7 +45,7 @@ public:
         std::function<void()> camera;
     };
 
-    Permissions(Clock& clock, Background& background, Probe probe, Requests requests);
+    Permissions(Clock& clock, Worker& worker, Probe probe, Requests requests);
 
     /// Reads now and keeps reading.
     void start();
@@ -71,7 +71,7 @@ private:
     void read();
 
     Clock& m_clock;
-    Background& m_background;
+    Worker& m_worker;
     Probe m_probe;
     Requests m_requests;
     PermissionState m_state;

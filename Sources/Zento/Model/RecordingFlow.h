@@ -1,12 +1,12 @@
 #pragma once
 
-#include "Zento/Model/Background.h"
 #include "Zento/Model/Clock.h"
 #include "Zento/Model/Messages.h"
 #include "Zento/Model/Permissions.h"
 #include "Zento/Model/RecordingCapture.h"
 #include "Zento/Model/RecordingLibrary.h"
 #include "Zento/Model/SettingsModel.h"
+#include "Zento/Model/Worker.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -54,8 +54,8 @@ public:
 
     struct Ports {
         Clock& clock;
-        Background& capture; // starts and stops recordings
-        Background& files;
+        Worker& capture; // starts and stops recordings
+        Worker& files;
         SettingsModel& settings;
         Permissions& permissions;
         RecordingLibrary& library;

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "Zento/Model/Background.h"
 #include "Zento/Model/Clock.h"
 #include "Zento/Model/FileServices.h"
 #include "Zento/Model/Messages.h"
 #include "Zento/Model/Question.h"
 #include "Zento/Model/SessionItem.h"
 #include "Zento/Model/Trash.h"
+#include "Zento/Model/Worker.h"
 
 #include <QAbstractListModel>
 #include <QSettings>
@@ -61,7 +61,7 @@ public:
     struct Ports {
         std::filesystem::path folder; // of the sessions
         Clock& clock;
-        Background& background;
+        Worker& worker;
         FileServices& files;
         Messages& messages;
         Question& question;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Zento/Model/AppSettings.h"
-#include "Zento/Model/Background.h"
+#include "Zento/Model/Worker.h"
 
 #include <QQmlPropertyMap>
 
@@ -25,7 +25,7 @@ class SettingsModel : public QQmlPropertyMap {
 
 public:
     /// Reads the file; it is small, and nothing can be shown before it is known.
-    SettingsModel(std::filesystem::path file, Background& background);
+    SettingsModel(std::filesystem::path file, Worker& worker);
     ~SettingsModel() override;
 
     const AppSettings& value() const { return m_settings; }
@@ -49,7 +49,7 @@ private:
     void write() const;
 
     std::filesystem::path m_file;
-    Background& m_background;
+    Worker& m_worker;
     AppSettings m_settings;
     bool m_isSaving = false;
     bool m_isDirty = false;

@@ -26,7 +26,7 @@ class Sharing : public QObject {
 public:
     struct Ports {
         RecordingLibrary& library;
-        Background& background;
+        Worker& worker;
         FileServices& files;
         QSettings& defaults; // "cloudFolder"
         std::filesystem::path home;

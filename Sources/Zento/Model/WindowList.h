@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Zento/Model/Background.h"
+#include "Zento/Model/Worker.h"
 
 #include <QAbstractListModel>
 #include <QImage>
@@ -45,7 +45,7 @@ public:
 
     /// What the desktop is asked; both block, and run in the background.
     struct Ports {
-        Background& background;
+        Worker& worker;
         std::function<std::vector<DesktopWindow>()> list;
         std::function<QImage(std::uint32_t windowID, int width)> thumbnail;
     };

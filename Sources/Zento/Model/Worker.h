@@ -16,22 +16,22 @@ namespace zento {
 /// Work away from the main thread, one piece after the other.
 ///
 /// Threading: `run` from the main thread.
-class Background {
+class Worker {
 public:
-    virtual ~Background() = default;
+    virtual ~Worker() = default;
 
-    /// Runs `work` on the background's thread, then `done` on the main thread. Neither may throw.
-    /// Work that has not begun when the background ends is dropped, and so is every `done` that
+    /// Runs `work` on the worker's thread, then `done` on the main thread. Neither may throw.
+    /// Work that has not begun when the worker ends is dropped, and so is every `done` that
     /// has not run by then.
     virtual void run(std::function<void()> work, std::function<void()> done) = 0;
 };
 
-/// A background with a thread of its own, which the destructor joins after the work under way.
-class ThreadBackground final : public Background {
+/// A worker with a thread of its own, which the destructor joins after the work under way.
+class ThreadWorker final : public Worker {
 public:
     /// `name` is the thread's, of at most 15 bytes.
-    explicit ThreadBackground(std::string name);
-    ~ThreadBackground() override;
+    explicit ThreadWorker(std::string name);
+    ~ThreadWorker() override;
 
     void run(std::function<void()> work, std::function<void()> done) override;
 
@@ -63,11 +63,11 @@ Outcome<T> attempt(Work& work) noexcept
 /// Computes `work()` in the background and hands its outcome to `done` on the main thread, unless
 /// `receiver` is gone by then.
 template <typename Work, typename Done>
-void compute(Background& background, QObject* receiver, Work work, Done done)
+void compute(Worker& worker, QObject* receiver, Work work, Done done)
 {
     using T = std::invoke_result_t<Work>;
     const auto outcome = std::make_shared<std::optional<Outcome<T>>>();
-    background.run(
+    worker.run(
         [outcome, work = std::move(work)]() mutable { *outcome = attempt(work); },
         [outcome, receiver = QPointer<QObject>(receiver), done = std::move(done)]() mutable {
             if (receiver) {

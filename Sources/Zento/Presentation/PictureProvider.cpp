@@ -40,7 +40,7 @@ private:
         try {
             const Canvas canvas =
                 m_drawing(m_id.section(QLatin1Char('/'), 1), m_size.width(), m_size.height());
-            m_image = toImage(radius > 0 ? rounded(canvas, radius) : canvas);
+            m_image = radius > 0 ? toImage(rounded(canvas, radius)) : toImage(canvas);
         } catch (const std::exception& error) {
             m_error = QString::fromUtf8(error.what());
         }

@@ -6,7 +6,7 @@ FocusScope {
     id: panel
 
     readonly property var settings: App.settings
-    readonly property bool canRecord: App.permissions.canRecord
+    property bool canRecord: App.permissions.canRecord
 
     signal closed()
     signal permissionsRequested()

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QObject>
+
+#include <memory>
+
+class QQmlEngine;
+class QQuickWindow;
+
+namespace zento {
+
+/// The program's windows on a model: the main one and the floating panels.
+///
+/// Threading: the main thread. Errors: QML that does not load throws `Error`.
+class Windows : public QObject {
+    Q_OBJECT
+
+public:
+    /// `app` outlives the windows.
+    explicit Windows(QObject* app);
+    ~Windows() override;
+
+    QQuickWindow* mainWindow() const;
+
+Q_SIGNALS:
+    /// The user wants the film written, as the settings say.
+    void exportRequested();
+
+private:
+    std::unique_ptr<QQmlEngine> m_engine;
+    std::unique_ptr<QObject> m_root;
+};
+
+} // namespace zento

@@ -179,7 +179,6 @@ private:
 
     std::vector<std::uint32_t> excludedWindows() const;
     void tellTakenHotkeys();
-    void hotkeyPressed(ShortcutAction action);
 };
 
 } // namespace zento

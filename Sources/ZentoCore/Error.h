@@ -66,6 +66,7 @@ inline constexpr int kDesktopFailed = 61; // a program of a private desktop did 
 inline constexpr int kElementMissing = 62; // no window shows what the demo's script names
 inline constexpr int kDemoStopped = 63;    // by the user, before its stage was set
 inline constexpr int kTrashFailed = 70;    // what the trash would not take
+inline constexpr int kNotRunning = 71;     // what a command would talk to
 inline constexpr int kUntypeable = 64;     // no key of the display's layout types the character
 } // namespace ErrorCode
 

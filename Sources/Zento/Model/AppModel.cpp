@@ -114,7 +114,15 @@ void AppModel::tellTakenHotkeys()
                   .arg(names);
     const QString remedy = m_services.hasTray() ? tr("The tray icon and the File menu still work.")
                                                 : tr("The File menu still works.");
-    m_messages.setErrorMessage(reason + ' ' + remedy);
+    m_hotkeyMessage = reason + ' ' + remedy;
+    m_messages.setErrorMessage(m_hotkeyMessage);
+}
+
+void AppModel::trayChanged()
+{
+    if (!m_hotkeyMessage.isEmpty() && m_messages.errorMessage() == m_hotkeyMessage) {
+        tellTakenHotkeys();
+    }
 }
 
 void AppModel::setShowInspector(bool isShown)
@@ -288,6 +296,20 @@ void AppModel::refreshActions()
 void AppModel::relaunch()
 {
     shutDown(m_services.relaunch);
+}
+
+void AppModel::closeWindow()
+{
+    if (m_services.hasTray()) {
+        m_recording.hideApplication();
+    } else {
+        quit();
+    }
+}
+
+void AppModel::quit()
+{
+    shutDown(m_services.quit);
 }
 
 void AppModel::activate()

@@ -206,7 +206,7 @@ void RecordingFlow::startWith(const CaptureTarget& target, std::int64_t freeByte
         return;
     }
     m_panelDisplay = m_ports.displayOf(target);
-    const int seconds = m_ports.settings.value().countdownSeconds;
+    const int seconds = m_ports.settings.current().countdownSeconds;
     if (seconds >= 1) {
         runCountdown(target, seconds);
     } else {
@@ -244,7 +244,7 @@ void RecordingFlow::cancelCountdown()
 
 CaptureOrder RecordingFlow::order(const CaptureTarget& target) const
 {
-    const AppSettings& settings = m_ports.settings.value();
+    const AppSettings& settings = m_ports.settings.current();
     return {
         .bundle = m_ports.library.folder() / bundleName(m_ports.clock.now()),
         .target = target,
@@ -263,8 +263,8 @@ void RecordingFlow::beginCapture(const CaptureTarget& target)
     setPhase(Phase::Recording);
     setRecordingStarted(dateTime(m_ports.clock.now()));
     hideApplication();
-    if (m_ports.settings.value().muteNotifications) {
-        m_ports.runAction(m_ports.settings.value().focusOnShortcut);
+    if (m_ports.settings.current().muteNotifications) {
+        m_ports.runAction(m_ports.settings.current().focusOnShortcut);
     }
     startDiskGuard();
     // Stopping by itself comes from a thread of the capture, which may outlive this object.
@@ -304,8 +304,8 @@ void RecordingFlow::beginCapture(const CaptureTarget& target)
 void RecordingFlow::startFailed(const std::string& description)
 {
     m_diskGuard.reset();
-    if (m_ports.settings.value().muteNotifications && !m_isStopping) {
-        m_ports.runAction(m_ports.settings.value().focusOffShortcut);
+    if (m_ports.settings.current().muteNotifications && !m_isStopping) {
+        m_ports.runAction(m_ports.settings.current().focusOffShortcut);
     }
     m_ports.messages.setErrorMessage(tr("Could not start recording: %1").arg(text(description)));
     endRecording();
@@ -334,8 +334,8 @@ void RecordingFlow::stopRecording(const std::optional<Error>& systemReason)
     }
     setStopping(true);
     m_diskGuard.reset();
-    if (m_ports.settings.value().muteNotifications) {
-        m_ports.runAction(m_ports.settings.value().focusOffShortcut);
+    if (m_ports.settings.current().muteNotifications) {
+        m_ports.runAction(m_ports.settings.current().focusOffShortcut);
     }
     compute(
         m_ports.capture,

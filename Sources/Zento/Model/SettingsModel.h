@@ -28,7 +28,7 @@ public:
     /// Reads the file; it is small, and nothing can be shown before it is known.
     SettingsModel(std::filesystem::path file, Worker& worker);
 
-    const AppSettings& value() const { return m_settings; }
+    const AppSettings& current() const { return m_settings; }
 
     /// Replaces the whole record, as an undo does.
     void replace(AppSettings settings);

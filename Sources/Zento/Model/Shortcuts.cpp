@@ -123,7 +123,7 @@ Shortcuts::Shortcuts(SettingsModel& settings, GlobalHotkeys& hotkeys)
     , m_hotkeys(hotkeys)
 {
     connect(&settings, &SettingsModel::settingsChanged, this, [this](const AppSettings& before) {
-        if (before.shortcuts != m_settings.value().shortcuts) {
+        if (before.shortcuts != m_settings.current().shortcuts) {
             registerHotkeys();
         }
     });
@@ -131,7 +131,7 @@ Shortcuts::Shortcuts(SettingsModel& settings, GlobalHotkeys& hotkeys)
 
 QVariantList Shortcuts::groups() const
 {
-    const auto& stored = m_settings.value().shortcuts;
+    const auto& stored = m_settings.current().shortcuts;
     QVariantList groups;
     QVariantList rows;
     const auto entries = shortcutEntries();
@@ -169,7 +169,7 @@ QString Shortcuts::sequence(const QString& action) const
         return {};
     }
     const KeyStroke stroke =
-        keyStroke(comboFor(*entry, m_settings.value().shortcuts), reach(*entry));
+        keyStroke(comboFor(*entry, m_settings.current().shortcuts), reach(*entry));
     return QString(stroke.super ? "Meta+" : "") + (stroke.control ? "Ctrl+" : "")
            + (stroke.alt ? "Alt+" : "") + (stroke.shift ? "Shift+" : "") + sequenceKey(stroke.key);
 }
@@ -178,7 +178,7 @@ QStringList Shortcuts::keys(const QString& action) const
 {
     const ShortcutEntry* const entry = shortcutEntry(action.toStdString());
     return entry == nullptr ? QStringList()
-                            : capsOf(comboFor(*entry, m_settings.value().shortcuts), *entry);
+                            : capsOf(comboFor(*entry, m_settings.current().shortcuts), *entry);
 }
 
 QString Shortcuts::title(const QString& action) const
@@ -244,14 +244,14 @@ void Shortcuts::reset(const QString& action)
 
 void Shortcuts::resetAll()
 {
-    AppSettings settings = m_settings.value();
+    AppSettings settings = m_settings.current();
     settings.shortcuts.clear();
     m_settings.replace(std::move(settings));
 }
 
 void Shortcuts::setCombo(const ShortcutEntry& entry, const std::optional<KeyCombo>& combo)
 {
-    AppSettings settings = m_settings.value();
+    AppSettings settings = m_settings.current();
     settings.shortcuts = withCombo(std::move(settings.shortcuts), entry, combo);
     m_settings.replace(std::move(settings));
 }
@@ -261,7 +261,7 @@ void Shortcuts::registerHotkeys()
     m_registered.clear();
     for (const ShortcutEntry& entry : shortcutEntries()) {
         if (reach(entry) == ShortcutReach::Anywhere && m_recordingAction.isEmpty()) {
-            const KeyCombo combo = comboFor(entry, m_settings.value().shortcuts);
+            const KeyCombo combo = comboFor(entry, m_settings.current().shortcuts);
             m_registered.push_back(
                 {entry.action,
                  m_hotkeys.registerHotkey(

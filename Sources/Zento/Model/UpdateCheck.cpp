@@ -84,7 +84,7 @@ UpdateCheck::UpdateCheck(Ports ports)
 
 void UpdateCheck::checkIfDue()
 {
-    if (!m_ports.settings.value().autoCheckUpdates) {
+    if (!m_ports.settings.current().autoCheckUpdates) {
         return;
     }
     const std::int64_t last = m_ports.defaults.value(kLastCheckKey, 0).toLongLong();

@@ -3,6 +3,7 @@
 #   make run     build, then open Zento (without a display: record and render the demo)
 #   make test    build, then run every test          make bench   timings as ratios in one run
 #   make sheets  what is drawn, as pictures to be looked at, into build/sheets
+#   make install what belongs on a system, below PREFIX (/usr/local)       make deb     a Debian package
 #   make lint    formatting, includes, clang-tidy    make format  rewrite the formatting
 #   make asan    tests under address and undefined-behaviour sanitizers
 #   make tsan    tests under the thread sanitizer    make fuzz    the fuzzers, FUZZ_SECONDS each
@@ -11,7 +12,7 @@ BUILD := build/release
 JOBS := $(shell nproc)
 FUZZ_SECONDS ?= 60
 
-.PHONY: run test build bench sheets lint format asan tsan fuzz clean
+.PHONY: run test build bench sheets install deb lint format asan tsan fuzz clean
 
 run:
 	@tools/install-packages.sh build run test
@@ -27,6 +28,14 @@ test: build
 
 bench: build
 	@tools/bench.sh $(BUILD)
+
+PREFIX ?= /usr/local
+
+install: build
+	@cmake --install $(BUILD) --prefix $(PREFIX) --strip >/dev/null && echo "installed below $(DESTDIR)$(PREFIX)"
+
+deb: build
+	@cd $(BUILD) && cpack -G DEB >/dev/null && ls $(CURDIR)/$(BUILD)/*.deb
 
 sheets:
 	@tools/install-packages.sh build run

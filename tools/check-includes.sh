@@ -18,7 +18,7 @@ atspi/ ZentoCapture/Backends|Zento/Demo
 opencv ZentoIntelligence|ZentoRender
 simdjson ZentoCore
 fftw3 ZentoEngine
-Q[A-Z] Zento
+Q[A-Z]|Qt[A-Z] Zento
 RULES
 
 # <folder> <the module folders it may include from, itself aside>
@@ -34,6 +34,7 @@ ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
 Zento/Model ZentoCore|ZentoEngine|ZentoCapture
+Zento/Desktop ZentoCore|ZentoCapture|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES
 exit $bad

@@ -57,6 +57,7 @@ struct AppServices {
     QString version;
     std::function<bool()> hasTray;  // an icon of ours is shown
     std::function<void()> relaunch; // starts the program anew and ends this one
+    std::function<void()> quit;     // ends the event loop
 };
 
 /// The application: the parts that each keep one thing in order, and what lies between them.
@@ -143,10 +144,18 @@ public:
     Q_INVOKABLE void refreshActions();
     Q_INVOKABLE void relaunch();
 
+    /// The user closed the window: with a tray the program stays there, without one it ends.
+    Q_INVOKABLE void closeWindow();
+    /// Stops and writes a recording that runs, then ends the program.
+    Q_INVOKABLE void quit();
+
     /// From the desktop: a second start, a click on the tray or a notification.
     void activate();
     /// From the desktop's search: a bundle's path.
     void openFromSearch(const QString& identifier);
+
+    /// From the desktop: a tray came or went. A message that names the tray follows.
+    void trayChanged();
 
     /// Stops and writes a recording that runs, writes the settings, then calls `done`.
     void shutDown(std::function<void()> done);
@@ -173,13 +182,13 @@ private:
     std::vector<QPointer<QWindow>> m_excluded;
     QStringList m_installedActions;
     QString m_inspectorTab;
+    QString m_hotkeyMessage; // about those that are taken; empty when none is
     bool m_showInspector = true;
     bool m_showWelcome = false;
     Panel m_panel = Panel::NoPanel;
 
     std::vector<std::uint32_t> excludedWindows() const;
     void tellTakenHotkeys();
-    void hotkeyPressed(ShortcutAction action);
 };
 
 } // namespace zento

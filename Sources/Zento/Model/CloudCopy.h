@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -11,8 +10,8 @@ namespace zento {
 /// The file name a film has in a synced folder: its name with every "/" replaced, and ".mp4".
 std::string cloudFileName(std::string_view name);
 
-/// The folder the user's files are synced from: the chosen one, if it exists, else the first of the
-/// usual ones in the home folder. Blocks on the disk.
+/// The folder that the user's files are synced from: the chosen one, or without one the first of
+/// the usual ones in the home folder. Nothing if it does not exist. Blocks on the disk.
 std::optional<std::filesystem::path>
 syncedFolder(const std::filesystem::path& chosen, const std::filesystem::path& home);
 

@@ -23,7 +23,10 @@ class GlobalHotkeys {
 public:
     virtual ~GlobalHotkeys() = default;
 
-    /// Null when another program has the stroke already, or when this desktop has no such thing.
+    /// Whether this desktop has such a thing at all.
+    virtual bool isAvailable() const = 0;
+
+    /// Null when another program has the stroke already, or when there is no such thing.
     virtual std::unique_ptr<GlobalHotkey>
     registerHotkey(const KeyStroke& stroke, std::function<void()> pressed) = 0;
 };

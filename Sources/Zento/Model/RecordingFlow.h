@@ -95,7 +95,7 @@ public:
     Q_INVOKABLE void recordArea(const QRectF& area);
 
     Q_INVOKABLE void cancelCountdown();
-    Q_INVOKABLE void stopRecording() { stopRecording({}); }
+    Q_INVOKABLE void stopRecording() { stopRecording(std::nullopt); }
 
     /// Only when idle; otherwise nothing happens.
     void startRecording(const CaptureTarget& target);
@@ -153,12 +153,10 @@ private:
     void runCountdown(const CaptureTarget& target, int seconds);
     void beginCapture(const CaptureTarget& target);
     CaptureOrder order(const CaptureTarget& target) const;
-    void startFailed(const std::shared_ptr<Running>& capture, const std::string& description);
+    void startFailed(const std::string& description);
     void startDiskGuard();
-    void stopped(const std::shared_ptr<Running>& capture, const std::optional<Error>& reason);
-    void stopFailed(const std::string& description);
+    void stopped(const std::optional<Error>& systemReason);
     void endRecording();
-    void settle();
 };
 
 } // namespace zento

@@ -13,11 +13,10 @@
 #include <QString>
 #include <QVariantMap>
 
-#include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
-#include <stop_token>
 #include <vector>
 
 namespace zento {
@@ -70,7 +69,6 @@ public:
     };
 
     explicit RecordingLibrary(Ports ports);
-    ~RecordingLibrary() override;
 
     const std::vector<SessionItem>& items() const { return m_items; }
     const SessionItem* selectedSession() const;
@@ -131,30 +129,34 @@ Q_SIGNALS:
     void refreshed();
 
 private:
+    struct Listing;
+
     Ports m_ports;
     std::vector<SessionItem> m_items;
-    std::vector<std::size_t> m_rows; // indices of the items shown
+    std::vector<SessionItem> m_rows; // the items shown
     QString m_search;
     QString m_selected;
     QString m_renaming;
     bool m_isLoading = true;
-    bool m_isListing = false;
-    bool m_isStale = false; // asked for again while listing
-    std::vector<std::function<void()>> m_onListed;
-    std::vector<std::function<void()>> m_onListedNext;
+    std::shared_ptr<Listing> m_listing;            // under way
+    bool m_isStale = false;                        // asked for again meanwhile
+    std::vector<std::function<void()>> m_onListed; // of the listing under way
+    std::vector<std::function<void()>> m_onNext;   // of the one after it
     std::vector<Trash::Entry> m_lastTrashed;
-    std::stop_source m_end;
 
     QVariant value(const SessionItem& item, int role) const;
     bool matches(const SessionItem& item) const;
     void startListing();
-    void addPart(std::size_t first, std::vector<SessionItem> part, bool isComplete);
-    void publish(std::vector<SessionItem> items);
+    void readNext(const std::shared_ptr<Listing>& listing);
     void finishListing();
     void restoreSelection();
-    void setItems(std::vector<SessionItem> items);
-    void askToTrash(const SessionItem& item);
-    void trash(const SessionItem& item);
+    void showItems();
+    void insertMissingRows(const std::vector<SessionItem>& rows);
+    void removeMissingRows(const std::vector<SessionItem>& rows);
+    void setSelected(const QString& path);
+    void emitRows(const QString& path);
+    void putIntoTrash(const SessionItem& item);
+    void trashed(const QString& path, std::vector<Trash::Entry> entries);
 };
 
 } // namespace zento

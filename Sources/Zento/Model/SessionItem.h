@@ -2,10 +2,7 @@
 
 #include <chrono>
 #include <filesystem>
-#include <functional>
 #include <optional>
-#include <span>
-#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -31,18 +28,18 @@ std::optional<std::string> shownTitle(const SessionItem& item);
 /// The film of a recording lies beside its bundle.
 std::filesystem::path filmOf(const std::filesystem::path& bundle);
 
-/// The recordings of a folder, newest first; those of one date in the order of the folder's
-/// listing. Folders without a "meta.json" that decodes are left out, and so is all of a folder that
-/// cannot be read.
-///
-/// `known` are items of an earlier listing, which are taken over where the bundle's "meta.json" is
-/// older than that listing. Blocks on the disk; hands over what it has in parts of at most
-/// `partSize`, in order. Returns false when stopped.
-bool listSessions(
-    const std::filesystem::path& folder,
-    std::size_t partSize,
-    const std::function<void(std::vector<SessionItem>)>& part,
-    const std::stop_token& stop = {});
+/// A folder that may be a recording.
+struct SessionFolder {
+    std::filesystem::path url;
+    std::chrono::system_clock::time_point date;
+};
+
+/// The folders of recordings in a folder, the newest first; those of one date in the order of the
+/// listing. Empty where it cannot be read. Blocks on the disk.
+std::vector<SessionFolder> sessionFolders(const std::filesystem::path& folder);
+
+/// The recording of a folder; nothing without a "meta.json" that decodes. Blocks on the disk.
+std::optional<SessionItem> readSession(const SessionFolder& folder);
 
 /// The bundle without a "meta.json" that was created last: what a recording that did not finish
 /// left behind. On a tie the first of the listing.

@@ -6,7 +6,8 @@
 #include <QQmlPropertyMap>
 
 #include <filesystem>
-#include <memory>
+#include <functional>
+#include <vector>
 
 namespace zento {
 
@@ -26,33 +27,33 @@ class SettingsModel : public QQmlPropertyMap {
 public:
     /// Reads the file; it is small, and nothing can be shown before it is known.
     SettingsModel(std::filesystem::path file, Worker& worker);
-    ~SettingsModel() override;
 
-    const AppSettings& value() const { return m_settings; }
+    const AppSettings& current() const { return m_settings; }
 
     /// Replaces the whole record, as an undo does.
     void replace(AppSettings settings);
 
-    /// Ends when what was changed last is in the file; before the program ends.
-    void flush();
+    /// Calls `done` when what was changed last is in the file; for the end of the program.
+    void flush(std::function<void()> done);
 
 Q_SIGNALS:
     /// One or more values are others than before.
     void settingsChanged(const zento::AppSettings& before);
 
 protected:
-    QVariant updateValue(const QString& key, const QVariant& input) override;
+    QVariant updateValue(const QString& name, const QVariant& input) override;
 
 private:
-    void apply(AppSettings settings);
-    void scheduleSave();
-    void write() const;
+    void save();
+    void saved();
 
     std::filesystem::path m_file;
     Worker& m_worker;
     AppSettings m_settings;
+    AppSettings m_before; // of the change that is being written into the map
     bool m_isSaving = false;
-    bool m_isDirty = false;
+    bool m_isDirty = false; // changed again since the save under way began
+    std::vector<std::function<void()>> m_onSaved;
 };
 
 } // namespace zento

@@ -48,8 +48,8 @@ const ShortcutEntry* shortcutEntry(std::string_view id);
 
 ShortcutReach reach(const ShortcutEntry& entry);
 
-/// The combo in force: the stored one, or the default. A stored one whose key no keyboard has is
-/// the default too.
+/// The combo in force: the stored one, or the default. A stored one whose key is in no table has
+/// the default's key.
 KeyCombo comboFor(const ShortcutEntry& entry, const std::map<std::string, KeyCombo>& stored);
 
 /// The stored combos with one set: without an entry where it is the default or absent.

@@ -37,7 +37,7 @@ public:
 
 private:
     class Queue;
-    std::shared_ptr<Queue> m_queue;
+    std::unique_ptr<Queue> m_queue;
 };
 
 /// What a piece of work came to: its result, or the sentence of what it threw.

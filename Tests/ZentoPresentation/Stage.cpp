@@ -81,13 +81,16 @@ Stage::Stage()
     if (!m_app)
         throw std::runtime_error(component.errorString().toStdString());
     auto settings = std::make_unique<QQmlPropertyMap>();
-    const QVariantMap defaults = App::defaults();
+    const QVariantMap defaults = App::defaults().toMap();
     for (auto entry = defaults.cbegin(); entry != defaults.cend(); ++entry)
         settings->insert(entry.key(), entry.value());
     settings->insert(QStringLiteral("customBackgroundPath"), QString());
     m_app->setProperty("settings", QVariant::fromValue<QObject*>(settings.get()));
     m_settings = std::move(settings);
     prepareEngine(*m_engine, m_app.get());
+    // Looking at QML that is being worked on needs no build.
+    if (qEnvironmentVariableIsSet("ZENTO_QML"))
+        m_engine->addImportPath(qEnvironmentVariable("ZENTO_QML"));
     m_engine->removeImageProvider(QStringLiteral("recording"));
     m_engine->addImageProvider(QStringLiteral("recording"), new PictureProvider(drawSketch, 1));
     m_engine->addImageProvider(QStringLiteral("window"), new PictureProvider([](const QString& id, int, int) {

@@ -13,7 +13,7 @@ void App::setModel(QObject* model)
     Q_EMIT modelChanged();
 }
 
-QVariantMap App::defaults()
+QVariant App::defaults()
 {
     const QByteArray json = QByteArray::fromStdString(encodeSettings(AppSettings()));
     return QJsonDocument::fromJson(json).object().toVariantMap();

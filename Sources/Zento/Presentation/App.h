@@ -2,7 +2,6 @@
 
 #include <QObject>
 #include <QVariant>
-#include <QVariantMap>
 #include <QtQml/qqmlregistration.h>
 
 namespace zento {
@@ -28,7 +27,7 @@ class App : public QObject {
     Q_PROPERTY(QVariant updates READ updates NOTIFY modelChanged)
     Q_PROPERTY(QVariant windows READ windows NOTIFY modelChanged)
     /// What the settings are on a fresh install, by their keys.
-    Q_PROPERTY(QVariantMap defaults READ defaults CONSTANT)
+    Q_PROPERTY(QVariant defaults READ defaults CONSTANT)
 
 public:
     using QObject::QObject;
@@ -46,7 +45,7 @@ public:
     QVariant sharing() const { return part("sharing"); }
     QVariant updates() const { return part("updates"); }
     QVariant windows() const { return part("windows"); }
-    static QVariantMap defaults();
+    static QVariant defaults();
 
 Q_SIGNALS:
     void modelChanged();

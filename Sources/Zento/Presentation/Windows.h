@@ -9,6 +9,8 @@ class QQuickWindow;
 
 namespace zento {
 
+class AppModel;
+
 /// The program's windows on a model: the main one and the floating panels.
 ///
 /// Threading: the main thread. Errors: QML that does not load throws `Error`.
@@ -17,7 +19,7 @@ class Windows : public QObject {
 
 public:
     /// `app` outlives the windows.
-    explicit Windows(QObject* app);
+    explicit Windows(AppModel* app);
     ~Windows() override;
 
     QQuickWindow* mainWindow() const;

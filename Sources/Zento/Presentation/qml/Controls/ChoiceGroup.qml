@@ -75,7 +75,7 @@ Item {
                 Keys.onRightPressed: group.move(index, 1)
                 Keys.onUpPressed: event => { event.accepted = group.columns < group.model.length; group.move(index, -group.columns) }
                 Keys.onDownPressed: event => { event.accepted = group.columns < group.model.length; group.move(index, group.columns) }
-                Keys.onReturnPressed: button.click()
+                Keys.onReturnPressed: button.clicked()
                 Component.onCompleted: drawing = group.visual.createObject(button, { button: button, entry: modelData })
                 FocusRing {
                     visible: button.visualFocus

@@ -20,8 +20,8 @@ T.Button {
     opacity: enabled ? 1 : Theme.opacityDisabled
     focusPolicy: Qt.StrongFocus
     Accessible.name: text
-    Keys.onReturnPressed: control.click()
-    Keys.onEnterPressed: control.click()
+    Keys.onReturnPressed: control.clicked()
+    Keys.onEnterPressed: control.clicked()
 
     background: Rectangle {
         readonly property color ground: control.overlay ? Theme.controlOnOverlay : Theme.control

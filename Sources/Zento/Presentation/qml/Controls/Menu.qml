@@ -5,12 +5,14 @@ import Zento
 T.Menu {
     id: menu
 
-    implicitWidth: Math.max(200, contentItem.contentWidth + 8)
-    implicitHeight: contentItem.contentHeight + 8
+    implicitWidth: Math.max(200, list.contentWidth + 8)
+    implicitHeight: list.contentHeight + 8
     padding: 4
     margins: 8
     focus: true
     contentItem: ListView {
+        id: list
+
         implicitWidth: contentWidth
         implicitHeight: contentHeight
         contentWidth: {

@@ -32,7 +32,7 @@ Item {
         Accessible.name: text
         Accessible.description: root.live ? root.elapsed : root.missing
         onClicked: root.live ? root.stop() : root.recordScreen()
-        Keys.onReturnPressed: main.click()
+        Keys.onReturnPressed: main.clicked()
         background: Item {
             clip: menuPart.visible
             Rectangle {
@@ -95,7 +95,7 @@ Item {
         Accessible.name: text
         Accessible.role: Accessible.ButtonMenu
         onClicked: menu.popup(0, root.height + 4)
-        Keys.onReturnPressed: menuPart.click()
+        Keys.onReturnPressed: menuPart.clicked()
         background: Item {
             clip: true
             Rectangle {

@@ -17,6 +17,10 @@ QtObject {
 
             visible: !App.recording.isApplicationHidden
             onExportRequested: root.exportRequested()
+            onClosing: close => {
+                close.accepted = false
+                App.model.closeWindow()
+            }
         },
         FloatingWindow {
             id: countdown

@@ -20,7 +20,7 @@ T.Button {
             toggle()
             toggled()
         } else {
-            click()
+            clicked()
         }
     }
     background: Rectangle {

@@ -10,7 +10,7 @@ T.Button {
     focusPolicy: Qt.StrongFocus
     text: qsTr("Grant permissions to record →")
     Accessible.name: text
-    Keys.onReturnPressed: click()
+    Keys.onReturnPressed: clicked()
     background: Rectangle {
         radius: 10
         color: control.hovered ? Qt.lighter(Theme.warningSoft, Theme.dark ? 1.3 : 1.02) : Theme.warningSoft

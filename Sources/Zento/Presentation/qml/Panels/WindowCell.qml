@@ -10,16 +10,17 @@ T.AbstractButton {
     required property string application
     required property string title
     required property var thumbnail
-    property string picture: thumbnail ? "image://window/" + windowId + "/" + String(thumbnail).length : ""
+    property int pictures: 0 // of it so far: the address of each is another one
 
     implicitHeight: 212
+    onThumbnailChanged: ++pictures
     focusPolicy: Qt.StrongFocus
     text: title
     Accessible.role: Accessible.Button
     Accessible.name: title.length > 0 ? title : application
     Accessible.description: application
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
     background: Rectangle {
         radius: 14
         color: cell.hovered || cell.visualFocus ? Theme.overlayHover : "transparent"
@@ -40,9 +41,8 @@ T.AbstractButton {
                 anchors.fill: parent
                 anchors.margins: 1
                 fillMode: Image.PreserveAspectFit
-                asynchronous: true
                 cache: false
-                source: cell.picture
+                source: "image://window/" + cell.windowId + "/" + cell.pictures
                 Accessible.ignored: true
             }
         }

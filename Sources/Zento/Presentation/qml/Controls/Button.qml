@@ -33,7 +33,8 @@ T.Button {
 
     implicitHeight: size === Button.Small ? Theme.sizeControlSmall
         : size === Button.Large ? Theme.sizeControlLarge : Theme.sizeControl
-    implicitWidth: Math.ceil(row.implicitWidth) + leftPadding + rightPadding
+    implicitWidth: Math.ceil(label.implicitWidth) + (iconName.length > 0 && text.length > 0 ? 22 : iconName.length > 0 ? 16 : 0)
+        + leftPadding + rightPadding
     leftPadding: size === Button.Small ? 10 : size === Button.Large ? 16 : 12
     rightPadding: leftPadding
     opacity: enabled ? 1 : Theme.opacityDisabled
@@ -57,6 +58,7 @@ T.Button {
             id: row
 
             anchors.centerIn: parent
+            anchors.horizontalCenterOffset: control.iconName.length > 0 ? -1 : 0
             spacing: 8
             Icon {
                 anchors.verticalCenter: parent.verticalCenter
@@ -69,7 +71,7 @@ T.Button {
                 id: label
 
                 anchors.verticalCenter: parent.verticalCenter
-                width: Math.min(implicitWidth, Math.max(0, control.width - 16 - (control.iconName.length > 0 ? 24 : 0)))
+                width: Math.min(implicitWidth, Math.max(0, control.width - 12 - (control.iconName.length > 0 ? 24 : 0)))
                 visible: text.length > 0
                 text: control.text
                 type: control.size === Button.Small ? Theme.labelType : Theme.bodyType

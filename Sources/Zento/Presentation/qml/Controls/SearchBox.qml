@@ -8,7 +8,7 @@ TextBox {
     property string shortcutText
     property alias keys: caps.keys
 
-    signal left()
+    signal leaving()
 
     iconName: "search"
     rightPadding: clear.visible ? 34 : caps.visible ? caps.width + 16 : 10
@@ -18,7 +18,7 @@ TextBox {
             text = ""
             edited("")
         } else {
-            left()
+            leaving()
         }
     }
     KeyCaps {

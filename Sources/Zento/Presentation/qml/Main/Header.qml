@@ -13,6 +13,13 @@ Item {
     signal libraryToggled()
     signal exportRequested()
 
+    function date(when) {
+        if (!when || isNaN(when))
+            return ""
+        const day = when.toDateString() === new Date().toDateString() ? qsTr("Today")
+            : when.toLocaleDateString(Qt.locale(), Locale.ShortFormat)
+        return day + ", " + when.toLocaleTimeString(Qt.locale(), Locale.ShortFormat)
+    }
     function length(duration) {
         const seconds = Math.round(duration)
         return Math.floor(seconds / 60) + ":" + String(seconds % 60).padStart(2, "0")
@@ -57,7 +64,7 @@ Item {
             width: parent.width
             lineHeight: 14
             text: header.hasItem
-                ? [header.item.date?.toLocaleString(Qt.locale(), Locale.ShortFormat), header.item.appName,
+                ? [header.date(header.item.date), header.item.appName,
                     qsTr("%1 recorded").arg(header.length(header.item.duration))].filter(part => part && part.length > 0).join(" · ")
                 : ""
         }

@@ -71,7 +71,7 @@ FocusScope {
         placeholderText: label
         keys: { App.shortcuts.groups; return App.shortcuts.keys("recordings") }
         onEdited: text => library.model.search = text
-        onLeft: list.forceActiveFocus(Qt.OtherFocusReason)
+        onLeaving: list.forceActiveFocus(Qt.OtherFocusReason)
         Keys.onDownPressed: list.forceActiveFocus(Qt.TabFocusReason)
     }
     IconButton {
@@ -192,7 +192,7 @@ FocusScope {
         Caption {
             x: 8
             y: 9
-            text: qsTr("%n recording(s)", "", library.model.totalCount)
+            text: library.model.totalCount === 1 ? qsTr("1 recording") : qsTr("%1 recordings").arg(library.model.totalCount)
         }
         Caption {
             anchors.right: parent.right

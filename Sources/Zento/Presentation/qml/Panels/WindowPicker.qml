@@ -43,7 +43,7 @@ FocusScope {
         label: qsTr("Search windows")
         placeholderText: label
         onEdited: text => picker.search = text.trim().toLowerCase()
-        onLeft: picker.cancelled()
+        onLeaving: picker.cancelled()
         Keys.onDownPressed: grid.forceActiveFocus(Qt.TabFocusReason)
     }
     Flickable {

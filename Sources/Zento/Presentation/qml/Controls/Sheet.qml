@@ -35,6 +35,6 @@ T.Popup {
         NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.durationCalm; easing.type: Easing.BezierSpline; easing.bezierCurve: [0.2, 0, 0, 1, 1, 1] }
     }
     exit: Transition {
-        NumberAnimation { property: "opacity"; to: 0; duration: Theme.durationQuick }
+        NumberAnimation { property: "opacity"; to: 0; duration: Theme.reducedMotion ? 0 : Theme.durationQuick }
     }
 }

@@ -5,6 +5,7 @@
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QPalette>
 
@@ -38,6 +39,18 @@ Appearance::Appearance(QObject* parent)
 void Appearance::setTextScale(double scale)
 {
     assign(m_textScale, std::clamp(scale, 0.5, 3.0));
+}
+
+QString Appearance::styleName(const QString& family, int weight)
+{
+    const std::pair key(family, weight);
+    if (const auto known = m_styleNames.constFind(key); known != m_styleNames.cend())
+        return *known;
+    QString found;
+    for (const QString& style : QFontDatabase::styles(family))
+        if (QFontDatabase::weight(family, style) == weight && !QFontDatabase::italic(family, style))
+            found = style;
+    return m_styleNames[key] = found;
 }
 
 void Appearance::apply(const QString& group, const QString& key, const QVariant& value)

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QDBusVariant>
+#include <QHash>
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
+
+#include <utility>
 
 namespace zento {
 
@@ -35,6 +38,10 @@ public:
     void setReducedMotion(bool reducedMotion) { assign(m_reducedMotion, reducedMotion); }
     void setTextScale(double scale);
 
+    /// The name of the upright face that a family has for a weight, [1, 1000]; empty if it has none
+    /// of its own.
+    Q_INVOKABLE QString styleName(const QString& family, int weight);
+
     /// Asks the portal on the session bus, and listens to it.
     void followDesktop();
 
@@ -61,6 +68,7 @@ private:
     bool m_highContrast = false;
     bool m_reducedMotion = false;
     double m_textScale = 1;
+    QHash<std::pair<QString, int>, QString> m_styleNames;
 };
 
 } // namespace zento

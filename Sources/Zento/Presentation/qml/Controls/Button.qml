@@ -75,7 +75,7 @@ T.Button {
                 visible: text.length > 0
                 text: control.text
                 type: control.size === Button.Small ? Theme.labelType : Theme.bodyType
-                font.weight: control.kind === Button.Primary || control.kind === Button.Danger ? 600 : 500
+                weight: control.kind === Button.Primary || control.kind === Button.Danger ? 600 : 500
                 color: control.inkColor
                 Accessible.ignored: true
             }

@@ -23,7 +23,7 @@ Item {
         y: tile.pictureHeight + 4
         text: tile.entry.name
         color: tile.button.checked ? Theme.text : Theme.textTertiary
-        font.weight: tile.button.checked ? 500 : 400
+        weight: tile.button.checked ? 500 : 400
         Accessible.ignored: true
     }
 }

@@ -31,7 +31,7 @@ Row {
                 anchors.centerIn: parent
                 text: parent.modelData
                 type: Theme.captionType
-                font.weight: 500
+                weight: 500
                 color: Theme.textSecondary
                 Accessible.ignored: true
             }

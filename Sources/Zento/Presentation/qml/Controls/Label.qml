@@ -8,13 +8,17 @@ T.Label {
     id: label
 
     property var type: Theme.bodyType
-    readonly property real naturalHeight: type.size * (type.family === Theme.monoFamily ? 1.32 : 1.21)
+    property int weight: type.weight
+    property string family: type.family
+    readonly property real naturalHeight: type.size * (family === Theme.monoFamily ? 1.32 : 1.21)
     readonly property real lead: Math.round((type.line - naturalHeight) / 2)
 
     color: Theme.text
-    font.family: type.family
+    font.family: family
     font.pixelSize: type.size
-    font.weight: type.weight
+    font.weight: weight
+    // Asked for by weight alone, a face of medium weight is made bolder by the text engine.
+    font.styleName: Appearance.styleName(family, weight)
     font.letterSpacing: type.size >= 20 ? -0.015 * type.size : 0
     lineHeightMode: Text.FixedHeight
     lineHeight: type.line

@@ -48,7 +48,7 @@ T.MenuItem {
             anchors.verticalCenter: parent.verticalCenter
             text: item.shortcut
             type: Theme.labelType
-            font.weight: 400
+            weight: 400
             color: Theme.textTertiary
             Accessible.ignored: true
         }

@@ -33,7 +33,7 @@ Column {
             y: Math.round((parent.height - 8 - height) / 2)
             text: section.title
             type: Theme.labelType
-            font.weight: 600
+            weight: 600
             color: Theme.textSecondary
             Accessible.role: Accessible.Heading
             Accessible.name: text

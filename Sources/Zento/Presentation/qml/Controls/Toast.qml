@@ -38,7 +38,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         width: Math.min(implicitWidth, 420)
         text: toast.text
-        font.weight: 500
+        weight: 500
         Accessible.ignored: true
     }
     Button {

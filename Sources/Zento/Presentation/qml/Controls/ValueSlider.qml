@@ -80,6 +80,7 @@ Item {
         font.family: Theme.uiFamily
         font.pixelSize: Theme.labelType.size
         font.weight: 500
+        font.styleName: Appearance.styleName(Theme.uiFamily, 500)
         horizontalAlignment: Text.AlignRight
         color: root.touched || activeFocus ? Theme.accent : Theme.textSecondary
         selectionColor: Theme.accentFill

@@ -28,7 +28,7 @@ Pane {
                 width: parent.width - 100
                 text: pane.item.path === undefined ? qsTr("Nothing selected")
                     : pane.hasFilm ? qsTr("Exported") : qsTr("Not exported yet")
-                font.weight: 500
+                weight: 500
             }
             Caption {
                 x: 92

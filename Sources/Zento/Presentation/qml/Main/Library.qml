@@ -114,7 +114,7 @@ FocusScope {
                 x: 12
                 y: 12
                 text: parent.section
-                font.weight: 600
+                weight: 600
                 Accessible.role: Accessible.Heading
                 Accessible.name: text
             }

@@ -78,7 +78,7 @@ T.ItemDelegate {
                     anchors.centerIn: parent
                     text: row.length()
                     type: Theme.microType
-                    font.family: Theme.monoFamily
+                    family: Theme.monoFamily
                     color: "white"
                     Accessible.ignored: true
                 }
@@ -94,7 +94,7 @@ T.ItemDelegate {
             Label {
                 width: parent.width
                 text: row.name
-                font.weight: 500
+                weight: 500
                 lineHeight: 16
                 topPadding: 0
                 bottomPadding: 0

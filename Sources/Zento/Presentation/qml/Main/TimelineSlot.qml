@@ -52,7 +52,7 @@ Rectangle {
                         x: 24
                         anchors.verticalCenter: parent.verticalCenter
                         text: lane.modelData.name
-                        font.weight: 500
+                        weight: 500
                     }
                     Rectangle {
                         x: Theme.timelineGutter

@@ -32,7 +32,7 @@ Item {
         Label {
             text: "/ " + transport.clock(transport.duration)
             type: Theme.timeType
-            font.weight: 400
+            weight: 400
             color: Theme.textTertiary
         }
     }

@@ -113,7 +113,7 @@ FocusScope {
             Label {
                 anchors.verticalCenter: parent.verticalCenter
                 text: picker.purpose
-                font.weight: 500
+                weight: 500
                 color: "white"
             }
             Rectangle {
@@ -132,7 +132,7 @@ FocusScope {
                     anchors.centerIn: parent
                     text: qsTr("Esc")
                     color: "white"
-                    font.weight: 500
+                    weight: 500
                 }
             }
             Label {

@@ -45,7 +45,7 @@ T.Button {
             anchors.horizontalCenter: parent.horizontalCenter
             y: 35
             text: control.text
-            font.weight: 500
+            weight: 500
             color: control.checked ? Theme.accent : Theme.text
             Accessible.ignored: true
         }

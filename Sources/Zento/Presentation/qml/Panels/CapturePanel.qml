@@ -27,7 +27,7 @@ FocusScope {
 
     component Heading: Caption {
         y: 10
-        font.weight: 600
+        weight: 600
         Accessible.role: Accessible.Heading
         Accessible.name: text
     }

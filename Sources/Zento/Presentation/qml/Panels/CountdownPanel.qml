@@ -25,7 +25,7 @@ FocusScope {
         anchors.horizontalCenter: parent.horizontalCenter
         y: 20
         text: qsTr("Recording in")
-        font.weight: 500
+        weight: 500
         color: Theme.textSecondary
         Accessible.ignored: true
     }
@@ -45,7 +45,7 @@ FocusScope {
             anchors.centerIn: parent
             text: panel.remaining
             type: Theme.countType
-            font.family: "Inter Display"
+            family: "Inter Display"
             Accessible.ignored: true
         }
     }

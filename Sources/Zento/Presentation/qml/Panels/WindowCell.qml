@@ -51,7 +51,7 @@ T.AbstractButton {
             y: 166
             width: parent.width - 24
             text: cell.title.length > 0 ? cell.title : cell.application
-            font.weight: 500
+            weight: 500
             Accessible.ignored: true
         }
         Caption {

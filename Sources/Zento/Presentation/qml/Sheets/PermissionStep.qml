@@ -32,7 +32,7 @@ Item {
         x: 48
         y: 8
         text: step.text
-        font.weight: 500
+        weight: 500
         Accessible.ignored: true
     }
     Caption {

@@ -3,6 +3,7 @@
 #   make run     build, then open Zento (without a display: record and render the demo)
 #   make test    build, then run every test          make bench   timings as ratios in one run
 #   make sheets  what is drawn, as pictures to be looked at, into build/sheets
+#   make screens every screen of the window, dark and light, into build/screens
 #   make install what belongs on a system, below PREFIX (/usr/local)       make deb     a Debian package
 #   make lint    formatting, includes, clang-tidy    make format  rewrite the formatting
 #   make asan    tests under address and undefined-behaviour sanitizers
@@ -41,6 +42,10 @@ sheets:
 	@tools/install-packages.sh build run
 	@tools/build.sh release contact_sheets
 	@$(BUILD)/contact_sheets build/sheets && echo build/sheets
+
+screens:
+	@tools/install-packages.sh build run test
+	@tools/screens.sh build/screens
 
 lint:
 	@tools/install-packages.sh build test lint

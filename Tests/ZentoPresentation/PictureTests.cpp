@@ -1,5 +1,3 @@
-#include "ZentoPresentation/Stage.h"
-
 #include "TestSupport/TemporaryFolder.h"
 #include "Zento/Desktop/WallpaperCatalog.h"
 #include "Zento/Presentation/CanvasImage.h"
@@ -8,6 +6,7 @@
 #include "Zento/Presentation/PictureProvider.h"
 #include "ZentoCore/BackgroundCatalog.h"
 #include "ZentoCore/Error.h"
+#include "ZentoPresentation/Stage.h"
 #include "ZentoRender/BackgroundRenderer.h"
 
 #include <QDir>
@@ -34,8 +33,12 @@ TEST(Pictures, ShowEveryDesignInItsAccent)
         const QString id = design.toMap()[QStringLiteral("id")].toString();
         for (const char* accent : {"7C6CFF", "84CC16"}) {
             const QImage image = toImage(drawSwatch(
-                QStringLiteral("card/%1/%2/June/Harbour").arg(id, QString::fromLatin1(accent)), 168, 96));
-            EXPECT_FALSE(seen.contains(image) && id != QStringLiteral("classic") && id != QStringLiteral("pill"))
+                QStringLiteral("card/%1/%2/June/Harbour").arg(id, QString::fromLatin1(accent)),
+                168,
+                96));
+            EXPECT_FALSE(
+                seen.contains(image) && id != QStringLiteral("classic")
+                && id != QStringLiteral("pill"))
                 << id.toStdString();
             seen.append(image);
         }
@@ -51,8 +54,7 @@ TEST(Pictures, AreNoneWhereThereIsNothingToDraw)
 
 TEST(Pictures, HaveTheirCornersRoundedOff)
 {
-    const QImage image =
-        toImage(rounded(drawSwatch(QStringLiteral("background/dawn"), 60, 40), 8));
+    const QImage image = toImage(rounded(drawSwatch(QStringLiteral("background/dawn"), 60, 40), 8));
     for (const QPoint corner : {QPoint(0, 0), QPoint(59, 0), QPoint(0, 39), QPoint(59, 39)})
         EXPECT_EQ(image.pixelColor(corner).alpha(), 0);
     EXPECT_EQ(image.pixelColor(30, 0).alpha(), 255);
@@ -67,7 +69,8 @@ TEST(Icons, AreThereInTheColourAsked)
     for (const QString& file : files) {
         const QString name = file.section(QLatin1Char('.'), 0, 0);
         QSize size;
-        const QImage image = icons.requestImage(name + QStringLiteral("/ff0000"), &size, QSize(40, 40));
+        const QImage image =
+            icons.requestImage(name + QStringLiteral("/ff0000"), &size, QSize(40, 40));
         ASSERT_EQ(image.size(), QSize(40, 40)) << name.toStdString();
         int opaque = 0;
         for (int y = 0; y < 40; ++y)
@@ -82,7 +85,8 @@ TEST(Icons, AreThereInTheColourAsked)
         EXPECT_GT(opaque, 5) << name.toStdString();
     }
     QSize size;
-    EXPECT_TRUE(icons.requestImage(QStringLiteral("no-such/ff0000"), &size, QSize(40, 40)).isNull());
+    EXPECT_TRUE(
+        icons.requestImage(QStringLiteral("no-such/ff0000"), &size, QSize(40, 40)).isNull());
 }
 
 TEST(Gallery, FindsAPresetsGroupByItsPlace)

@@ -1,8 +1,7 @@
-#include "ZentoPresentation/Stage.h"
-
 #include "Zento/Presentation/App.h"
 #include "Zento/Presentation/Appearance.h"
 #include "Zento/Presentation/Engine.h"
+#include "ZentoPresentation/Stage.h"
 
 #include <QAccessible>
 #include <QQmlComponent>
@@ -139,8 +138,7 @@ TEST(Presentation, GivesEveryControlARoleAndAName)
                 continue;
             ++controls;
             QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(item);
-            const std::string which =
-                screen.toStdString() + ": " + item->metaObject()->className();
+            const std::string which = screen.toStdString() + ": " + item->metaObject()->className();
             ASSERT_NE(accessible, nullptr) << which;
             EXPECT_NE(accessible->role(), QAccessible::NoRole) << which;
             EXPECT_NE(accessible->role(), QAccessible::Client) << which;
@@ -196,11 +194,13 @@ TEST(Presentation, ReachesEverySetting)
                     press(stage, Qt::Key_Space);
                 });
         for (QQuickItem* slider : ofType(pane, "QQuickSlider"))
-            use(name + " slider " + slider->parentItem()->property("label").toString().toStdString(), [&] {
-                slider->forceActiveFocus(Qt::TabFocusReason);
-                const bool isFull = slider->property("visualPosition").toDouble() > 0.99;
-                press(stage, isFull ? Qt::Key_Left : Qt::Key_Right);
-            });
+            use(name + " slider "
+                    + slider->parentItem()->property("label").toString().toStdString(),
+                [&] {
+                    slider->forceActiveFocus(Qt::TabFocusReason);
+                    const bool isFull = slider->property("visualPosition").toDouble() > 0.99;
+                    press(stage, isFull ? Qt::Key_Left : Qt::Key_Right);
+                });
         for (QQuickItem* field : ofType(pane, "TextBox"))
             use(name + " field", [&] {
                 field->forceActiveFocus(Qt::TabFocusReason);
@@ -213,20 +213,22 @@ TEST(Presentation, ReachesEverySetting)
                 use(name + " choice " + group->property("label").toString().toStdString(), [&] {
                     const int index = group->property("currentIndex").toInt();
                     const QVariantList model = group->property("model").toList();
-                    const QVariant other = model[(index + 1) % model.size()].toMap()[QStringLiteral("value")];
+                    const QVariant other =
+                        model[(index + 1) % model.size()].toMap()[QStringLiteral("value")];
                     QMetaObject::invokeMethod(group, "picked", Q_ARG(QVariant, other));
                     stage.settle();
                 });
         for (QQuickItem* toggle : ofType(pane, "ToggleRow"))
-            use(name + " toggle " + toggle->property("text").toString().toStdString(), [&] {
-                click(stage, toggle);
-            });
+            use(name + " toggle " + toggle->property("text").toString().toStdString(),
+                [&] { click(stage, toggle); });
     };
     for (const QString& pane : panes)
         useAll(
-            stage.show((pane + QStringLiteral(" { width: 264; height: 1100 }")).toUtf8(), {300, 1100}),
+            stage.show(
+                (pane + QStringLiteral(" { width: 264; height: 1100 }")).toUtf8(), {300, 1100}),
             pane.toStdString());
-    stage.show("MainContent { width: 1440; height: 900; Component.onCompleted: openExport() }", kWindow);
+    stage.show(
+        "MainContent { width: 1440; height: 900; Component.onCompleted: openExport() }", kWindow);
     useAll(stage.window().contentItem(), "ExportSheet");
 
     // Devices and pictures of this machine are no part of the test; `pointerOnClick` is the older
@@ -255,9 +257,8 @@ TEST(Presentation, IsWalkedThroughByTheTabKey)
             visited.insert(item);
     }
     for (QQuickItem* item : expected)
-        EXPECT_TRUE(visited.contains(item))
-            << item->metaObject()->className() << ' '
-            << item->property("text").toString().toStdString();
+        EXPECT_TRUE(visited.contains(item)) << item->metaObject()->className() << ' '
+                                            << item->property("text").toString().toStdString();
 }
 
 TEST(Presentation, MovesAChoiceByTheArrowKeys)
@@ -287,17 +288,27 @@ TEST(Presentation, ReadsAndWritesTheValueOfASlider)
     };
     const Case cases[] = {
         {"a share", "to: 0.2; step: 0.005; factor: 100; decimals: 1; unit: '%'", 0.055, "5.5 %"},
-        {"a whole share", "to: 0.2; step: 0.005; factor: 100; decimals: 1; unit: '%'", 0.12, "12 %"},
+        {"a whole share",
+         "to: 0.2; step: 0.005; factor: 100; decimals: 1; unit: '%'",
+         0.12,
+         "12 %"},
         {"a level below nought", "from: -40; to: 0; step: 1; unit: 'dB'", -11, "\u221211 dB"},
         {"nought", "from: -20; to: 12; step: 0.5; decimals: 1; unit: 'dB'", 0, "0 dB"},
-        {"a factor", "from: 1; to: 3; step: 0.05; decimals: 2; leastDecimals: 1; unit: '\u00d7'", 1, "1.0 \u00d7"},
-        {"a fine factor", "from: 1; to: 3; step: 0.05; decimals: 2; leastDecimals: 1; unit: '\u00d7'", 1.05, "1.05 \u00d7"}};
+        {"a factor",
+         "from: 1; to: 3; step: 0.05; decimals: 2; leastDecimals: 1; unit: '\u00d7'",
+         1,
+         "1.0 \u00d7"},
+        {"a fine factor",
+         "from: 1; to: 3; step: 0.05; decimals: 2; leastDecimals: 1; unit: '\u00d7'",
+         1.05,
+         "1.05 \u00d7"}};
     for (const Case& one : cases) {
         SCOPED_TRACE(one.name);
         Stage stage;
         QQuickItem* slider = stage.show(
-            QByteArray("ValueSlider { label: 'A'; onEdited: value => root.value = value; id: root; ") + one.properties
-                + "; value: " + QByteArray::number(one.value) + " }",
+            QByteArray(
+                "ValueSlider { label: 'A'; onEdited: value => root.value = value; id: root; ")
+                + one.properties + "; value: " + QByteArray::number(one.value) + " }",
             {300, 60});
         QQuickItem* field = ofType(slider, "QQuickTextField").value(0);
         ASSERT_NE(field, nullptr);
@@ -325,8 +336,9 @@ TEST(Presentation, AnswersAQuestionByKeys)
         int key;
         const char* call;
     };
-    for (const Case& one : {Case{"Enter takes what has the focus", Qt::Key_Return, "reject"},
-                            Case{"Escape", Qt::Key_Escape, "reject"}}) {
+    for (const Case& one :
+         {Case{"Enter takes what has the focus", Qt::Key_Return, "reject"},
+          Case{"Escape", Qt::Key_Escape, "reject"}}) {
         SCOPED_TRACE(one.name);
         Stage stage;
         stage.show("MainContent { width: 1440; height: 900 }", kWindow);
@@ -334,7 +346,8 @@ TEST(Presentation, AnswersAQuestionByKeys)
         stage.settle();
         press(stage, one.key);
         EXPECT_FALSE(stage.part("question")->property("isOpen").toBool());
-        EXPECT_EQ(stage.app()->property("calls").toStringList().last(), QString::fromLatin1(one.call));
+        EXPECT_EQ(
+            stage.app()->property("calls").toStringList().last(), QString::fromLatin1(one.call));
     }
     Stage stage;
     stage.show("MainContent { width: 1440; height: 900 }", kWindow);
@@ -365,7 +378,8 @@ TEST(Presentation, WalksTheLibraryByKeys)
     EXPECT_EQ(model->property("renaming").toString(), QStringLiteral("/recordings/1.zento"));
     QTest::keyClicks(&stage.window(), QStringLiteral("Take two"));
     press(stage, Qt::Key_Return);
-    EXPECT_TRUE(stage.app()->property("calls").toStringList().contains(QStringLiteral("rename Take two")));
+    EXPECT_TRUE(
+        stage.app()->property("calls").toStringList().contains(QStringLiteral("rename Take two")));
     EXPECT_TRUE(model->property("renaming").toString().isEmpty());
 }
 
@@ -377,9 +391,12 @@ TEST(Presentation, GivesAShortcutRowTheKeys)
     ASSERT_NE(row, nullptr);
     row->forceActiveFocus(Qt::TabFocusReason);
     press(stage, Qt::Key_Return);
-    EXPECT_EQ(stage.part("shortcuts")->property("recordingAction").toString(), QStringLiteral("exportVideo"));
+    EXPECT_EQ(
+        stage.part("shortcuts")->property("recordingAction").toString(),
+        QStringLiteral("exportVideo"));
     press(stage, Qt::Key_Tab, Qt::ControlModifier); // a key the window would take otherwise
-    EXPECT_TRUE(stage.app()->property("calls").toStringList().last().startsWith(QStringLiteral("pressed")));
+    EXPECT_TRUE(
+        stage.app()->property("calls").toStringList().last().startsWith(QStringLiteral("pressed")));
 }
 
 TEST(Presentation, OffersNoRecordingThatIsNotAllowed)
@@ -393,18 +410,22 @@ TEST(Presentation, OffersNoRecordingThatIsNotAllowed)
     QQuickItem* record = named(library, QStringLiteral("Record"));
     ASSERT_NE(record, nullptr);
     click(stage, record);
-    EXPECT_EQ(stage.app()->property("calls").toStringList().last(), QStringLiteral("recordDisplay"));
+    EXPECT_EQ(
+        stage.app()->property("calls").toStringList().last(), QStringLiteral("recordDisplay"));
     stage.part("recording")->setProperty("phase", 2);
     stage.settle();
     click(stage, named(library, QStringLiteral("Stop")));
-    EXPECT_EQ(stage.app()->property("calls").toStringList().last(), QStringLiteral("stopRecording"));
+    EXPECT_EQ(
+        stage.app()->property("calls").toStringList().last(), QStringLiteral("stopRecording"));
 }
 
 TEST(Presentation, MarksAnAreaByPointerAndByKeys)
 {
     Stage stage;
     QQuickItem* picker = stage.show(
-        "AreaPicker { width: 800; height: 600; property rect result; onPicked: area => result = area }", {800, 600});
+        "AreaPicker { width: 800; height: 600; property rect result; onPicked: area => result = "
+        "area }",
+        {800, 600});
     QTest::mousePress(&stage.window(), Qt::LeftButton, {}, {300, 250});
     QTest::mouseMove(&stage.window(), {100, 50});
     QTest::mouseRelease(&stage.window(), Qt::LeftButton, {}, {100, 50});
@@ -430,11 +451,31 @@ TEST(Presentation, FollowsTheDesktopsAppearance)
     const Case cases[] = {
         {"dark", "org.freedesktop.appearance", "color-scheme", 1U, "dark", true},
         {"light", "org.freedesktop.appearance", "color-scheme", 2U, "dark", false},
-        {"no preference keeps what is", "org.freedesktop.appearance", "color-scheme", 0U, "dark", false},
-        {"contrast", "org.gnome.desktop.a11y.interface", "high-contrast", true, "highContrast", true},
-        {"motion", "org.gnome.desktop.interface", "enable-animations", true, "reducedMotion", false},
+        {"no preference keeps what is",
+         "org.freedesktop.appearance",
+         "color-scheme",
+         0U,
+         "dark",
+         false},
+        {"contrast",
+         "org.gnome.desktop.a11y.interface",
+         "high-contrast",
+         true,
+         "highContrast",
+         true},
+        {"motion",
+         "org.gnome.desktop.interface",
+         "enable-animations",
+         true,
+         "reducedMotion",
+         false},
         {"text", "org.gnome.desktop.interface", "text-scaling-factor", 1.25, "textScale", 1.25},
-        {"text beyond sense", "org.gnome.desktop.interface", "text-scaling-factor", 40.0, "textScale", 3.0}};
+        {"text beyond sense",
+         "org.gnome.desktop.interface",
+         "text-scaling-factor",
+         40.0,
+         "textScale",
+         3.0}};
     Stage stage;
     Appearance* look = appearance(stage.engine());
     for (const Case& one : cases) {

@@ -37,11 +37,13 @@ void keepComplaint(QtMsgType type, const QMessageLogContext&, const QString& mes
 Canvas drawSketch(const QString& id, int width, int height)
 {
     const QString path = QUrl::fromPercentEncoding(id.section(QLatin1Char('/'), 0, -2).toUtf8());
-    const auto number = std::size_t(path.section(QLatin1Char('/'), -1).section(QLatin1Char('.'), 0, 0).toInt());
+    const auto number =
+        std::size_t(path.section(QLatin1Char('/'), -1).section(QLatin1Char('.'), 0, 0).toInt());
     const auto trios = BackgroundCatalog::trios();
     const double w = width;
     const double h = height;
-    Canvas canvas = BackgroundRenderer::render(trios[(number + 2) % trios.size()].background, width, height);
+    Canvas canvas =
+        BackgroundRenderer::render(trios[(number + 2) % trios.size()].background, width, height);
     const Rect card{w * 0.07, h * 0.09, w * 0.86, h * 0.82};
     canvas.fill(Path().roundedRect(card, h * 0.03), Color::gray(number % 3 == 2 ? 0.1 : 0.97));
     canvas.fill(
@@ -49,7 +51,12 @@ Canvas drawSketch(const QString& id, int width, int height)
         Color::gray(number % 3 == 2 ? 0.16 : 0.91));
     for (int line = 0; line < 7; ++line)
         canvas.fill(
-            Path().roundedRect({w * 0.32, h * (0.17 + 0.1 * line), w * (0.3 + 0.06 * ((line * 7 + int(number)) % 4)), h * 0.035}, h * 0.015),
+            Path().roundedRect(
+                {w * 0.32,
+                 h * (0.17 + 0.1 * line),
+                 w * (0.3 + 0.06 * ((line * 7 + int(number)) % 4)),
+                 h * 0.035},
+                h * 0.015),
             line == 0 ? Color{0.42, 0.37, 0.91, 1} : Color::gray(number % 3 == 2 ? 0.5 : 0.72));
     return canvas;
 }
@@ -93,9 +100,14 @@ Stage::Stage()
         m_engine->addImportPath(qEnvironmentVariable("ZENTO_QML"));
     m_engine->removeImageProvider(QStringLiteral("recording"));
     m_engine->addImageProvider(QStringLiteral("recording"), new PictureProvider(drawSketch, 1));
-    m_engine->addImageProvider(QStringLiteral("window"), new PictureProvider([](const QString& id, int, int) {
-        return drawSketch(id.section(QLatin1Char('/'), 0, 0) + QStringLiteral(".x/y"), 320, 180);
-    }, 1));
+    m_engine->addImageProvider(
+        QStringLiteral("window"),
+        new PictureProvider(
+            [](const QString& id, int, int) {
+                return drawSketch(
+                    id.section(QLatin1Char('/'), 0, 0) + QStringLiteral(".x/y"), 320, 180);
+            },
+            1));
     appearance(*m_engine)->setReducedMotion(true);
     QMetaObject::invokeMethod(m_app.get(), "fill");
 }
@@ -134,7 +146,8 @@ QQuickItem* Stage::show(QQmlComponent& component, QSize size, bool fill)
 QQuickItem* Stage::show(const QByteArray& qml, QSize size)
 {
     QQmlComponent component(m_engine.get());
-    component.setData("import QtQuick\nimport Zento\n" + qml, QUrl(QStringLiteral("qrc:/testing/Snippet.qml")));
+    component.setData(
+        "import QtQuick\nimport Zento\n" + qml, QUrl(QStringLiteral("qrc:/testing/Snippet.qml")));
     return show(component, size, false);
 }
 

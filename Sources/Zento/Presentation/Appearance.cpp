@@ -99,8 +99,7 @@ void Appearance::followDesktop()
     });
 }
 
-void Appearance::settingChanged(
-    const QString& group, const QString& key, const QDBusVariant& value)
+void Appearance::settingChanged(const QString& group, const QString& key, const QDBusVariant& value)
 {
     apply(group, key, value.variant());
 }

@@ -10,7 +10,9 @@ QImage toImage(const Canvas& canvas)
     const auto pixels = canvas.pixels();
     for (int y = 0; y < canvas.height(); ++y)
         std::memcpy(
-            image.scanLine(y), pixels.row(y), static_cast<std::size_t>(canvas.width()) * sizeof(std::uint32_t));
+            image.scanLine(y),
+            pixels.row(y),
+            static_cast<std::size_t>(canvas.width()) * sizeof(std::uint32_t));
     return image;
 }
 

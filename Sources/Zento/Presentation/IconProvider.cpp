@@ -21,10 +21,12 @@ IconProvider::IconProvider()
 QImage IconProvider::requestImage(const QString& id, QSize* size, const QSize& requestedSize)
 {
     const QColor color(QLatin1Char('#') + id.section(QLatin1Char('/'), 1, 1));
-    QFile file(QStringLiteral(":/icons/") + id.section(QLatin1Char('/'), 0, 0) + QStringLiteral(".svg"));
+    QFile file(
+        QStringLiteral(":/icons/") + id.section(QLatin1Char('/'), 0, 0) + QStringLiteral(".svg"));
     if (!file.open(QIODevice::ReadOnly))
         return {};
-    const QByteArray svg = file.readAll().replace("currentColor", color.name(QColor::HexRgb).toLatin1());
+    const QByteArray svg =
+        file.readAll().replace("currentColor", color.name(QColor::HexRgb).toLatin1());
     const QSize pixels = requestedSize.isValid() ? requestedSize : kGrid;
     QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);

@@ -24,14 +24,13 @@ void PictureChooser::open(const QString& title)
         QStringLiteral("org.freedesktop.portal.FileChooser"),
         QStringLiteral("OpenFile"));
     call << QString() << title << QVariantMap();
-    auto* answer =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
+    auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
         answer->deleteLater();
         const QDBusPendingReply<QDBusObjectPath> reply = *answer;
         if (reply.isError())
-            Q_EMIT failed(
-                tr("This desktop has no file dialog to choose from (%1).").arg(reply.error().message()));
+            Q_EMIT failed(tr("This desktop has no file dialog to choose from (%1).")
+                              .arg(reply.error().message()));
         else
             listenTo(reply.value().path());
     });

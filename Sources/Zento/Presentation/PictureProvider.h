@@ -15,8 +15,8 @@ namespace zento {
 /// is told on the console.
 using PictureDrawing = std::function<Canvas(const QString& id, int width, int height)>;
 
-/// Pictures that take their time, drawn beside the main thread: "image://NAME/RADIUS/…", the corners
-/// rounded by RADIUS pixels. A request that nobody waits for any more is not drawn.
+/// Pictures that take their time, drawn beside the main thread: "image://NAME/RADIUS/…", the
+/// corners rounded by RADIUS pixels. A request that nobody waits for any more is not drawn.
 class PictureProvider : public QQuickAsyncImageProvider {
 public:
     /// `threads` in [1, ∞).

@@ -1,5 +1,4 @@
 #include "Zento/Presentation/PictureProvider.h"
-
 #include "ZentoCore/BackgroundCatalog.h"
 #include "ZentoCore/Error.h"
 #include "ZentoImaging/Convert.h"
@@ -74,8 +73,8 @@ Canvas drawCard(const QString& id, int width, int height)
                             : (frame.width - width) / 2.0;
     const double top = std::clamp(
         layout.place.y + layout.place.h / 2 - height / 2.0, 0.0, double(frame.height - height));
-    Canvas canvas = BackgroundRenderer::render(
-        Background::LinearGradient{"#2A2E3D", "#0C0E14"}, width, height);
+    Canvas canvas =
+        BackgroundRenderer::render(Background::LinearGradient{"#2A2E3D", "#0C0E14"}, width, height);
     draw(
         layout,
         BackgroundRenderer::color(card.accentHex),
@@ -116,9 +115,8 @@ Canvas drawSwatch(const QString& id, int width, int height)
 
 Canvas drawRecording(const QString& id, int width, int height)
 {
-    const std::filesystem::path bundle = QUrl::fromPercentEncoding(
-                                             id.section(QLatin1Char('/'), 0, -2).toUtf8())
-                                             .toStdString();
+    const std::filesystem::path bundle =
+        QUrl::fromPercentEncoding(id.section(QLatin1Char('/'), 0, -2).toUtf8()).toStdString();
     std::filesystem::path film = bundle;
     film.replace_extension("mp4");
     VideoDecoder decoder(std::filesystem::exists(film) ? film : bundle / "screen.mov");

@@ -59,7 +59,7 @@ Column {
                 anchors.rightMargin: 8
                 anchors.verticalCenter: parent.verticalCenter
                 text: root.title
-                font.pixelSize: Math.round(12.5 * Theme.textScale)
+                font.pixelSize: Math.round(12 * Theme.textScale)
                 Accessible.ignored: true
             }
             KeyCaps {

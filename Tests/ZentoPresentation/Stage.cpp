@@ -28,7 +28,9 @@ QStringList& complaintList()
 
 void keepComplaint(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
-    if (type != QtDebugMsg && type != QtInfoMsg)
+    // The platform without a display says what it cannot do; that is not about the screens.
+    const bool isPlatforms = message.startsWith(QStringLiteral("This plugin does not support"));
+    if (type != QtDebugMsg && type != QtInfoMsg && !isPlatforms)
         complaintList().append(message);
 }
 

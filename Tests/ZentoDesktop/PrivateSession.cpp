@@ -6,6 +6,7 @@
 
 #include <xcb/xtest.h>
 
+#include <chrono>
 #include <stdexcept>
 #include <vector>
 
@@ -58,6 +59,12 @@ Keyboard::~Keyboard()
 
 void Keyboard::strike(std::initializer_list<std::uint8_t> codes)
 {
+    // A press in the millisecond of a release is what a held key does, not a hand.
+    const auto now = [] {
+        return std::chrono::floor<std::chrono::milliseconds>(std::chrono::steady_clock::now());
+    };
+    for (const auto start = now(); now() == start;) {
+    }
     const std::vector<std::uint8_t> keys(codes);
     for (const std::uint8_t key : keys) {
         fake(XCB_KEY_PRESS, key);

@@ -145,10 +145,16 @@ void ModelTest::makeModel()
     });
 }
 
-std::filesystem::path ModelTest::bundle(const std::string& name, const std::string& meta) const
+std::filesystem::path
+ModelTest::bundle(const std::string& name, const std::string& meta, Age age) const
 {
     const std::filesystem::path folder = m_sessions / (name + ".zento");
-    std::filesystem::create_directories(folder);
+    const auto before =
+        age == Age::Later ? sessionFolders(m_sessions) : std::vector<SessionFolder>{};
+    do {
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directories(folder);
+    } while (!before.empty() && creationDate(folder) <= before.front().date);
     if (!meta.empty()) {
         writeFile(folder / "meta.json", meta);
     }

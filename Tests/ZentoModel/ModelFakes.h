@@ -222,7 +222,13 @@ protected:
 
     void start() { m_model->start(); }
     void makeModel();
-    std::filesystem::path bundle(const std::string& name, const std::string& meta) const;
+
+    /// A folder of a recording; with an empty text one without "meta.json". `Later` waits until the
+    /// file system's clock has moved on, so that it is newer than all before.
+    enum class Age { Any, Later };
+    std::filesystem::path
+    bundle(const std::string& name, const std::string& meta, Age age = Age::Later) const;
+
     QString error() const { return m_model->messages()->errorMessage(); }
     QString toast() const { return m_model->messages()->toast(); }
 

@@ -82,7 +82,7 @@ TEST_F(RecordingLibraryTest, AFolderThatCannotBeReadIsAnEmptyLibrary)
 TEST_F(RecordingLibraryTest, AThousandComeInPartsAndChangeRowByRow)
 {
     for (int i = 0; i < 1000; ++i) {
-        bundle(std::to_string(i), metaText("Take " + std::to_string(i)));
+        bundle(std::to_string(i), metaText("Take " + std::to_string(i)), Age::Any);
     }
     m_files.isHeld = true;
     library().refresh();
@@ -178,7 +178,6 @@ TEST_F(RecordingLibraryTest, RenamingKeepsTheFactsAndABlankTitleIsNone)
 
 TEST_F(RecordingLibraryTest, TheTrashTakesRecordingAndFilmAndGivesThemBack)
 {
-    QQmlPropertyMap unused; // links the module's classes
     const auto first = bundle("1", metaText("First"));
     const auto second = bundle("2", metaText("Second"));
     writeFile(m_sessions / "2.mp4", "film");
@@ -244,7 +243,8 @@ TEST_F(RecordingLibraryTest, TheDesktopsTrashGivesBackWhatItTook)
 {
     ::setenv("XDG_DATA_HOME", (m_folder / "data").c_str(), 1); // NOLINT(concurrency-mt-unsafe)
     const auto folder = bundle("1", metaText("First"));
-    const Trash::Entry entry = Trash::put(folder);
+    const Trash::Entry entry = Trash::put(folder); // the user's first
+    EXPECT_EQ(entry.trashed, m_folder / "data/Trash/files/1.zento");
     EXPECT_FALSE(std::filesystem::exists(folder));
     EXPECT_TRUE(std::filesystem::exists(entry.trashed / "meta.json"));
     std::filesystem::create_directories(folder);

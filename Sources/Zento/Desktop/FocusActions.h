@@ -5,11 +5,9 @@
 #include <string_view>
 #include <vector>
 
-namespace zento {
-
 /// What switches the desktop's notifications around a recording: a command the user made, in
 /// "Zento/Actions" of the configuration folder, or one of the two built-in names.
-namespace FocusActions {
+namespace zento::FocusActions {
 
 /// The built-in names: they switch the notifications of GNOME, Cinnamon, MATE and Xfce off and on.
 /// A command of the same name goes before.
@@ -32,6 +30,4 @@ command(const std::string& name, const std::filesystem::path& folder, std::strin
 /// Blocks on the disk.
 std::vector<std::string> installed(const std::filesystem::path& folder);
 
-} // namespace FocusActions
-
-} // namespace zento
+} // namespace zento::FocusActions

@@ -4,6 +4,7 @@
 
 #include <QDBusMessage>
 #include <QDBusMetaType>
+#include <QDBusPendingCall>
 #include <QUrl>
 
 #include <algorithm>

@@ -39,7 +39,7 @@ private:
     void setShown(bool isShown);
 
     QDBusConnection m_bus;
-    Item* m_item;     // on the bus; owned
+    TrayItem* m_item; // on the bus; owned
     TrayMenu* m_menu; // the same
     bool m_isShown = false;
 };

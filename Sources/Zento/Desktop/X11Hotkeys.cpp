@@ -196,8 +196,8 @@ private:
             return std::nullopt;
         }
         unsigned modifiers = 0;
-        modifiers |= stroke.shift ? XCB_MOD_MASK_SHIFT : 0U;
-        modifiers |= stroke.control ? XCB_MOD_MASK_CONTROL : 0U;
+        modifiers |= stroke.shift ? unsigned{XCB_MOD_MASK_SHIFT} : 0U;
+        modifiers |= stroke.control ? unsigned{XCB_MOD_MASK_CONTROL} : 0U;
         modifiers |= stroke.alt ? m_keyboard->modifierOf(kAltLeft, XCB_MOD_MASK_1) : 0U;
         modifiers |= stroke.super ? m_keyboard->modifierOf(kSuperLeft, XCB_MOD_MASK_4) : 0U;
         return Grab{*key, static_cast<std::uint16_t>(modifiers)};

@@ -332,7 +332,7 @@ void RecordingFlow::stopRecording(const std::optional<Error>& systemReason)
     if (!m_capture || m_isStopping) {
         return;
     }
-    setStopping(true);
+    setStopping(/*isStopping=*/true);
     m_diskGuard.reset();
     if (m_ports.settings.current().muteNotifications) {
         m_ports.runAction(m_ports.settings.current().focusOffShortcut);
@@ -413,7 +413,7 @@ void RecordingFlow::endRecording()
     setPhase(Phase::Idle);
     setRecordingStarted({});
     showApplication();
-    setStopping(false);
+    setStopping(/*isStopping=*/false);
     for (const auto& done : std::exchange(m_onFinished, {})) {
         done();
     }

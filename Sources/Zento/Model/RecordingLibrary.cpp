@@ -49,10 +49,10 @@ QDateTime dateTimeOf(const SessionItem& item)
 /// A date as in "9 Mar 2026": the locale's long form without the day of the week, the month short.
 QString mediumDate(const QDate& date)
 {
-    static const QRegularExpression weekday("(^|[,.\\s]*)dddd([,.\\s]*|$)");
+    static const QRegularExpression kWeekday("(^|[,.\\s]*)dddd([,.\\s]*|$)");
     QString format = QLocale().dateFormat(QLocale::LongFormat);
     format.replace("MMMM", "MMM");
-    format.remove(weekday);
+    format.remove(kWeekday);
     return QLocale().toString(date, format);
 }
 

@@ -33,7 +33,7 @@ std::vector<std::filesystem::path> bundlesIn(const std::filesystem::path& folder
 
 std::optional<std::string> shownTitle(const SessionItem& item)
 {
-    const std::string_view text = trimmed(item.title.value_or(""));
+    const std::string_view text = item.title ? trimmed(*item.title) : std::string_view();
     return text.empty() ? std::nullopt : std::optional(std::string(text));
 }
 

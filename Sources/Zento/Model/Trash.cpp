@@ -2,7 +2,9 @@
 
 #include "ZentoCore/Error.h"
 
+#include <QDir>
 #include <QFile>
+#include <QStandardPaths>
 #include <QString>
 
 #include <cerrno>
@@ -29,6 +31,8 @@ std::filesystem::path noteOf(const std::filesystem::path& trashed)
 
 Trash::Entry Trash::put(const std::filesystem::path& path)
 {
+    // Without its parent the user's trash cannot be made, and one beside the file takes its place.
+    QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
     QFile file(text(path));
     if (!file.moveToTrash()) {
         throw Error(

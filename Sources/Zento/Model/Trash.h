@@ -2,10 +2,8 @@
 
 #include <filesystem>
 
-namespace zento {
-
 /// The desktop's trash. Blocks on the disk.
-namespace Trash {
+namespace zento::Trash {
 
 struct Entry {
     std::filesystem::path original;
@@ -19,6 +17,4 @@ Entry put(const std::filesystem::path& path);
 /// longer in the trash.
 void restore(const Entry& entry);
 
-} // namespace Trash
-
-} // namespace zento
+} // namespace zento::Trash

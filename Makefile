@@ -26,7 +26,7 @@ test: build
 	@cd $(BUILD) && ctest --output-on-failure --no-tests=error -j $(JOBS)
 
 bench: build
-	@tools/bench.sh $(BUILD)
+	@tools/bench.sh $(BUILD) $(if $(RESULTS),Benchmarks/results.md)
 
 sheets:
 	@tools/install-packages.sh build run

@@ -29,6 +29,13 @@ struct ClickStep {
     Spot spot = Spot::Middle;
 };
 
+/// Opens an element's context menu and chooses from it.
+struct MenuStep {
+    ElementQuery target;
+    Spot spot = Spot::Middle;
+    ElementQuery item;
+};
+
 /// Into whatever has the keyboard's focus; UTF-8.
 struct TypeStep {
     std::string text;
@@ -51,8 +58,8 @@ struct SayStep {
     std::string text;
 };
 
-using DemoStep =
-    std::variant<PauseStep, MoveStep, ClickStep, TypeStep, PressStep, ScrollStep, SayStep>;
+using DemoStep = std::
+    variant<PauseStep, MoveStep, ClickStep, MenuStep, TypeStep, PressStep, ScrollStep, SayStep>;
 
 /// What the demo shows, about 27 seconds: a look through a collection of icons, the choice noted
 /// down in a text, and a search. It has what an automatic editor works on: clicks far apart,

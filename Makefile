@@ -5,7 +5,8 @@
 #   make sheets  what is drawn, as pictures to be looked at, into build/sheets
 #   make screens every screen of the window, dark and light, into build/screens
 #   make install what belongs on a system, below PREFIX (/usr/local)       make deb     a Debian package
-#   make lint    formatting, includes, clang-tidy    make format  rewrite the formatting
+#   make lint    style, clang-tidy (minutes)         make style   formatting and includes (seconds)
+#   make format  rewrite the formatting
 #   make asan    tests under address and undefined-behaviour sanitizers
 #   make tsan    tests under the thread sanitizer    make fuzz    the fuzzers, FUZZ_SECONDS each
 SHELL := /bin/bash
@@ -13,7 +14,7 @@ BUILD := build/release
 JOBS := $(shell nproc)
 FUZZ_SECONDS ?= 60
 
-.PHONY: run test build bench sheets install deb lint format asan tsan fuzz clean
+.PHONY: run test build bench sheets screens install deb lint style format asan tsan fuzz clean
 
 run:
 	@tools/install-packages.sh build run test
@@ -28,7 +29,7 @@ test: build
 	@cd $(BUILD) && ctest --output-on-failure --no-tests=error -j $(JOBS)
 
 bench: build
-	@tools/bench.sh $(BUILD)
+	@tools/bench.sh $(BUILD) $(if $(RESULTS),Benchmarks/results.md)
 
 PREFIX ?= /usr/local
 
@@ -47,7 +48,12 @@ screens:
 	@tools/install-packages.sh build run test
 	@tools/screens.sh build/screens
 
-lint:
+style:
+	@tools/install-packages.sh lint
+	@tools/format.sh -n
+	@tools/check-includes.sh
+
+lint: style
 	@tools/install-packages.sh build test lint
 	@tools/lint.sh
 

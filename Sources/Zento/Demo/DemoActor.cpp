@@ -13,6 +13,7 @@ namespace {
 constexpr std::uint64_t kSeed = 20240317; // any will do; this one's film was looked at
 constexpr double kPatienceSeconds = 10;
 constexpr double kLookSeconds = 0.04;
+constexpr double kBeforeChoosing = 0.4; // seconds in which a menu is read
 
 /// What the step is done on, if it is done on an element.
 const ElementQuery* target(const DemoStep& step)
@@ -48,22 +49,30 @@ DemoActor::DemoActor(const std::string& display, const std::string& accessibilit
 
 FoundElement DemoActor::await(const ElementQuery& query, const std::stop_token& stop)
 {
-    const auto deadline =
-        std::chrono::steady_clock::now() + std::chrono::duration<double>(kPatienceSeconds);
+    if (auto found = awaitFor(kPatienceSeconds, query, stop)) {
+        return *std::move(found);
+    }
+    throw Error(
+        ErrorCode::kElementMissing,
+        "The demo cannot go on: " + description(query) + " is not to be found.");
+}
+
+std::optional<FoundElement>
+DemoActor::awaitFor(double seconds, const ElementQuery& query, const std::stop_token& stop)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
     std::optional<FoundElement> before;
     while (std::chrono::steady_clock::now() < deadline) {
         std::optional<FoundElement> now = m_finder.find(query);
         if (now && before && now->frame == before->frame) {
-            return *std::move(now);
+            return now;
         }
         before = std::move(now);
         if (!sleepFor(kLookSeconds, stop)) {
             throw Error(ErrorCode::kDemoStopped, "The demo was stopped.");
         }
     }
-    throw Error(
-        ErrorCode::kElementMissing,
-        "The demo cannot go on: " + description(query) + " is not to be found.");
+    return {};
 }
 
 void DemoActor::moveOnto(const ElementQuery& query, Spot spot, const std::stop_token& stop)
@@ -87,7 +96,22 @@ void DemoActor::carryOut(const MoveStep& step, const std::stop_token& stop)
 void DemoActor::carryOut(const ClickStep& step, const std::stop_token& stop)
 {
     moveOnto(step.target, step.spot, stop);
-    m_pointer.click(step.button, stop);
+    m_pointer.click(PointerButton::Left, stop);
+}
+
+void DemoActor::carryOut(const MenuStep& step, const std::stop_token& stop)
+{
+    // On a busy machine a menu may be shown so late that it takes the button's release for a choice
+    // and is gone. A person tries again.
+    constexpr double kMenuSeconds = 3;
+    bool isOpen = false;
+    for (int attempt = 0; attempt < 2 && !isOpen; ++attempt) {
+        moveOnto(step.target, step.spot, stop);
+        m_pointer.click(PointerButton::Right, stop);
+        sleepFor(kBeforeChoosing, stop);
+        isOpen = awaitFor(kMenuSeconds, step.item, stop).has_value();
+    }
+    carryOut(ClickStep{step.item}, stop);
 }
 
 void DemoActor::carryOut(const TypeStep& step, const std::stop_token& stop)

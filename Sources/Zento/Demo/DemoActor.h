@@ -42,7 +42,11 @@ public:
 private:
     void carryOut(const PauseStep& step, const std::stop_token& stop);
     void carryOut(const MoveStep& step, const std::stop_token& stop);
+    std::optional<FoundElement>
+    awaitFor(double seconds, const ElementQuery& query, const std::stop_token& stop);
+
     void carryOut(const ClickStep& step, const std::stop_token& stop);
+    void carryOut(const MenuStep& step, const std::stop_token& stop);
     void carryOut(const TypeStep& step, const std::stop_token& stop);
     void carryOut(const PressStep& step, const std::stop_token& stop);
     void carryOut(const ScrollStep& step, const std::stop_token& stop);

@@ -32,9 +32,9 @@ ElementQuery notesLine(const std::string& line)
     return {.application = "l3afpad", .window = "", .role = "text", .name = "", .text = line};
 }
 
-ClickStep clickBehind(ElementQuery text, PointerButton button = PointerButton::Left)
+ClickStep clickBehind(ElementQuery text)
 {
-    return {.target = std::move(text), .button = button, .spot = Spot::TextEnd};
+    return {.target = std::move(text), .spot = Spot::TextEnd};
 }
 
 } // namespace
@@ -66,11 +66,12 @@ std::vector<DemoStep> demoScript()
         PauseStep{0.4},
         ScrollStep{inEditor("text", ""), WheelDirection::Up, 4},
         PauseStep{0.2},
-        ClickStep{clickBehind(notesLine(std::string(kLine)))},
+        clickBehind(notesLine(std::string(kLine))),
         TypeStep{": "},
-        clickBehind(notesLine(std::string(kLine) + ": "), PointerButton::Right),
-        PauseStep{0.4},
-        ClickStep{inEditor("menu item", "Paste")},
+        MenuStep{
+            .target = notesLine(std::string(kLine) + ": "),
+            .spot = Spot::TextEnd,
+            .item = inEditor("menu item", "Paste")},
         TypeStep{"\n- Ask Ida: is it clear at 16 px?"},
         PressStep{{"Control_L", "s"}},
         PauseStep{0.4},

@@ -25,8 +25,14 @@ struct MoveStep {
 
 struct ClickStep {
     ElementQuery target;
-    PointerButton button = PointerButton::Left;
     Spot spot = Spot::Middle;
+};
+
+/// Opens an element's context menu and chooses from it.
+struct MenuStep {
+    ElementQuery target;
+    Spot spot = Spot::Middle;
+    ElementQuery item;
 };
 
 /// Into whatever has the keyboard's focus; UTF-8.
@@ -51,8 +57,8 @@ struct SayStep {
     std::string text;
 };
 
-using DemoStep =
-    std::variant<PauseStep, MoveStep, ClickStep, TypeStep, PressStep, ScrollStep, SayStep>;
+using DemoStep = std::
+    variant<PauseStep, MoveStep, ClickStep, MenuStep, TypeStep, PressStep, ScrollStep, SayStep>;
 
 /// What the demo shows, about 27 seconds: a look through a collection of icons, the choice noted
 /// down in a text, and a search. It has what an automatic editor works on: clicks far apart,

@@ -109,6 +109,7 @@ function(zento_theme tokens_file theme_file)
     file(CONFIGURE OUTPUT ${theme_file} @ONLY CONTENT [[
 pragma Singleton
 import QtQuick
+import Zento
 
 // The design tokens, written from Assets/ui/tokens.json when the build is configured.
 QtObject {

@@ -81,6 +81,33 @@ CaptureFactory FakeCaptures::factory()
     };
 }
 
+FilmMakers FakeFilms::makers()
+{
+    const auto make = [this](
+                          const std::filesystem::path& file,
+                          const FilmReports& reports,
+                          const std::stop_token& stop) {
+        if (meanwhile) {
+            meanwhile(reports);
+        }
+        if (stop.stop_requested()) {
+            throw Error(ErrorCode::kCancelled, "cancelled");
+        }
+        if (!failure.empty()) {
+            throw Error(ErrorCode::kNoFrames, failure);
+        }
+        writeFile(file, "");
+        made.push_back(file.filename().string());
+    };
+    return {
+        .film = [make](const auto&, const auto&, const auto& film, const auto& reports, const auto& stop) {
+            make(film, reports, stop);
+        },
+        .gif = [make](const auto&, const auto& gif, const auto& reports, const auto& stop) {
+            make(gif, reports, stop);
+        }};
+}
+
 std::string metaText(const std::string& title, const std::string& application)
 {
     SessionMeta meta{
@@ -114,6 +141,7 @@ void ModelTest::makeModel()
         .clock = m_clock,
         .files = m_files,
         .capture = m_captureWorker,
+        .exports = m_exports,
         .probes = m_probes,
         .fileServices = m_services,
         .hotkeys = m_hotkeys,
@@ -122,6 +150,7 @@ void ModelTest::makeModel()
         .sessionsFolder = m_sessions,
         .home = m_folder.path(),
         .makeCapture = m_captures.factory(),
+        .makers = m_films.makers(),
         .freeSpace = [this] { return m_freeSpace; },
         .runAction = [this](const std::string& name) { m_actions.push_back(name); },
         .installedActions = [] { return std::vector<std::string>{"One", "Two"}; },

@@ -215,6 +215,15 @@ struct FakeCaptures {
     CaptureFactory factory();
 };
 
+/// What the fake maker of films does, and what it was asked for.
+struct FakeFilms {
+    std::string failure; // empty: it succeeds
+    std::vector<std::string> made; // names of the files, in order
+    std::function<void(const FilmReports&)> meanwhile; // before a film or a GIF is there
+
+    FilmMakers makers();
+};
+
 /// The whole model over fakes, in a folder of its own.
 class ModelTest : public testing::Test {
 protected:
@@ -237,10 +246,12 @@ protected:
     FakeClock m_clock;
     FakeWorker m_files;
     FakeWorker m_captureWorker;
+    FakeWorker m_exports;
     FakeWorker m_probes;
     FakeFileServices m_services;
     FakeHotkeys m_hotkeys;
     FakeCaptures m_captures;
+    FakeFilms m_films;
     PermissionState m_permissions{true, true, true, true, true};
     std::optional<std::int64_t> m_freeSpace = 50'000'000'000;
     std::vector<std::string> m_actions;

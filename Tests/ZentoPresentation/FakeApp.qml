@@ -78,6 +78,18 @@ QtObject {
         function accept() { app.note("accept"); isOpen = false }
         function reject() { app.note("reject"); isOpen = false }
     }
+    property QtObject filmExport: QtObject {
+        property string session: library.selected
+        property string name: library.selectedItem.name ?? ""
+        property int frame: 1486
+        property int totalFrames: 2606
+        property int secondsLeft: 12
+        property bool isCancelling: false
+        property string destination
+
+        function start() { app.note("export"); app.recording.phase = 3 }
+        function cancel() { app.note("cancelExport"); isCancelling = true }
+    }
     property QtObject sharing: QtObject {
         property string cloudStatus
         property string cloudFolder

@@ -92,6 +92,12 @@ void press(Stage& stage, int key, Qt::KeyboardModifiers modifiers = {})
     stage.settle();
 }
 
+void type(Stage& stage, const char* text)
+{
+    for (; *text != '\0'; ++text)
+        QTest::keyClick(&stage.window(), *text);
+}
+
 QVariantMap settingsOf(Stage& stage)
 {
     auto* settings = qobject_cast<QQmlPropertyMap*>(stage.part("settings"));
@@ -206,7 +212,7 @@ TEST(Presentation, ReachesEverySetting)
             if (!field->property("readOnly").toBool())
                 use(name + " field", [&] {
                     field->forceActiveFocus(Qt::TabFocusReason);
-                    QTest::keyClicks(&stage.window(), QStringLiteral("x"));
+                    type(stage, "x");
                     press(stage, Qt::Key_Return);
                 });
         for (QQuickItem* group : ofType(pane, "ChoiceGroup"))
@@ -231,16 +237,19 @@ TEST(Presentation, ReachesEverySetting)
             pane.toStdString());
     stage.show(
         "MainContent { width: 1440; height: 900; Component.onCompleted: openExport() }", kWindow);
-    useAll(stage.window().contentItem(), "ExportSheet");
+    QQuickItem* overlay = ofType(stage.window().contentItem(), "QQuickOverlay").value(0);
+    ASSERT_NE(overlay, nullptr);
+    useAll(overlay, "ExportSheet"); // what lies behind a sheet is out of reach
 
     // Devices and pictures of this machine are no part of the test; `pointerOnClick` is the older
     // form of the pointer's shape and has no control, the shortcuts have rows of their own.
     const std::set<std::string> elsewhere = {
         "microphoneID", "cameraID", "customBackgroundPath", "pointerOnClick", "shortcuts"};
     const QVariantMap settings = settingsOf(stage);
-    for (auto entry = settings.cbegin(); entry != settings.cend(); ++entry)
-        if (!elsewhere.contains(entry.key().toStdString()))
-            EXPECT_TRUE(reached.contains(entry.key().toStdString())) << entry.key().toStdString();
+    for (auto entry = settings.cbegin(); entry != settings.cend(); ++entry) {
+        const std::string key = entry.key().toStdString();
+        EXPECT_TRUE(elsewhere.contains(key) || reached.contains(key)) << key;
+    }
 }
 
 TEST(Presentation, IsWalkedThroughByTheTabKey)
@@ -321,11 +330,11 @@ TEST(Presentation, ReadsAndWritesTheValueOfASlider)
         press(stage, Qt::Key_Return);
         EXPECT_DOUBLE_EQ(slider->property("value").toDouble(), one.value);
         field->forceActiveFocus(Qt::MouseFocusReason);
-        QTest::keyClicks(&stage.window(), QStringLiteral("9999"));
+        type(stage, "9999");
         press(stage, Qt::Key_Return);
         EXPECT_DOUBLE_EQ(slider->property("value").toDouble(), slider->property("to").toDouble());
         field->forceActiveFocus(Qt::MouseFocusReason);
-        QTest::keyClicks(&stage.window(), QStringLiteral("nonsense"));
+        type(stage, "nonsense");
         press(stage, Qt::Key_Return);
         EXPECT_DOUBLE_EQ(slider->property("value").toDouble(), slider->property("to").toDouble());
     }
@@ -378,7 +387,7 @@ TEST(Presentation, WalksTheLibraryByKeys)
         QStringLiteral("moveToTrash /recordings/1.zento"));
     press(stage, Qt::Key_F2);
     EXPECT_EQ(model->property("renaming").toString(), QStringLiteral("/recordings/1.zento"));
-    QTest::keyClicks(&stage.window(), QStringLiteral("Take two"));
+    type(stage, "Take two");
     press(stage, Qt::Key_Return);
     EXPECT_TRUE(
         stage.app()->property("calls").toStringList().contains(QStringLiteral("rename Take two")));

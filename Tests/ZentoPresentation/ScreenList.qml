@@ -13,6 +13,7 @@ QtObject {
         { name: "messages", width: 1440, height: 900, component: messages, fill: true },
         { name: "question", width: 1440, height: 900, component: question, fill: true },
         { name: "export-sheet", width: 1440, height: 900, component: exportSheet, fill: true },
+        { name: "export-progress", width: 1440, height: 900, component: exportProgress, fill: true },
         { name: "inspector-tabs", width: 1592, height: 1480, component: tabs, fill: true },
         { name: "capture-panel", width: 720, height: 364, component: capturePanels, fill: true },
         { name: "countdown-panel", width: 860, height: 360, component: countdowns, fill: true },
@@ -48,6 +49,13 @@ QtObject {
     }
     property Component exportSheet: MainContent {
         Component.onCompleted: openExport()
+    }
+    property Component exportProgress: MainContent {
+        Component.onCompleted: {
+            list.app.recording.progress = 0.57
+            list.app.recording.phase = 3
+        }
+        Component.onDestruction: list.app.recording.phase = 0
     }
     property Component tabs: Rectangle {
         color: Theme.base

@@ -11,6 +11,7 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QQmlComponent>
+#include <QQmlContext>
 #include <QQmlPropertyMap>
 #include <QUrl>
 
@@ -130,15 +131,20 @@ QQuickItem* Stage::show(QQmlComponent& component, QSize size, bool fill)
 {
     clear();
     m_window.resize(size);
-    std::unique_ptr<QObject> object(component.create());
+    // A component of a document sees what the document names.
+    QQmlContext* const context = component.creationContext();
+    std::unique_ptr<QObject> object(
+        component.beginCreate(context ? context : m_engine->rootContext()));
     auto* item = qobject_cast<QQuickItem*>(object.get());
     if (!item)
         throw std::runtime_error("not an item: " + component.errorString().toStdString());
     object.release();
     m_item.reset(item);
+    // In the window before it is complete: what it does then may open a sheet.
     item->setParentItem(m_window.contentItem());
     if (fill)
         item->setSize(size);
+    component.completeCreate();
     m_window.show();
     m_window.requestActivate();
     settle();

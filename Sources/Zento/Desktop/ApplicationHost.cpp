@@ -1,5 +1,6 @@
 #include "Zento/Desktop/ApplicationHost.h"
 
+#include "Zento/Desktop/DesktopImage.h"
 #include "Zento/Desktop/DesktopWindows.h"
 #include "Zento/Desktop/DeviceCapture.h"
 #include "Zento/Desktop/DiskSpace.h"
@@ -83,6 +84,7 @@ AppServices ApplicationHost::services()
         .clock = m_clock,
         .files = m_files,
         .capture = m_capture,
+        .exports = m_exports,
         .probes = m_probes,
         .fileServices = m_fileServices,
         .hotkeys = m_hotkeys,
@@ -91,6 +93,7 @@ AppServices ApplicationHost::services()
         .sessionsFolder = sessions,
         .home = userHomeFolder(),
         .makeCapture = deviceCaptures(),
+        .makers = filmMakers(desktopImage),
         .freeSpace = [sessions] { return freeSpace(sessions); },
         .runAction =
             [this](const std::string& name) {

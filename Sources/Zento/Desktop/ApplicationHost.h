@@ -64,6 +64,7 @@ private:
     Notifications m_notifications;
     ThreadWorker m_files{"model.files"};
     ThreadWorker m_capture{"model.capture"};
+    ThreadWorker m_exports{"model.exports"};
     ThreadWorker m_probes{"model.probes"};
     std::unique_ptr<AppModel> m_model; // goes before the threads that work for it
     std::optional<std::stop_callback<std::function<void()>>> m_onStop;

@@ -60,6 +60,16 @@ AppModel::AppModel(AppServices services)
           .displayOf = m_services.displayOf,
           .excludedWindows = [this] { return excludedWindows(); },
       })
+    , m_export({
+          .clock = m_services.clock,
+          .worker = m_services.exports,
+          .files = m_services.fileServices,
+          .settings = m_settings,
+          .library = m_library,
+          .flow = m_recording,
+          .messages = m_messages,
+          .makers = m_services.makers,
+      })
     , m_sharing({
           .library = m_library,
           .worker = m_services.files,
@@ -332,8 +342,10 @@ void AppModel::openFromSearch(const QString& identifier)
 
 void AppModel::shutDown(std::function<void()> done)
 {
-    m_recording.finish(
-        [this, done = std::move(done)]() mutable { m_settings.flush(std::move(done)); });
+    m_recording.finish([this, done = std::move(done)]() mutable {
+        m_export.finish(
+            [this, done = std::move(done)]() mutable { m_settings.flush(std::move(done)); });
+    });
 }
 
 } // namespace zento

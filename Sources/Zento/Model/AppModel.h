@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Zento/Model/FilmExport.h"
 #include "Zento/Model/Messages.h"
 #include "Zento/Model/Permissions.h"
 #include "Zento/Model/Question.h"
@@ -35,6 +36,7 @@ struct AppServices {
     Clock& clock;
     Worker& files;   // the library, the settings, copies
     Worker& capture; // recordings
+    Worker& exports; // films
     Worker& probes;  // what may take long to answer: permissions, windows
     FileServices& fileServices;
     GlobalHotkeys& hotkeys;
@@ -43,6 +45,7 @@ struct AppServices {
     std::filesystem::path sessionsFolder;
     std::filesystem::path home;
     CaptureFactory makeCapture;
+    FilmMakers makers;
     std::function<std::optional<std::int64_t>()> freeSpace;
     std::function<void(const std::string&)> runAction;
     std::function<std::vector<std::string>()> installedActions; // blocks
@@ -74,6 +77,7 @@ class AppModel : public QObject {
     Q_PROPERTY(zento::Question* question READ question CONSTANT)
     Q_PROPERTY(zento::Sharing* sharing READ sharing CONSTANT)
     Q_PROPERTY(zento::UpdateCheck* updates READ updates CONSTANT)
+    Q_PROPERTY(zento::FilmExport* filmExport READ filmExport CONSTANT)
     Q_PROPERTY(zento::WindowList* windows READ windows CONSTANT)
     /// State of the window that is kept from run to run.
     Q_PROPERTY(bool showInspector READ showInspector WRITE setShowInspector NOTIFY viewChanged)
@@ -100,6 +104,7 @@ public:
     Question* question() { return &m_question; }
     Sharing* sharing() { return &m_sharing; }
     UpdateCheck* updates() { return &m_updates; }
+    FilmExport* filmExport() { return &m_export; }
     WindowList* windows() { return &m_windows; }
 
     bool showInspector() const { return m_showInspector; }
@@ -146,7 +151,7 @@ public:
 
     /// The user closed the window: with a tray the program stays there, without one it ends.
     Q_INVOKABLE void closeWindow();
-    /// Stops and writes a recording that runs, then ends the program.
+    /// Stops and writes a recording that runs, gives up an export, then ends the program.
     Q_INVOKABLE void quit();
 
     /// From the desktop: a second start, a click on the tray or a notification.
@@ -157,7 +162,8 @@ public:
     /// From the desktop: a tray came or went. A message that names the tray follows.
     void trayChanged();
 
-    /// Stops and writes a recording that runs, writes the settings, then calls `done`.
+    /// Stops and writes a recording that runs, gives up an export, writes the settings, then calls
+    /// `done`.
     void shutDown(std::function<void()> done);
 
 Q_SIGNALS:
@@ -175,6 +181,7 @@ private:
     Permissions m_permissions;
     RecordingLibrary m_library;
     RecordingFlow m_recording;
+    FilmExport m_export;
     Sharing m_sharing;
     Shortcuts m_shortcuts;
     UpdateCheck m_updates;

@@ -23,6 +23,7 @@ class App : public QObject {
     Q_PROPERTY(QVariant permissions READ permissions NOTIFY modelChanged)
     Q_PROPERTY(QVariant messages READ messages NOTIFY modelChanged)
     Q_PROPERTY(QVariant question READ question NOTIFY modelChanged)
+    Q_PROPERTY(QVariant filmExport READ filmExport NOTIFY modelChanged)
     Q_PROPERTY(QVariant sharing READ sharing NOTIFY modelChanged)
     Q_PROPERTY(QVariant updates READ updates NOTIFY modelChanged)
     Q_PROPERTY(QVariant windows READ windows NOTIFY modelChanged)
@@ -42,6 +43,7 @@ public:
     QVariant permissions() const { return part("permissions"); }
     QVariant messages() const { return part("messages"); }
     QVariant question() const { return part("question"); }
+    QVariant filmExport() const { return part("filmExport"); }
     QVariant sharing() const { return part("sharing"); }
     QVariant updates() const { return part("updates"); }
     QVariant windows() const { return part("windows"); }

@@ -53,7 +53,6 @@ Windows::Windows(AppModel* app)
         throw Error(
             ErrorCode::kUndecodable,
             "The window could not be made: " + component.errorString().toStdString());
-    connect(m_root.get(), SIGNAL(exportRequested()), this, SIGNAL(exportRequested()));
 }
 
 Windows::~Windows() = default;

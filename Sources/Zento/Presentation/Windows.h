@@ -24,10 +24,6 @@ public:
 
     QQuickWindow* mainWindow() const;
 
-Q_SIGNALS:
-    /// The user wants the film written, as the settings say.
-    void exportRequested();
-
 private:
     std::unique_ptr<QQmlEngine> m_engine;
     std::unique_ptr<QObject> m_root;

@@ -80,7 +80,7 @@ Pane {
             iconName: "picture"
             text: qsTr("Choose picture…")
             onClicked: pictureChooser.open(qsTr("Choose a background"))
-            PictureChooser {
+            FileChooser {
                 id: pictureChooser
 
                 onChosen: path => {

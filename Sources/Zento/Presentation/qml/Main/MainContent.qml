@@ -12,7 +12,6 @@ FocusScope {
     readonly property bool showInspector: App.model.showInspector
 
     signal libraryToggled()
-    signal exportRequested()
 
     function openExport() {
         if (App.library.selectedItem.path !== undefined && App.recording.phase === Phase.Idle)
@@ -100,11 +99,7 @@ FocusScope {
         onClosed: App.model.showWelcome = false
         onRecordRequested: App.recording.recordDisplay()
     }
-    ExportSheet {
-        id: exportSheet
-
-        onExportRequested: content.exportRequested()
-    }
+    ExportSheet { id: exportSheet }
     QuestionSheet {}
     AboutWindow { id: about }
     WindowShortcuts {

@@ -10,8 +10,6 @@ Window {
     property alias film: content.film
     property alias timeline: content.timeline
 
-    signal exportRequested()
-
     width: 1440
     height: 900
     minimumWidth: Theme.sizeWindowMinWidth
@@ -25,6 +23,5 @@ Window {
         anchors.fill: parent
         libraryFolded: window.libraryFolded
         onLibraryToggled: window.userFolded = !window.userFolded
-        onExportRequested: window.exportRequested()
     }
 }

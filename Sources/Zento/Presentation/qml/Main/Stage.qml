@@ -76,6 +76,14 @@ Rectangle {
 
         StillFrame { item: stage.item }
     }
+    Loader {
+        anchors.right: parent.right
+        anchors.rightMargin: 16
+        anchors.bottom: canvas.bottom
+        anchors.bottomMargin: 16
+        active: App.recording.phase === Phase.Rendering || App.recording.phase === Phase.ExportingGif
+        sourceComponent: ExportCard {}
+    }
     Divider {
         x: 16
         width: parent.width - 32

@@ -9,14 +9,11 @@ QtObject {
     readonly property rect display: App.recording.panelDisplay
     property alias main: mainWindow
 
-    signal exportRequested()
-
     property list<QtObject> all: [
         MainWindow {
             id: mainWindow
 
             visible: !App.recording.isApplicationHidden
-            onExportRequested: root.exportRequested()
             onClosing: close => {
                 close.accepted = false
                 App.model.closeWindow()

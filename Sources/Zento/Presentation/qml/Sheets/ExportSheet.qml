@@ -13,11 +13,19 @@ Sheet {
         return Math.floor(Math.floor(wide) / 2) * 2
     }
 
-    signal exportRequested()
+    // Where the film goes: where the user wants it, else beside the recording.
+    readonly property string target: {
+        const usual = String(item.film ?? "")
+        const end = settings.exportFormat === "gif" ? ".gif" : ".mp4"
+        const chosen = App.filmExport.destination
+        return (chosen.length > 0 ? chosen : usual).replace(/\.(mp4|gif)$/, "") + end
+    }
+    property string complaint
 
+    onOpened: complaint = ""
     function start() {
         close()
-        exportRequested()
+        App.filmExport.start()
     }
 
     firstFocus: accept
@@ -132,11 +140,26 @@ Sheet {
                 label: qsTr("Save to")
                 TextBox {
                     anchors.verticalCenter: parent.verticalCenter
-                    width: parent.width
+                    width: parent.width - change.width - 8
                     readOnly: true
                     iconName: "folder"
                     label: qsTr("Save to")
-                    value: sheet.item.film ?? ""
+                    value: sheet.target.split("/").slice(-2).join(" › ")
+                }
+                Button {
+                    id: change
+
+                    anchors.right: parent.right
+                    anchors.verticalCenter: parent.verticalCenter
+                    overlay: true
+                    text: qsTr("Change…")
+                    onClicked: chooser.save(qsTr("Save the film"), sheet.target)
+                }
+                FileChooser {
+                    id: chooser
+
+                    onChosen: path => App.filmExport.destination = path
+                    onFailed: sentence => sheet.complaint = sentence
                 }
             }
             Line {
@@ -148,6 +171,17 @@ Sheet {
                     checked: sheet.settings.revealAfterExport
                     onToggled: sheet.settings.revealAfterExport = checked
                 }
+            }
+            Label {
+                x: 132
+                width: 404
+                visible: text.length > 0
+                text: sheet.complaint
+                type: Theme.captionType
+                wrapMode: Text.WordWrap
+                color: Theme.warning
+                Accessible.role: Accessible.AlertMessage
+                Accessible.name: text
             }
             Gap {}
             SheetFooter {

@@ -1,9 +1,11 @@
-#include "Zento/Presentation/PictureChooser.h"
+#include "Zento/Presentation/FileChooser.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QFile>
+#include <QFileInfo>
 #include <QUrl>
 
 namespace zento {
@@ -14,7 +16,21 @@ const QString kRequest = QStringLiteral("org.freedesktop.portal.Request");
 
 } // namespace
 
-void PictureChooser::open(const QString& title)
+void FileChooser::open(const QString& title)
+{
+    ask(QStringLiteral("OpenFile"), title, {});
+}
+
+void FileChooser::save(const QString& title, const QString& suggestion)
+{
+    const QFileInfo file(suggestion);
+    ask(QStringLiteral("SaveFile"),
+        title,
+        {{QStringLiteral("current_name"), file.fileName()},
+         {QStringLiteral("current_folder"), QFile::encodeName(file.path()) + '\0'}});
+}
+
+void FileChooser::ask(const QString& method, const QString& title, const QVariantMap& options)
 {
     if (!m_request.isEmpty())
         return;
@@ -22,8 +38,8 @@ void PictureChooser::open(const QString& title)
         kService,
         QStringLiteral("/org/freedesktop/portal/desktop"),
         QStringLiteral("org.freedesktop.portal.FileChooser"),
-        QStringLiteral("OpenFile"));
-    call << QString() << title << QVariantMap();
+        method);
+    call << QString() << title << options;
     auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
         answer->deleteLater();
@@ -36,7 +52,7 @@ void PictureChooser::open(const QString& title)
     });
 }
 
-void PictureChooser::listenTo(const QString& request)
+void FileChooser::listenTo(const QString& request)
 {
     m_request = request;
     QDBusConnection::sessionBus().connect(
@@ -48,7 +64,7 @@ void PictureChooser::listenTo(const QString& request)
         SLOT(answered(uint, QVariantMap)));
 }
 
-void PictureChooser::answered(uint response, const QVariantMap& results)
+void FileChooser::answered(uint response, const QVariantMap& results)
 {
     QDBusConnection::sessionBus().disconnect(
         kService,

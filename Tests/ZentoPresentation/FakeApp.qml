@@ -26,6 +26,7 @@ QtObject {
     function pickWindow() { note("pickWindow"); panel = 3 }
     function finishWindow(id) { note("finishWindow " + id); panel = 0 }
     function displays() { return [Qt.rect(0, 0, 1440, 900)] }
+    function displayUnderPointer() { return Qt.rect(0, 0, 1440, 900) }
     function run(action) { note("run " + action); actionRequested(action) }
     function refreshActions() {}
 

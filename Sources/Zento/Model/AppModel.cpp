@@ -246,6 +246,11 @@ QVariantList AppModel::displays() const
     return list;
 }
 
+QRectF AppModel::displayUnderPointer() const
+{
+    return m_services.displayOf(Target::Display{});
+}
+
 void AppModel::run(const QString& action)
 {
     const ShortcutEntry* const entry = shortcutEntry(action.toStdString());

@@ -141,6 +141,7 @@ public:
 
     /// The displays as rectangles in points, the main one first.
     Q_INVOKABLE QVariantList displays() const;
+    Q_INVOKABLE QRectF displayUnderPointer() const;
 
     /// An action by its id, as a menu, a shortcut or the tray asks for it. What this model does not
     /// do itself comes back as `actionRequested`.

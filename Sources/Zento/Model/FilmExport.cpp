@@ -174,7 +174,7 @@ void FilmExport::filmMade(const Outcome<void>& outcome)
     }
     m_ports.library.refresh();
     if (m_job->gif.empty()) {
-        succeeded(tr("Video exported"), m_job->film);
+        succeeded(tr("Video exported"));
     } else if (isCancelling()) {
         failed({}, {});
     } else {
@@ -185,14 +185,15 @@ void FilmExport::filmMade(const Outcome<void>& outcome)
 void FilmExport::gifMade(const Outcome<void>& outcome)
 {
     if (outcome) {
-        succeeded(tr("GIF exported"), m_job->gif);
+        succeeded(tr("GIF exported"));
     } else {
         failed(tr("GIF export failed: %1"), outcome.error());
     }
 }
 
-void FilmExport::succeeded(const QString& toast, const std::filesystem::path& file)
+void FilmExport::succeeded(const QString& toast)
 {
+    const std::filesystem::path file = m_job->gif.empty() ? m_job->film : m_job->gif;
     const bool isRevealed = m_job->settings.revealAfterExport;
     end();
     if (isRevealed) {

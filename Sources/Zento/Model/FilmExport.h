@@ -116,7 +116,7 @@ private:
     void showProgress();
     void filmMade(const Outcome<void>& outcome);
     void gifMade(const Outcome<void>& outcome);
-    void succeeded(const QString& toast, const std::filesystem::path& file);
+    void succeeded(const QString& toast);
     void failed(const QString& sentence, const std::string& reason);
     void end();
 };

@@ -9,6 +9,8 @@ Item {
     property real halo: 3
     property bool pulsing: false
     property color color: Theme.record
+    // An animation in a hidden window would go on, and keep all others drawing.
+    readonly property bool isSeen: visible && Window.visibility !== Window.Hidden
 
     width: diameter
     height: diameter
@@ -29,7 +31,7 @@ Item {
         color: dot.color
     }
     SequentialAnimation on opacity {
-        running: dot.pulsing && dot.visible && !Theme.reducedMotion
+        running: dot.pulsing && dot.isSeen && !Theme.reducedMotion
         loops: Animation.Infinite
         alwaysRunToEnd: true
         NumberAnimation { to: 0.45; duration: Theme.durationRecordPulse / 2; easing.type: Easing.InOutSine }

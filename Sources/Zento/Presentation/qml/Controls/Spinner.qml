@@ -13,6 +13,6 @@ Ring {
         to: 360
         duration: 900
         loops: Animation.Infinite
-        running: spinner.visible && !Theme.reducedMotion
+        running: spinner.visible && Window.visibility !== Window.Hidden && !Theme.reducedMotion
     }
 }

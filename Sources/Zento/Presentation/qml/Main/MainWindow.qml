@@ -16,6 +16,11 @@ Window {
     minimumHeight: Theme.sizeWindowMinHeight
     title: App.library.selectedItem.name !== undefined ? qsTr("%1 — Zento").arg(App.library.selectedItem.name) : qsTr("Zento")
     color: Theme.chrome
+    // Its place is the user's from here on: a window that is shown again is not placed anew.
+    onVisibleChanged: if (!visible) {
+        x = x
+        y = y
+    }
 
     MainContent {
         id: content

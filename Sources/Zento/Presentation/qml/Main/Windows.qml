@@ -25,6 +25,7 @@ QtObject {
             visible: App.recording.countdownVisible
             takesFocus: true
             display: root.display
+            corner: 24
             panelWidth: 220
             panelHeight: 250
             panelY: display.height / 2 - 125
@@ -40,6 +41,7 @@ QtObject {
 
             visible: App.recording.stopPanelVisible
             display: root.display
+            corner: 28
             panelY: display.height - 80 - 56
             title: qsTr("Zento is recording")
             Component.onCompleted: App.model.excludeFromRecording(stop)
@@ -53,7 +55,7 @@ QtObject {
 
             visible: App.model.panel === FloatingPanel.CapturePanel
             takesFocus: true
-            display: root.displayUnderPointer()
+            display: visible ? App.model.displayUnderPointer() : Qt.rect(0, 0, 1920, 1080)
             panelWidth: 640
             panelHeight: 110
             panelY: display.height - 110 - 80
@@ -69,7 +71,7 @@ QtObject {
 
             visible: App.model.panel === FloatingPanel.WindowPicker
             takesFocus: true
-            display: root.displayUnderPointer()
+            display: visible ? App.model.displayUnderPointer() : Qt.rect(0, 0, 1920, 1080)
             panelWidth: 920
             panelHeight: 562
             panelY: (display.height - 562) / 2
@@ -118,10 +120,6 @@ QtObject {
         }
     ]
 
-    function displayUnderPointer() {
-        const displays = App.model.displays()
-        return displays.length > 0 ? displays[0] : Qt.rect(0, 0, 1920, 1080)
-    }
     function showPermissions() {
         App.model.showInspector = true
         App.model.inspectorTab = "record"

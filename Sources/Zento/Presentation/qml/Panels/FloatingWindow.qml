@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Window
+import Zento
 
 // A panel above ordinary windows, without a frame of its own. Its window is larger than the panel by
 // the room its shadow needs.
@@ -12,7 +13,8 @@ Window {
     property real panelX: (display.width - panelWidth) / 2 // from the display's corner
     property real panelY: 0
     property bool takesFocus: false
-    readonly property real room: 48
+    property real corner: 16
+    readonly property real room: shape.isBlended ? 48 : 1 // at least its hairline
     default property alias content: body.data
 
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
@@ -22,6 +24,12 @@ Window {
     height: panelHeight + 2 * room
     x: display.x + panelX - room
     y: display.y + panelY - room
+    PanelShape {
+        id: shape
+
+        window: panel
+        radius: panel.corner + 1
+    }
     Item {
         id: body
 

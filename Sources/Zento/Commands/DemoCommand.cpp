@@ -30,6 +30,7 @@ std::filesystem::path recordDemo(const std::filesystem::path& folder, Interrupti
         folder / bundleName(std::chrono::system_clock::now()),
         *desktop,
         Target::Display{},
+        Recording::Sources{},
         interruption);
     perform(script, actor, interruption.token());
     if (interruption.token().stop_requested()) {

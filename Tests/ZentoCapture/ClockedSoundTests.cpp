@@ -88,8 +88,8 @@ recorded(const ClickDevice& device, int cycles, std::size_t length, TimeOf timeO
 TEST(ClockedWav, soundWithoutGapsIsKeptAsItIs)
 {
     constexpr double kCycle = 1024.0 / kRate;
-    const auto samples = recorded(
-        ClickDevice(kRate), 200, 1024, [](int i) { return kStart + i * kCycle; });
+    const auto samples =
+        recorded(ClickDevice(kRate), 200, 1024, [](int i) { return kStart + i * kCycle; });
     EXPECT_EQ(samples.size(), 200U * 1024);
     expectInStep(samples, 1.0 / kRate, 9);
 }
@@ -130,9 +130,8 @@ TEST(ClockedWav, aDeviceThatRunsFastOrSlowStaysInStep)
     // 300 parts in a million, six times what sound hardware is allowed: 90 ms in five minutes.
     for (const double rate : {kRate * 1.0003, kRate * 0.9997}) {
         SCOPED_TRACE(rate);
-        const auto samples = recorded(ClickDevice(rate), 14060, 1024, [rate](int i) {
-            return kStart + i * 1024 / rate;
-        });
+        const auto samples = recorded(
+            ClickDevice(rate), 14060, 1024, [rate](int i) { return kStart + i * 1024 / rate; });
         expectInStep(samples, SoundClock::kDriftLimit + 0.0005, 600);
         EXPECT_EQ(std::ranges::count(samples, 0.0F), 0); // no gap was made
     }

@@ -34,7 +34,7 @@ INSTANTIATE_TEST_SUITE_P(
     Samples,
     WavWriterFormat,
     testing::Values(WavSamples::Integer16, WavSamples::Float32),
-    [](const auto& info) { return info.param == WavSamples::Float32 ? "floats" : "integers"; });
+    [](const auto& given) { return given.param == WavSamples::Float32 ? "floats" : "integers"; });
 
 TEST_P(WavWriterFormat, whatIsWrittenInStretchesIsReadAsOne)
 {
@@ -76,15 +76,15 @@ TEST(WavWriter, aFileThatIsNotFinishedIsReadUpToItsLastSecond)
         writer.append(channels);
         const Channels read = readBack(folder / "a.wav");
         ASSERT_GT(read[0].size() + kRate, block.size() * static_cast<std::size_t>(tenth));
-        EXPECT_TRUE(std::ranges::all_of(read[0], [](float s) { return std::abs(s - 0.25) < 1e-3; }));
+        EXPECT_TRUE(
+            std::ranges::all_of(read[0], [](float s) { return std::abs(s - 0.25) < 1e-3; }));
     }
 }
 
 TEST(WavWriter, aFileBeyondFourGigabytesTellsItsWholeLength)
 {
     const test::TemporaryFolder folder;
-    const WavFormat format{
-        .sampleRate = 48000, .channelCount = 2, .samples = WavSamples::Float32};
+    const WavFormat format{.sampleRate = 48000, .channelCount = 2, .samples = WavSamples::Float32};
     constexpr std::uint64_t kFrames = 650'000'000; // 3 h 45 min; 5.2 GB, all of it a hole
     const std::string header = wavHeader(format, kFrames * 8);
     EXPECT_EQ(header.size(), wavHeader(format, 0).size());

@@ -11,6 +11,7 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <cmath>
 #include <utility>
 
 namespace zento {
@@ -18,6 +19,7 @@ namespace zento {
 namespace {
 
 constexpr double kNanosecond = 1e-9;
+constexpr double kPlausible = 2; // seconds
 constexpr std::size_t kRingStretches = 2048;
 constexpr std::size_t kRingSamples = 1U << 20;
 
@@ -161,18 +163,21 @@ void PipeWireAudioStream::State::take(const spa_buffer& buffer)
     pw_loop_signal_event(loop.loop(), wake);
 }
 
-/// The cycle's time, less the way from the device and the cycles that wait behind this one.
+/// The cycle's time, less the way from the device and the cycles that wait behind this one. A stamp
+/// that is nowhere near the present is none.
 double PipeWireAudioStream::State::timeOfFirst(std::size_t length) const
 {
+    const double arrival = monotonicSeconds();
     pw_time time{};
-    if (pw_stream_get_time_n(stream, &time, sizeof time) < 0 || time.now == 0) {
-        return monotonicSeconds();
+    if (pw_stream_get_time_n(stream, &time, sizeof time) < 0) {
+        return arrival;
     }
     const double tick = time.rate.denom == 0 ? 0 : double(time.rate.num) / time.rate.denom;
     const double waiting =
         static_cast<double>(time.avail_buffers * length + time.buffered) / sampleRate;
-    return static_cast<double>(time.now) * kNanosecond - static_cast<double>(time.delay) * tick
-           - waiting;
+    const double stamp = static_cast<double>(time.now) * kNanosecond
+                         - static_cast<double>(time.delay) * tick - waiting;
+    return std::abs(stamp - arrival) < kPlausible ? stamp : arrival;
 }
 
 void PipeWireAudioStream::State::soundCame(void* self, std::uint64_t /*count*/)

@@ -19,13 +19,16 @@ SoundPlacement SoundClock::place(double time, std::size_t length)
     }
     const double error = time - *m_start - static_cast<double>(m_frames) / m_sampleRate;
     SoundPlacement placement;
-    if (std::abs(error) > kJump) {
+    // An overlap longer than a stretch goes on into the next ones, to its end.
+    if (std::abs(error) > kJump || (m_isOverlapping && error < 0)) {
         const auto frames = static_cast<std::size_t>(std::llround(std::abs(error) * m_sampleRate));
         placement.silence = error > 0 ? frames : 0;
         placement.skip = error < 0 ? std::min(frames, length) : 0;
+        m_isOverlapping = placement.skip == length;
         m_drift = 0;
         m_isCorrecting = false;
     } else {
+        m_isOverlapping = false;
         placement.stretch = drifted(error, length);
     }
     m_frames +=

@@ -25,9 +25,9 @@ struct Yuv {
 
 // One colour in the three ways cameras tell it, and as a film has it: R'G'B' (200, 60, 90).
 constexpr std::array<std::uint8_t, 3> kRgb = {200, 60, 90};
-constexpr Yuv kBt601{101, 122, 190};
-constexpr Yuv kBt709{93, 126, 190};
-constexpr Yuv kFullBt601{99, 123, 200};
+constexpr Yuv kBt601{106, 120, 187};
+constexpr Yuv kBt709{95, 127, 188};
+constexpr Yuv kFullBt601{105, 119, 196};
 constexpr int kSlack = 3;
 
 /// A picture all of one colour, with its bytes.

@@ -2,6 +2,7 @@
 
 #include "ZentoCapture/MonotonicClock.h"
 #include "ZentoCapture/SoundRing.h"
+#include "ZentoCapture/ThreadName.h"
 #include "ZentoCore/Error.h"
 
 #include <pipewire/pipewire.h>
@@ -116,6 +117,7 @@ struct PipeWireAudioStream::State {
     SoundRing ring{kRingStretches, kRingSamples};
     std::atomic<int> sampleRate = 0;
     std::atomic<bool> isHearing = true;
+    bool isThreadNamed = false; // of the real-time thread
 };
 
 PipeWireAudioStream::State::~State()
@@ -143,6 +145,9 @@ void PipeWireAudioStream::State::formatChanged(void* self, std::uint32_t id, con
 void PipeWireAudioStream::State::process(void* self)
 {
     auto& state = *static_cast<State*>(self);
+    if (!std::exchange(state.isThreadNamed, true)) {
+        nameThread("capture.sound");
+    }
     pw_buffer* const buffer = pw_stream_dequeue_buffer(state.stream);
     if (buffer == nullptr) {
         return;

@@ -32,28 +32,19 @@ void initialise()
     });
 }
 
-int nameLoopThread(
-    spa_loop* /*loop*/,
-    bool /*async*/,
-    std::uint32_t /*sequence*/,
-    const void* /*data*/,
-    std::size_t /*size*/,
-    void* name)
-{
-    nameThread(static_cast<const char*>(name));
-    return 0;
-}
-
 } // namespace
 
 struct PipeWireLoop::State {
-    explicit State(const char* threadName);
+    explicit State(const char* itsThreadName);
     ~State();
 
+    static void started(void* self, std::uint64_t count);
     static void answered(void* self, std::uint32_t id, int sequence);
     static void failed(void* self, std::uint32_t id, int sequence, int result, const char* message);
 
+    const char* threadName;
     pw_thread_loop* thread = nullptr;
+    spa_source* begun = nullptr;
     pw_context* context = nullptr;
     pw_core* core = nullptr;
     spa_hook listener{};
@@ -62,8 +53,9 @@ struct PipeWireLoop::State {
     bool isGone = false;
 };
 
-PipeWireLoop::State::State(const char* threadName)
-    : thread(pw_thread_loop_new(threadName, nullptr))
+PipeWireLoop::State::State(const char* itsThreadName)
+    : threadName(itsThreadName)
+    , thread(pw_thread_loop_new(threadName, nullptr))
 {
     if (thread == nullptr) {
         throw systemError("could not start", "a thread for PipeWire", errno);
@@ -71,6 +63,7 @@ PipeWireLoop::State::State(const char* threadName)
     events.version = PW_VERSION_CORE_EVENTS;
     events.done = &State::answered;
     events.error = &State::failed;
+    begun = pw_loop_add_event(pw_thread_loop_get_loop(thread), &State::started, this);
     context = pw_context_new(pw_thread_loop_get_loop(thread), nullptr, 0);
 }
 
@@ -83,7 +76,15 @@ PipeWireLoop::State::~State()
     if (context != nullptr) {
         pw_context_destroy(context);
     }
+    if (begun != nullptr) {
+        pw_loop_destroy_source(pw_thread_loop_get_loop(thread), begun);
+    }
     pw_thread_loop_destroy(thread);
+}
+
+void PipeWireLoop::State::started(void* self, std::uint64_t /*count*/)
+{
+    nameThread(static_cast<const State*>(self)->threadName);
 }
 
 void PipeWireLoop::State::answered(void* self, std::uint32_t id, int sequence)
@@ -120,7 +121,8 @@ PipeWireLoop::PipeWireLoop(const char* threadName)
     if (pw_thread_loop_start(state.thread) < 0) {
         throw systemError("could not start", "a thread for PipeWire", errno);
     }
-    pw_loop_invoke(loop(), &nameLoopThread, 0, nullptr, 0, true, const_cast<char*>(threadName));
+    // An event is dealt with on the loop's thread, whatever that is doing yet.
+    pw_loop_signal_event(loop(), state.begun);
 }
 
 PipeWireLoop::~PipeWireLoop() = default;

@@ -46,8 +46,8 @@ private:
 
     int m_sampleRate;
     std::optional<double> m_start;
-    std::int64_t m_frames = 0; // in the file
-    double m_drift = 0;        // seconds, smoothed
+    std::int64_t m_frames = 0;    // in the file
+    double m_drift = 0;           // seconds, smoothed
     bool m_isOverlapping = false; // all of the last stretch was left out
     bool m_isCorrecting = false;
     double m_owed = 0; // frames of a correction, less than one

@@ -33,7 +33,9 @@ bool hasNode(const std::string& name)
         PipeWireLoop loop("test.nodes");
         const PipeWireNodes nodes(loop, [] {});
         const PipeWireLoop::Lock lock(loop);
-        return loop.roundTrip() && std::ranges::find(nodes.nodes(), name, &PipeWireNode::name) != nodes.nodes().end();
+        return loop.roundTrip()
+               && std::ranges::find(nodes.nodes(), name, &PipeWireNode::name)
+                      != nodes.nodes().end();
     } catch (const Error&) {
         return false; // not up yet
     }

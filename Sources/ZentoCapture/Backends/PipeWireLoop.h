@@ -15,7 +15,8 @@ class PipeWireLoop {
     struct State;
 
 public:
-    /// `threadName`: at most 15 bytes, of static life. Throws `Error` of the system when no service answers.
+    /// `threadName`: at most 15 bytes, of static life. Throws `Error` of the system when no service
+    /// answers.
     explicit PipeWireLoop(const char* threadName);
     ~PipeWireLoop();
     PipeWireLoop(const PipeWireLoop&) = delete;

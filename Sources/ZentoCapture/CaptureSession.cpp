@@ -57,11 +57,15 @@ void createFolder(const std::filesystem::path& path)
 } // namespace
 
 CaptureSession::CaptureSession(
-    std::filesystem::path bundleURL, Desktop& desktop, ScreenWriterFactory makeWriter)
+    std::filesystem::path bundleURL,
+    Desktop& desktop,
+    ScreenWriterFactory makeWriter,
+    SideRecorderFactories sideRecorders)
     : m_bundleURL(std::move(bundleURL))
     , m_desktop(desktop)
     , m_makeWriter(std::move(makeWriter))
     , m_log(InputLog::make(desktop.elementLookup()))
+    , m_sideRecorders(m_bundleURL, std::move(sideRecorders))
 {
 }
 
@@ -80,7 +84,11 @@ void CaptureSession::start()
         }
     }();
     startWriter();
+    if (recordSystemAudio) {
+        m_sideRecorders.startSystemAudio();
+    }
     startStream(request);
+    startDevices();
     startCursorPolling();
 }
 
@@ -98,8 +106,9 @@ void CaptureSession::stop()
         throw Error(ErrorCode::kNoFrames, "no frames captured");
     }
     writer->finish();
-    const SessionBundle bundle{
+    SessionBundle bundle{
         .url = m_bundleURL, .meta = meta(*epoch), .events = m_log->finished(*epoch)};
+    m_sideRecorders.stop(*epoch, bundle.meta);
     bundle.writeMetadata();
 }
 
@@ -198,6 +207,17 @@ void CaptureSession::startStream(const FrameRequest& request)
             }
         });
     m_stream = std::move(stream);
+}
+
+/// Only when the stream is up: it is what the recording is about.
+void CaptureSession::startDevices()
+{
+    if (recordNarration) {
+        m_sideRecorders.startMicrophone(microphoneID);
+    }
+    if (recordWebcam) {
+        m_sideRecorders.startCamera(cameraID);
+    }
 }
 
 void CaptureSession::startCursorPolling()

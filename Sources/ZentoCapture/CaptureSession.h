@@ -6,6 +6,7 @@
 #include "ZentoCapture/InputLog.h"
 #include "ZentoCapture/PointerPoll.h"
 #include "ZentoCapture/ScreenWriter.h"
+#include "ZentoCapture/SideRecorders.h"
 #include "ZentoCore/Error.h"
 #include "ZentoCore/SessionMeta.h"
 
@@ -36,7 +37,8 @@ public:
     CaptureSession(
         std::filesystem::path bundleURL,
         Desktop& desktop,
-        ScreenWriterFactory makeWriter = makeScreenWriter);
+        ScreenWriterFactory makeWriter = makeScreenWriter,
+        SideRecorderFactories sideRecorders = sideRecorderFactories());
     ~CaptureSession();
     CaptureSession(const CaptureSession&) = delete;
     CaptureSession& operator=(const CaptureSession&) = delete;
@@ -49,6 +51,14 @@ public:
 
     /// What was recorded, for the metadata; `start` fills it in.
     std::optional<std::string> appName;
+
+    // What is recorded beside the screen. A recorder that cannot start is told of on standard
+    // error and left out; the recording goes on. An id that no device has means the default one.
+    bool recordNarration = false;
+    std::optional<std::string> microphoneID;
+    bool recordWebcam = false;
+    std::optional<std::string> cameraID;
+    bool recordSystemAudio = false;
 
     /// The desktop ended the capture: without an error when the user did. The recording goes on
     /// without frames until `stop`. Runs on the thread "capture.video", which must not call `stop`.
@@ -82,6 +92,7 @@ private:
     FrameRequest prepare(const DisplayInfo& display, const std::optional<WindowInfo>& window);
     void startWriter();
     void startStream(const FrameRequest& request);
+    void startDevices();
     void startCursorPolling();
     std::function<void()> refreshWindowFrame() const;
     SessionMeta meta(double epoch) const;
@@ -95,6 +106,7 @@ private:
     std::optional<RequestedWindow> m_window; // of a window's recording
     std::shared_ptr<InputLog> m_log;
     FrameIntake m_intake;
+    SideRecorders m_sideRecorders;
 
     // Torn down from the last to the first: who calls goes before what is called.
     std::unique_ptr<ScreenWriter> m_writer;

@@ -24,11 +24,15 @@ Recording::Recording(
     std::filesystem::path bundle,
     Desktop& desktop,
     const CaptureTarget& target,
+    const Sources& sources,
     Interruption& interruption)
     : m_bundle(std::move(bundle))
     , m_session(m_bundle, desktop)
 {
     m_session.target = target;
+    m_session.recordNarration = sources.microphone;
+    m_session.recordWebcam = sources.camera;
+    m_session.recordSystemAudio = sources.systemAudio;
     m_session.onStreamStopped = [&interruption](const std::optional<Error>&) {
         interruption.requestStop(); // the session has said why
     };

@@ -8,10 +8,13 @@ namespace zento::ffmpeg {
 
 namespace {
 
+constexpr int kFragmentMicroseconds = 1'000'000;
+
 const char* muxerName(Container container)
 {
     switch (container) {
     case Container::QuickTime:
+    case Container::FragmentedQuickTime:
         return "mov";
     case Container::Mp4:
         return "mp4";
@@ -62,6 +65,11 @@ void MovieFile::begin(Options& options)
 {
     if (m_container == Container::Mp4)
         options.set("movflags", "+faststart");
+    if (m_container == Container::FragmentedQuickTime) {
+        options.set("movflags", "+frag_keyframe+empty_moov+default_base_moof");
+        options.set("frag_duration", kFragmentMicroseconds);
+        m_output->flags |= AVFMT_FLAG_FLUSH_PACKETS; // a fragment is in the file when it ends
+    }
     check(avformat_write_header(m_output.get(), options.address()));
 }
 

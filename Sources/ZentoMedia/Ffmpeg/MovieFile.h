@@ -9,9 +9,9 @@
 
 namespace zento::ffmpeg {
 
-/// `QuickTime` sets room for its index aside while it is written; `Mp4` has its index in front;
-/// `M4a` is sound alone.
-enum class Container { QuickTime, Mp4, M4a };
+/// `QuickTime` sets room for its index aside while it is written; `FragmentedQuickTime` is complete
+/// up to its last second at any moment; `Mp4` has its index in front; `M4a` is sound alone.
+enum class Container { QuickTime, FragmentedQuickTime, Mp4, M4a };
 
 /// A movie file in the making: tracks, header, packets, then the index.
 ///

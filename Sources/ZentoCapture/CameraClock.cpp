@@ -1,0 +1,22 @@
+#include "ZentoCapture/CameraClock.h"
+
+#include <cmath>
+
+namespace zento {
+
+double CameraClock::place(std::optional<double> stamp, double arrival)
+{
+    if (!m_start) {
+        m_start = arrival;
+    }
+    const double byArrival = arrival - *m_start;
+    if (!stamp) {
+        return byArrival;
+    }
+    if (!m_stampAtStart || std::abs(*stamp - *m_stampAtStart - byArrival) > kStray) {
+        m_stampAtStart = *stamp - byArrival;
+    }
+    return *stamp - *m_stampAtStart;
+}
+
+} // namespace zento

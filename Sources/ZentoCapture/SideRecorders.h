@@ -1,0 +1,48 @@
+#pragma once
+
+#include "ZentoCapture/SideRecorder.h"
+#include "ZentoCore/SessionMeta.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace zento {
+
+/// The side recorders of one recording. One that cannot start is told of on standard error and
+/// left out; one that fails leaves no file and no offset.
+///
+/// Threading: as `SideRecorder`.
+class SideRecorders {
+public:
+    SideRecorders(std::filesystem::path bundleURL, SideRecorderFactories factories);
+
+    void startSystemAudio();
+    void startMicrophone(const std::optional<std::string>& deviceID);
+    void startCamera(const std::optional<std::string>& deviceID);
+
+    /// Ends all. `meta` gets the offsets from the epoch, in seconds of CLOCK_MONOTONIC; the files
+    /// of those that get none are deleted.
+    void stop(double epoch, SessionMeta& meta);
+
+private:
+    struct Running {
+        std::filesystem::path file;
+        std::unique_ptr<SideRecorder> recorder; // none: did not start
+    };
+
+    Running started(
+        const char* what,
+        const std::filesystem::path& file,
+        std::unique_ptr<SideRecorder> recorder,
+        const std::optional<std::string>& deviceID) const;
+
+    std::filesystem::path m_bundleURL;
+    SideRecorderFactories m_factories;
+    Running m_microphone;
+    Running m_camera;
+    Running m_systemAudio;
+};
+
+} // namespace zento

@@ -1,0 +1,91 @@
+#include "SoundStage/PrivateSound.h"
+
+#include "Zento/Demo/Programs.h"
+#include "Zento/Demo/Waiting.h"
+#include "ZentoCapture/Backends/PipeWireNodes.h"
+#include "ZentoCore/Error.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace zento::test {
+
+namespace {
+
+constexpr double kPatience = 15; // seconds
+
+constexpr std::string_view kOutputs = R"(
+context.objects = [
+  { factory = adapter args = {
+      factory.name = support.null-audio-sink  node.name = speakers  media.class = Audio/Sink
+      audio.position = [ FL FR ]  priority.session = 2000  object.linger = true } }
+  { factory = adapter args = {
+      factory.name = support.null-audio-sink  node.name = headphones  media.class = Audio/Sink
+      audio.position = [ FL FR ]  priority.session = 1000  object.linger = true } }
+]
+)";
+
+} // namespace
+
+bool hasNode(const std::string& name)
+{
+    try {
+        PipeWireLoop loop("test.nodes");
+        const PipeWireNodes nodes(loop, [] {});
+        const PipeWireLoop::Lock lock(loop);
+        return loop.roundTrip()
+               && std::ranges::find(nodes.nodes(), name, &PipeWireNode::name)
+                      != nodes.nodes().end();
+    } catch (const Error&) {
+        return false; // not up yet
+    }
+}
+
+PrivateSound::PrivateSound(PrivateDesktop& desktop)
+    : m_desktop(desktop)
+{
+    desktop.home().writeFile(".config/pipewire/pipewire.conf.d/outputs.conf", kOutputs);
+    desktop.start({program("pipewire")});
+    const auto socket =
+        std::filesystem::path(desktop.environment().at("XDG_RUNTIME_DIR")) / "pipewire-0";
+    waitUntil([&] { return std::filesystem::exists(socket); }, kPatience, "no PipeWire", {});
+    desktop.start({program("wireplumber")});
+    waitForNode(kSpeakers);
+    waitForNode(kHeadphones);
+}
+
+pid_t PrivateSound::plugInMicrophone(const std::string& name)
+{
+    const pid_t microphone = m_desktop.start(
+        {program("pw-loopback"),
+         "--channels=1",
+         "--channel-map=[ MONO ]",
+         "--capture-props={ media.class=Audio/Sink node.name=" + name + "-feed }",
+         "--playback-props={ media.class=Audio/Source node.name=" + name + " }"});
+    waitForNode(name);
+    waitForNode(name + "-feed");
+    return microphone;
+}
+
+void PrivateSound::setDefaultOutput(const std::string& name)
+{
+    m_desktop.start(
+        {program("pw-metadata"),
+         "0",
+         "default.configured.audio.sink",
+         R"({ "name": ")" + name + R"(" })",
+         "Spa:String:JSON"});
+}
+
+std::string PrivateSound::program(const std::string& name) const
+{
+    const std::string package = name == "wireplumber" || name == "pipewire" ? name : "pipewire-bin";
+    return requireProgram(name, package, m_desktop.environment().at("PATH"));
+}
+
+void PrivateSound::waitForNode(const std::string& name)
+{
+    waitUntil([&] { return hasNode(name); }, kPatience, "there is no " + name, {});
+}
+
+} // namespace zento::test

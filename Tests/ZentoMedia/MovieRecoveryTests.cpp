@@ -11,10 +11,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace zento {
@@ -26,39 +24,10 @@ using testing::HasSubstr;
 constexpr VideoSize kSize{64, 48};
 constexpr double kTick = 1.0 / 60000;
 
-/// How many whole pictures a movie holds at this moment.
-std::size_t readableCount(const std::filesystem::path& path)
-{
-    try {
-        return readFrames(path).size();
-    } catch (const Error&) {
-        return 0;
-    }
-}
-
-void append(ProResWriter& writer, const NumberedFrame& frame)
-{
-    const auto picture = numberedRecordedPicture(frame.number, kSize.width, kSize.height);
-    while (!writer.append(picture.planes, frame.time))
-        std::this_thread::yield();
-}
-
-/// False if the movie does not come to hold so many within a time that only a fault takes.
-bool comesToHold(const std::filesystem::path& path, std::size_t count)
-{
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (readableCount(path) < count && std::chrono::steady_clock::now() < end)
-        std::this_thread::yield();
-    return readableCount(path) == count;
-}
-
 /// The file a recording of these frames leaves when its process is killed a little later.
 std::string cutShort(const std::filesystem::path& path, const std::vector<NumberedFrame>& frames)
 {
-    ProResWriter writer(path, kSize.width, kSize.height);
-    for (const NumberedFrame& frame : frames)
-        append(writer, frame);
-    EXPECT_TRUE(comesToHold(path, frames.size()));
+    writeGrowingRecording(path, kSize, frames);
     return readFile(path);
 }
 
@@ -74,10 +43,10 @@ TEST(GrowingMovie, holdsAFrameSoonEvenIfNoneFollows)
 {
     const TemporaryFolder folder;
     ProResWriter writer(folder / "screen.mov", kSize.width, kSize.height);
-    append(writer, {1, 0});
+    appendNumbered(writer, kSize, {1, 0});
     EXPECT_TRUE(comesToHold(folder / "screen.mov", 1));
-    append(writer, {2, 8});
-    append(writer, {3, 8.1});
+    appendNumbered(writer, kSize, {2, 8});
+    appendNumbered(writer, kSize, {3, 8.1});
     EXPECT_TRUE(comesToHold(folder / "screen.mov", 3));
     writer.finish();
     EXPECT_EQ(readNumbers(folder / "screen.mov").size(), 3U);
@@ -175,7 +144,7 @@ TEST(GrowingMovie, writingToARemovedFolderIsTold)
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder / "bundle");
     ProResWriter writer(folder / "bundle/screen.mov", kSize.width, kSize.height);
-    append(writer, {1, 0});
+    appendNumbered(writer, kSize, {1, 0});
     std::filesystem::remove_all(folder / "bundle");
     EXPECT_THROW(writer.finish(), Error);
 }

@@ -103,7 +103,8 @@ void GrowingMovie::write(AVPacket& packet, AVRational timeBase)
     m_pending.push_back(std::move(pending));
     const bool isLong =
         av_compare_ts(end - m_pending.front()->dts, m_timeBase, 1, kFragmentSeconds) >= 0;
-    if (isLong || m_pendingBytes >= kFragmentBytes)
+    const bool isFirst = m_sequence == 0; // without one the file is no movie
+    if (isFirst || isLong || m_pendingBytes >= kFragmentBytes)
         flush();
 }
 

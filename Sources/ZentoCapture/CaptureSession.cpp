@@ -1,5 +1,6 @@
 #include "ZentoCapture/CaptureSession.h"
 
+#include "ZentoCapture/BundleCompletion.h"
 #include "ZentoCapture/MonotonicClock.h"
 #include "ZentoCore/SessionBundle.h"
 
@@ -84,6 +85,7 @@ void CaptureSession::start()
         }
     }();
     startWriter();
+    startJournal();
     if (recordSystemAudio) {
         m_sideRecorders.startSystemAudio();
     }
@@ -101,6 +103,7 @@ void CaptureSession::stop()
     }
     m_intake.setWriter(nullptr);
     const auto writer = std::exchange(m_writer, nullptr);
+    auto journal = std::exchange(m_journal, nullptr); // a stop that fails leaves it complete
     const std::optional<double> epoch = m_intake.epoch();
     if (!epoch) {
         throw Error(ErrorCode::kNoFrames, "no frames captured");
@@ -109,7 +112,9 @@ void CaptureSession::stop()
     SessionBundle bundle{
         .url = m_bundleURL, .meta = meta(*epoch), .events = m_log->finished(*epoch)};
     m_sideRecorders.stop(*epoch, bundle.meta);
-    bundle.writeMetadata();
+    complete(bundle);
+    journal.reset();
+    removeJournal(m_bundleURL);
 }
 
 void CaptureSession::startEventTap()
@@ -195,11 +200,43 @@ void CaptureSession::startWriter()
     m_intake.setWriter(m_writer.get());
 }
 
+/// The recording does not depend on it.
+void CaptureSession::startJournal()
+{
+    try {
+        m_journal = std::make_unique<Journal>(m_bundleURL, meta(0), [this, log = m_log] {
+            return Journal::News{log->takeNews(), m_sideRecorders.startTimes()};
+        });
+    } catch (const Error& error) {
+        std::cerr << "warning: the recording's journal: " << error.what() << '\n';
+    }
+}
+
+FrameVerdict CaptureSession::handle(const CapturedFrame& frame)
+{
+    const FrameVerdict verdict = m_intake.handle(frame);
+    if (m_journal && m_intake.epoch()) {
+        m_journal->setEpoch(*m_intake.epoch());
+    }
+    if (verdict == FrameVerdict::Refused && m_writer->hasFailed()) {
+        reportFailedWriter();
+    }
+    return verdict;
+}
+
+/// Once. Nobody should go on in front of a recording that takes nothing in.
+void CaptureSession::reportFailedWriter()
+{
+    if (!std::exchange(m_hasReported, true) && onStreamStopped) {
+        onStreamStopped(Error(ErrorCode::kMovieNotFinished, "the movie can no longer be written"));
+    }
+}
+
 void CaptureSession::startStream(const FrameRequest& request)
 {
     auto stream = m_desktop.frameSource(request);
     stream->start(
-        [this](const CapturedFrame& frame) { return m_intake.handle(frame); },
+        [this](const CapturedFrame& frame) { return handle(frame); },
         [stopped = onStreamStopped](const std::optional<Error>& error) {
             std::cerr << "stream stopped: " << (error ? error->what() : "by the user") << '\n';
             if (stopped) {

@@ -4,6 +4,7 @@
 #include "ZentoCapture/Desktop.h"
 #include "ZentoCapture/FrameIntake.h"
 #include "ZentoCapture/InputLog.h"
+#include "ZentoCapture/Journal.h"
 #include "ZentoCapture/PointerPoll.h"
 #include "ZentoCapture/ScreenWriter.h"
 #include "ZentoCapture/SideRecorders.h"
@@ -27,7 +28,7 @@ namespace zento {
 /// and a still screen leaves a gap.
 ///
 /// The fields are set before `start`. Dropping a session that was not stopped leaves the folder
-/// without "meta.json": an orphan for the caller to remove.
+/// without "meta.json": an orphan for the caller to remove, or for `recover` to complete.
 ///
 /// Threading: `start` and `stop` block, and are called by one thread at a time; the counters may be
 /// read by any thread meanwhile.
@@ -60,8 +61,9 @@ public:
     std::optional<std::string> cameraID;
     bool recordSystemAudio = false;
 
-    /// The desktop ended the capture: without an error when the user did. The recording goes on
-    /// without frames until `stop`. Runs on the thread "capture.video", which must not call `stop`.
+    /// The desktop ended the capture, without an error when the user did; or the movie can no
+    /// longer be written. The recording goes on without frames until `stop`. Runs on the thread
+    /// "capture.video", which must not call `stop`.
     std::function<void(const std::optional<Error>&)> onStreamStopped;
 
     /// Returns when the capture runs. Listening for input is the first thing to start, so that a
@@ -75,7 +77,7 @@ public:
     /// Returns when the bundle is written.
     ///
     /// Throws `Error`: 23 "no frames captured", or what the writer or the folder say; no metadata
-    /// is written then.
+    /// is written then, and the journal stays.
     void stop();
 
     /// The epoch in seconds of CLOCK_MONOTONIC; to be read after `stop`. None without a frame.
@@ -91,6 +93,9 @@ private:
     std::optional<WindowInfo> chosenWindow() const;
     FrameRequest prepare(const DisplayInfo& display, const std::optional<WindowInfo>& window);
     void startWriter();
+    void startJournal();
+    FrameVerdict handle(const CapturedFrame& frame);
+    void reportFailedWriter();
     void startStream(const FrameRequest& request);
     void startDevices();
     void startCursorPolling();
@@ -107,6 +112,9 @@ private:
     std::shared_ptr<InputLog> m_log;
     FrameIntake m_intake;
     SideRecorders m_sideRecorders;
+
+    bool m_hasReported = false;         // that the writer failed
+    std::unique_ptr<Journal> m_journal; // absent where it could not be made
 
     // Torn down from the last to the first: who calls goes before what is called.
     std::unique_ptr<ScreenWriter> m_writer;

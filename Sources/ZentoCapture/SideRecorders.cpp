@@ -26,26 +26,32 @@ SideRecorders::SideRecorders(std::filesystem::path bundleURL, SideRecorderFactor
 
 void SideRecorders::startSystemAudio()
 {
-    m_systemAudio = started("system audio", "system.wav", m_factories.systemAudio(), {});
+    auto running = started("system audio", SideFile::SystemAudio, m_factories.systemAudio(), {});
+    const std::lock_guard lock(m_mutex);
+    m_systemAudio = std::move(running);
 }
 
 void SideRecorders::startMicrophone(const std::optional<std::string>& deviceID)
 {
-    m_microphone = started("microphone", "narration.wav", m_factories.microphone(), deviceID);
+    auto running = started("microphone", SideFile::Narration, m_factories.microphone(), deviceID);
+    const std::lock_guard lock(m_mutex);
+    m_microphone = std::move(running);
 }
 
 void SideRecorders::startCamera(const std::optional<std::string>& deviceID)
 {
-    m_camera = started("camera", "webcam.mov", m_factories.camera(), deviceID);
+    auto running = started("camera", SideFile::Webcam, m_factories.camera(), deviceID);
+    const std::lock_guard lock(m_mutex);
+    m_camera = std::move(running);
 }
 
 SideRecorders::Running SideRecorders::started(
     const char* what,
-    const std::filesystem::path& file,
+    SideFile file,
     std::unique_ptr<SideRecorder> recorder,
     const std::optional<std::string>& deviceID) const
 {
-    const std::filesystem::path path = m_bundleURL / file;
+    const std::filesystem::path path = m_bundleURL / fileName(file);
     try {
         recorder->start(path, deviceID);
         return {path, std::move(recorder)};
@@ -69,9 +75,25 @@ void SideRecorders::stop(double epoch, SessionMeta& meta)
         removeFile(running.file);
         return {};
     };
+    const std::lock_guard lock(m_mutex);
     meta.narrationOffset = stopped(m_microphone);
     meta.webcamOffset = stopped(m_camera);
     meta.systemAudioOffset = stopped(m_systemAudio);
+}
+
+std::map<SideFile, double> SideRecorders::startTimes() const
+{
+    const std::lock_guard lock(m_mutex);
+    std::map<SideFile, double> times;
+    const auto add = [&times](SideFile file, const Running& running) {
+        if (const auto time = running.recorder ? running.recorder->startTime() : std::nullopt) {
+            times[file] = *time;
+        }
+    };
+    add(SideFile::Narration, m_microphone);
+    add(SideFile::Webcam, m_camera);
+    add(SideFile::SystemAudio, m_systemAudio);
+    return times;
 }
 
 } // namespace zento

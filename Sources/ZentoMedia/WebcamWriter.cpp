@@ -50,7 +50,7 @@ struct WebcamWriter::State {
         : path(target)
         , movie(
               target,
-              Container::FragmentedQuickTime,
+              MovieForm::QuickTime,
               openWebcamEncoder(target),
               kLastFrameTicks,
               ErrorCode::kCameraNotWritten)

@@ -32,6 +32,9 @@ usage:
   zento render BUNDLE [--settings FILE] [--output FILE] [--gif]
       renders the film of a recording, beside it or to FILE; with --gif, or a FILE ending in .gif,
       the film beside it and a GIF of it, beside it or to FILE
+  zento recover BUNDLE
+      completes a recording whose program was killed, with at most its last second missing; prints
+      the bundle's folder
   zento demo [--output FOLDER]
       records a scripted session on a display of its own and renders it
   zento --help | --version
@@ -42,10 +45,11 @@ struct Subcommand {
     void (*run)(std::span<const std::string_view>);
 };
 
-constexpr std::array<Subcommand, 4> kSubcommands{{
+constexpr std::array<Subcommand, 5> kSubcommands{{
     {"record", record},
     {"plan", plan},
     {"render", render},
+    {"recover", recover},
     {"demo", demo},
 }};
 

@@ -8,20 +8,9 @@ namespace zento::ffmpeg {
 
 namespace {
 
-constexpr int kFragmentMicroseconds = 1'000'000;
-
 const char* muxerName(Container container)
 {
-    switch (container) {
-    case Container::QuickTime:
-    case Container::FragmentedQuickTime:
-        return "mov";
-    case Container::Mp4:
-        return "mp4";
-    case Container::M4a:
-        break;
-    }
-    return "ipod";
+    return container == Container::Mp4 ? "mp4" : "ipod";
 }
 
 } // namespace
@@ -51,25 +40,15 @@ int MovieFile::isStopped(void* token)
     return static_cast<const std::stop_token*>(token)->stop_requested() ? 1 : 0;
 }
 
-AVStream& MovieFile::addTrack(const AVCodecParameters& parameters, AVRational timeBase)
+AVStream& MovieFile::addTrack(const TrackFormat& format)
 {
-    AVStream* track = avformat_new_stream(m_output.get(), nullptr);
-    if (track == nullptr)
-        throw std::bad_alloc();
-    check(avcodec_parameters_copy(track->codecpar, &parameters));
-    track->time_base = timeBase;
-    return *track;
+    return ffmpeg::addTrack(*m_output, format);
 }
 
 void MovieFile::begin(Options& options)
 {
     if (m_container == Container::Mp4)
         options.set("movflags", "+faststart");
-    if (m_container == Container::FragmentedQuickTime) {
-        options.set("movflags", "+frag_keyframe+empty_moov+default_base_moof");
-        options.set("frag_duration", kFragmentMicroseconds);
-        m_output->flags |= AVFMT_FLAG_FLUSH_PACKETS; // a fragment is in the file when it ends
-    }
     check(avformat_write_header(m_output.get(), options.address()));
 }
 

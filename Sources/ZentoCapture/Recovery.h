@@ -9,6 +9,11 @@
 
 namespace zento {
 
+namespace ErrorCode {
+inline constexpr int kNotRecoverable = 70; // too little is left of a recording that was cut short
+inline constexpr int kStillRecording = 71; // a program is at work on the recording
+} // namespace ErrorCode
+
 /// What became of a bundle.
 struct Recovery {
     enum class Outcome : unsigned char {

@@ -71,8 +71,6 @@ inline constexpr int kDesktopFailed = 61; // a program of a private desktop did 
 inline constexpr int kElementMissing = 62; // no window shows what the demo's script names
 inline constexpr int kDemoStopped = 63;    // by the user, before its stage was set
 inline constexpr int kUntypeable = 64;     // no key of the display's layout types the character
-inline constexpr int kNotRecoverable = 70; // too little is left of a recording that was cut short
-inline constexpr int kStillRecording = 71; // a program is at work on the recording
 } // namespace ErrorCode
 
 /// An `Error` of the domain "errno": "{action} {path}: {the system's text}".

@@ -32,8 +32,7 @@ constexpr int kLastFrameTicks = 1000;
 // disk or the processor may cost before frames drop: 83 ms at 60 pictures a second.
 constexpr int kPictures = 8;
 
-// When no picture has come for that long, those in the encoder's hands are fetched. Making the
-// encoder anew costs 0.KK ms.
+// When no picture has come for that long, those in the encoder's hands are fetched.
 constexpr auto kSettleTime = std::chrono::milliseconds(150);
 
 CodecHandle openMovieEncoder(const std::filesystem::path& path, int width, int height, int threads)

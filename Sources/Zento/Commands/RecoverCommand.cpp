@@ -3,7 +3,7 @@
 #include "Zento/Commands/Subcommands.h"
 #include "ZentoCapture/Recovery.h"
 
-#include <format>
+#include <iomanip>
 #include <iostream>
 
 namespace zento {
@@ -17,8 +17,8 @@ void recover(std::span<const std::string_view> words)
     if (recovery.outcome == Recovery::Outcome::WasComplete) {
         std::cerr << "This recording is complete; there is nothing to recover.\n";
     } else {
-        std::cerr << std::format(
-            "Recovered {:.1f} seconds, {} frames.\n", recovery.duration, recovery.frameCount);
+        std::cerr << "Recovered " << std::fixed << std::setprecision(1) << recovery.duration
+                  << " seconds, " << recovery.frameCount << " frames.\n";
     }
     for (const SideFile file : recovery.lost) {
         std::cerr << "There was nothing to recover in " << fileName(file) << "; it is removed.\n";

@@ -172,6 +172,28 @@ bool report(
     return isGood;
 }
 
+/// How far a track's events lie from whole periods after its first one: that of the track alone,
+/// also on a machine too busy to show a flash in time.
+void reportSteadiness(const char* name, const std::vector<double>& events)
+{
+    double least = 0;
+    double most = 0;
+    double last = 0;
+    for (const double event : events) {
+        const double since = event - events.front();
+        last = since - std::round(since / kPeriod) * kPeriod;
+        least = std::min(least, last);
+        most = std::max(most, last);
+    }
+    std::printf(
+        "%-13s %5zu %9.2f %9.2f %9.2f\n",
+        name,
+        events.size(),
+        1000 * least,
+        1000 * most,
+        1000 * last);
+}
+
 bool analyse(const Recorded& recorded, double seconds)
 {
     const SessionBundle bundle = SessionBundle::load(recorded.bundle);
@@ -205,6 +227,18 @@ bool analyse(const Recorded& recorded, double seconds)
         distances(screen, flashes(bundle.webcamURL()), bundle.meta.webcamOffset),
         bundle.meta.duration,
         kCamera);
+    std::printf(
+        "\nmilliseconds of each track from whole seconds after its own first event:\n"
+        "%-13s %5s %9s %9s %9s\n",
+        "track",
+        "count",
+        "least",
+        "most",
+        "last");
+    reportSteadiness("screen", screen);
+    reportSteadiness("system audio", beeps(bundle.systemAudioURL()));
+    reportSteadiness("microphone", beeps(bundle.narrationURL()));
+    reportSteadiness("camera", flashes(bundle.webcamURL()));
     std::printf("\nprocessor time by thread, in hundredths of a core:\n");
     for (const auto& [name, time] : recorded.threads) {
         std::printf("  %-16s %6.2f\n", name.c_str(), 100 * time / seconds);

@@ -1,5 +1,6 @@
 #include "ZentoCapture/CameraClock.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace zento {
@@ -16,7 +17,9 @@ double CameraClock::place(std::optional<double> stamp, double arrival)
     if (!m_stampAtStart || std::abs(*stamp - *m_stampAtStart - byArrival) > kStray) {
         m_stampAtStart = *stamp - byArrival;
     }
-    return *stamp - *m_stampAtStart;
+    const double time = *stamp - *m_stampAtStart;
+    m_start = std::min(*m_start, arrival - time);
+    return time;
 }
 
 } // namespace zento

@@ -67,6 +67,7 @@ struct CameraRecorder::State {
     WebcamWriter writer;
     CameraClock clock;
     std::atomic<double> startTime = std::numeric_limits<double>::quiet_NaN(); // not yet
+    bool hasPicture = false;                    // of the loop's thread, as is the next
     bool hasFailed = false;                     // of the loop's thread
     std::optional<PipeWireCameraStream> stream; // goes first: it feeds the rest
 };
@@ -91,8 +92,11 @@ void CameraRecorder::State::append(const CameraFrame& frame) noexcept
     }
     try {
         const double time = clock.place(frame.stamp, frame.arrival);
-        if (writer.append(frame.picture, time) && std::isnan(startTime)) {
-            startTime = frame.arrival - time;
+        if (writer.append(frame.picture, time)) {
+            hasPicture = true;
+        }
+        if (hasPicture) {
+            startTime = *clock.start();
         }
     } catch (const std::exception&) {
         hasFailed = true;

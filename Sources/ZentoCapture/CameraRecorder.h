@@ -6,8 +6,8 @@ namespace zento {
 
 /// Records a camera into an H.264 movie of 1280 × 720 pixels (see `WebcamWriter`).
 ///
-/// The movie's start is when its first picture arrived: a camera's own stamps need not lie on our
-/// clock. Between pictures they are what counts, unless they stray from it. A picture that comes
+/// A camera's own stamps need not lie on our clock: the movie's start is told by when its pictures
+/// arrive (see `CameraClock`). A picture that comes
 /// while another is being encoded takes the place of the ones that wait.
 class CameraRecorder final : public SideRecorder {
 public:

@@ -58,8 +58,10 @@ pid_t PrivateSound::plugInMicrophone(const std::string& name)
 {
     const pid_t microphone = m_desktop.start(
         {program("pw-loopback"),
-         "--channels=1",
-         "--channel-map=[ MONO ]",
+         "-c",
+         "1",
+         "-m",
+         "[ MONO ]",
          "--capture-props={ media.class=Audio/Sink node.name=" + name + "-feed }",
          "--playback-props={ media.class=Audio/Source node.name=" + name + " }"});
     waitForNode(name);

@@ -228,15 +228,19 @@ TEST(SoundRing, refusesWhatHasNoRoom)
 TEST(CameraClock, theCamerasStampsCountUntilTheyStray)
 {
     CameraClock clock;
-    // On a clock of the camera's own, arriving late by turns.
-    EXPECT_DOUBLE_EQ(clock.place(77.0, 100.0), 0);
+    // On a clock of the camera's own. The first picture is held up by 0.3 s, others by less.
+    EXPECT_DOUBLE_EQ(clock.place(77.0, 100.3), 0);
+    EXPECT_DOUBLE_EQ(clock.start().value(), 100.3);
     EXPECT_NEAR(clock.place(77.1, 100.13), 0.1, 1e-9);
     EXPECT_NEAR(clock.place(77.2, 100.2), 0.2, 1e-9);
+    EXPECT_NEAR(clock.place(77.3, 100.9), 0.3, 1e-9);
+    EXPECT_NEAR(clock.start().value(), 100.0, 1e-9);
     // Another camera, whose stamps begin elsewhere.
     EXPECT_NEAR(clock.place(3.0, 101.0), 1.0, 1e-9);
     EXPECT_NEAR(clock.place(3.1, 101.11), 1.1, 1e-9);
     // One without stamps.
     EXPECT_NEAR(clock.place({}, 102.0), 2.0, 1e-9);
+    EXPECT_NEAR(clock.start().value(), 100.0, 1e-9);
 }
 
 } // namespace

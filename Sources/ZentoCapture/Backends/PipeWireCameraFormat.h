@@ -5,9 +5,9 @@
 #include <optional>
 #include <vector>
 
-struct spa_buffer;
-struct spa_pod;
-struct spa_pod_builder;
+struct spa_buffer;      // NOLINT(readability-identifier-naming): the library's own name
+struct spa_pod;         // NOLINT(readability-identifier-naming): the library's own name
+struct spa_pod_builder; // NOLINT(readability-identifier-naming): the library's own name
 
 namespace zento {
 

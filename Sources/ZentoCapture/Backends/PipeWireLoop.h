@@ -2,8 +2,8 @@
 
 #include <memory>
 
-struct pw_core;
-struct pw_loop;
+struct pw_core; // NOLINT(readability-identifier-naming): the library's own name
+struct pw_loop; // NOLINT(readability-identifier-naming): the library's own name
 
 namespace zento {
 

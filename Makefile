@@ -4,7 +4,8 @@
 #   make test    build, then run every test          make bench   timings as ratios in one run
 #   make sync    two minutes of flashes and beeps, recorded: how far apart they end up
 #   make sheets  what is drawn, as pictures to be looked at, into build/sheets
-#   make lint    formatting, includes, clang-tidy    make format  rewrite the formatting
+#   make lint    style, clang-tidy (minutes)         make style   formatting and includes (seconds)
+#   make format  rewrite the formatting
 #   make asan    tests under address and undefined-behaviour sanitizers
 #   make tsan    tests under the thread sanitizer    make fuzz    the fuzzers, FUZZ_SECONDS each
 SHELL := /bin/bash
@@ -12,7 +13,7 @@ BUILD := build/release
 JOBS := $(shell nproc)
 FUZZ_SECONDS ?= 60
 
-.PHONY: run test build bench sync sheets lint format asan tsan fuzz clean
+.PHONY: run test build bench sync sheets lint style format asan tsan fuzz clean
 
 run:
 	@tools/install-packages.sh build run test
@@ -37,7 +38,12 @@ sheets:
 	@tools/build.sh release contact_sheets
 	@$(BUILD)/contact_sheets build/sheets && echo build/sheets
 
-lint:
+style:
+	@tools/install-packages.sh lint
+	@tools/format.sh -n
+	@tools/check-includes.sh
+
+lint: style
 	@tools/install-packages.sh build test lint
 	@tools/lint.sh
 

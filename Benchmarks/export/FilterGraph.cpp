@@ -8,7 +8,9 @@
 #include "ZentoRender/SourceReader.h"
 
 #include <cmath>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zento::bench {
@@ -39,8 +41,11 @@ void savePictures(
 {
     SourceReader reader(bundle.screenMovieURL());
     FrameCompositor compositor(plan.output, plan.style, reader.naturalSize());
+    auto source = reader.frame(0);
+    if (!source)
+        throw std::runtime_error("the recording has no picture");
     const FrameLayers layers = {
-        .source = reader.frame(0).value(),
+        .source = *std::move(source),
         .camera = {.center = plan.camera.front().center, .zoom = 1},
         .cursor = {},
         .ripples = {}};

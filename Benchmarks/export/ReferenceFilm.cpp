@@ -17,6 +17,7 @@
 #include <future>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <vector>
 
 namespace zento::bench {
@@ -43,6 +44,14 @@ double processSeconds()
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
+VideoFrame frameAt(SourceReader& reader, double time)
+{
+    auto frame = reader.frame(time);
+    if (!frame)
+        throw std::runtime_error("the recording has no picture");
+    return *std::move(frame);
+}
+
 int frameCount(const EditPlan& plan, const RemapCurve& curve)
 {
     return static_cast<int>(curve.outputDuration() * plan.output.fps);
@@ -66,7 +75,7 @@ public:
         m_tOut = 1 / m_fps * i;
         m_sourceTime = m_curve.sourceTime(m_tOut);
         m_webcamFrame = m_webcam.frame(m_sourceTime);
-        return m_reader.frame(m_sourceTime).value();
+        return frameAt(m_reader, m_sourceTime);
     }
     std::shared_ptr<const Picture> compose(VideoFrame frame)
     {
@@ -109,7 +118,7 @@ void decodeAndEncode(
     BoundedQueue<VideoFrame> decoded(kQueued);
     auto decoding = std::async(std::launch::async, [&] {
         for (const double time : sourceTimes)
-            decoded.push(reader.frame(time).value());
+            decoded.push(frameAt(reader, time));
         decoded.close();
     });
     auto encoding = std::async(std::launch::async, [&] {

@@ -35,7 +35,7 @@ public:
     std::filesystem::path finish();
 
     /// The recording's epoch in seconds of the monotonic clock; only after `finish`.
-    double epoch() const { return m_session.epoch().value(); }
+    double epoch() const { return m_session.epoch().value_or(0); }
 
 private:
     std::filesystem::path m_bundle;

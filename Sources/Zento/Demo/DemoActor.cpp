@@ -96,7 +96,7 @@ void DemoActor::carryOut(const MoveStep& step, const std::stop_token& stop)
 void DemoActor::carryOut(const ClickStep& step, const std::stop_token& stop)
 {
     moveOnto(step.target, step.spot, stop);
-    m_pointer.click(step.button, stop);
+    m_pointer.click(PointerButton::Left, stop);
 }
 
 void DemoActor::carryOut(const MenuStep& step, const std::stop_token& stop)
@@ -111,8 +111,7 @@ void DemoActor::carryOut(const MenuStep& step, const std::stop_token& stop)
         sleepFor(kBeforeChoosing, stop);
         isOpen = awaitFor(kMenuSeconds, step.item, stop).has_value();
     }
-    moveOnto(step.item, Spot::Middle, stop);
-    m_pointer.click(PointerButton::Left, stop);
+    carryOut(ClickStep{step.item}, stop);
 }
 
 void DemoActor::carryOut(const TypeStep& step, const std::stop_token& stop)

@@ -66,7 +66,7 @@ std::vector<DemoStep> demoScript()
         PauseStep{0.4},
         ScrollStep{inEditor("text", ""), WheelDirection::Up, 4},
         PauseStep{0.2},
-        ClickStep{clickBehind(notesLine(std::string(kLine)))},
+        clickBehind(notesLine(std::string(kLine))),
         TypeStep{": "},
         MenuStep{
             .target = notesLine(std::string(kLine) + ": "),

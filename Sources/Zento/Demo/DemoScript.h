@@ -25,7 +25,6 @@ struct MoveStep {
 
 struct ClickStep {
     ElementQuery target;
-    PointerButton button = PointerButton::Left;
     Spot spot = Spot::Middle;
 };
 

@@ -18,7 +18,8 @@ const X11Connection& checked(const X11Connection& connection, const PixelRect& r
         throw Error(
             ErrorCode::kNoDisplay, "what is to be recorded does not lie wholly on the desktop");
     }
-    return connection;
+    return connection; // NOLINT(bugprone-return-const-ref-from-parameter): the caller's, which
+                       // stays
 }
 
 } // namespace

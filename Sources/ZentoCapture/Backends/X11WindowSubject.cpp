@@ -116,7 +116,7 @@ bool X11WindowSubject::draw(X11Frames& frames, Want)
     if (m_mustPlace && !place()) {
         return false;
     }
-    if (m_pixmap.get() == XCB_NONE) {
+    if (m_pixmap.get() == XCB_NONE || !m_damage) {
         return false;
     }
     m_damage->clear();

@@ -173,7 +173,8 @@ void scaleMask(std::uint8_t* mask, std::uint8_t opacity, std::size_t count)
 std::uint8_t opacityByte(double opacity)
 {
     const double limited = opacity > 0 ? (opacity < 1 ? opacity : 1) : 0;
-    return static_cast<std::uint8_t>(limited * 255 + 0.5); // std::lround is a call
+    // std::lround is a call. NOLINTNEXTLINE(bugprone-incorrect-roundings): exact for [0, 255]
+    return static_cast<std::uint8_t>(limited * 255 + 0.5);
 }
 
 } // namespace zento

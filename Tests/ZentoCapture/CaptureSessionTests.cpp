@@ -85,14 +85,14 @@ TEST_F(CaptureSessionTest, listensFirstAndStopsListeningFirst)
 
 TEST_F(CaptureSessionTest, sideRecordersStartAndStopInTheirOrderAndGetOffsets)
 {
-    CaptureSession session = makeSession();
-    recordAll(session);
-    session.start();
     const double epoch = monotonicSeconds();
-    m_desktop.showFrame(epoch);
     m_side.microphone.start = epoch + 0.25;
     m_side.camera.start = epoch + 0.5;
     m_side.systemAudio.start = epoch - 0.125;
+    CaptureSession session = makeSession();
+    recordAll(session);
+    session.start();
+    m_desktop.showFrame(epoch);
     session.stop();
     EXPECT_THAT(
         m_desktop.steps,

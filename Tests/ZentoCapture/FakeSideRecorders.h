@@ -11,7 +11,8 @@
 
 namespace zento {
 
-/// Side recorders in memory, which write what they do into the steps of a recording.
+/// Side recorders in memory, which write what they do into the steps of a recording. What they are
+/// to do is said before it starts.
 class FakeSideRecorders {
 public:
     struct Device {

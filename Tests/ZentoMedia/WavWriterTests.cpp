@@ -2,6 +2,7 @@
 #include "ZentoCore/Error.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoMedia/AudioReader.h"
+#include "ZentoMedia/WavRecovery.h"
 #include "ZentoMedia/WavWriter.h"
 
 #include <gtest/gtest.h>
@@ -65,6 +66,47 @@ TEST_P(WavWriterFormat, whatIsWrittenInStretchesIsReadAsOne)
     }
 }
 
+TEST_P(WavWriterFormat, cutAnywhereItIsRecoveredUpToItsLastWholeFrame)
+{
+    const test::TemporaryFolder folder;
+    const WavFormat format{.sampleRate = 8000, .channelCount = 2, .samples = GetParam()};
+    Channels wave(2);
+    for (int i = 0; i < 12000; ++i) {
+        wave[0].push_back(static_cast<float>(i % 100) / 128);
+        wave[1].push_back(static_cast<float>(i % 77) / 128);
+    }
+    const std::array<std::span<const float>, 2> block = {wave[0], wave[1]};
+    WavWriter writer(folder / "a.wav", format);
+    const std::size_t header = readFile(folder / "a.wav").size();
+    writer.append(block);
+    writer.append(block); // the header tells of one and a half seconds, of three
+    const std::string file = readFile(folder / "a.wav");
+    const std::size_t frame = (file.size() - header) / (2 * wave[0].size());
+    for (const std::size_t cut :
+         {file.size(), file.size() - 1, file.size() - frame, file.size() / 2, header + frame}) {
+        SCOPED_TRACE(cut);
+        writeFile(folder / "cut.wav", file.substr(0, cut));
+        EXPECT_TRUE(finishWav(folder / "cut.wav"));
+        const std::string finished = readFile(folder / "cut.wav");
+        const Channels read = readBack(folder / "cut.wav");
+        ASSERT_EQ(read.size(), 2U);
+        ASSERT_EQ(read[1].size(), (cut - header) / frame);
+        EXPECT_NEAR(read[1].back(), wave[1][(read[1].size() - 1) % 12000], 1e-4);
+        EXPECT_EQ(finished.size(), header + read[1].size() * frame);
+        EXPECT_TRUE(finishWav(folder / "cut.wav"));
+        EXPECT_EQ(readFile(folder / "cut.wav"), finished);
+    }
+    for (const std::size_t cut : {header, header + frame - 1}) {
+        writeFile(folder / "cut.wav", file.substr(0, cut));
+        EXPECT_FALSE(finishWav(folder / "cut.wav")) << "there is no sound in " << cut << " bytes";
+    }
+    for (const std::string& alien : {std::string(), file.substr(0, header - 1), "x" + file}) {
+        writeFile(folder / "cut.wav", alien);
+        EXPECT_THROW(finishWav(folder / "cut.wav"), Error);
+        EXPECT_EQ(readFile(folder / "cut.wav"), alien);
+    }
+}
+
 TEST(WavWriter, aFileThatIsNotFinishedIsReadUpToItsLastSecond)
 {
     const test::TemporaryFolder folder;
@@ -94,6 +136,16 @@ TEST(WavWriter, aFileBeyondFourGigabytesTellsItsWholeLength)
     EXPECT_EQ(reader.channelCount(), 2);
     EXPECT_NEAR(static_cast<double>(reader.expectedLength()), double{kFrames}, 48000);
     EXPECT_TRUE(reader.next().has_value());
+
+    // Cut while its header still told of less than that.
+    writeFile(folder / "cut.wav", wavHeader(format, 480'000));
+    std::filesystem::resize_file(folder / "cut.wav", header.size() + kFrames * 8 + 3);
+    EXPECT_TRUE(finishWav(folder / "cut.wav"));
+    EXPECT_EQ(std::filesystem::file_size(folder / "cut.wav"), header.size() + kFrames * 8);
+    EXPECT_NEAR(
+        static_cast<double>(AudioReader(folder / "cut.wav").expectedLength()),
+        double{kFrames},
+        48000);
 }
 
 TEST(WavWriter, saysWhichFileCannotBeWritten)

@@ -27,8 +27,8 @@ public:
     using FailureHandler = std::function<void(const std::string& reason)>;
 
     /// `target`: a camera's name or serial number; absent: the default one. `onFailure`: no
-    /// picture will come, as the camera offers nothing we read. Throws `Error` with the code 32
-    /// when the service refuses.
+    /// picture will come, as the camera offers nothing we read. Throws `Error` when
+    /// the service refuses: with the code 32 the camera, with 33 its pictures.
     PipeWireCameraStream(
         PipeWireLoop& loop,
         const std::optional<std::string>& target,

@@ -15,8 +15,8 @@ public:
     ~CameraRecorder() override;
 
     /// Throws `Error`: 31 "no camera" when there is none or no service that has one; 32 or 33
-    /// when the service refuses; 34 or the system's error when the movie cannot be written. A camera that
-    /// offers nothing we read is told of on standard error later on.
+    /// when the service refuses; 34 or the system's error when the movie cannot be written. A
+    /// camera that offers nothing we read is told of on standard error later on.
     void
     start(const std::filesystem::path& file, const std::optional<std::string>& deviceID) override;
     std::optional<double> stop() noexcept override;

@@ -29,17 +29,14 @@ struct MicRecorder::State {
         isReady = true;
         devicesChanged();
     }
-    ~State()
-    {
-        const PipeWireLoop::Lock lock(loop);
-        isReady = false;
-    }
+    ~State() { ignoreDevices(); }
 
     std::vector<PipeWireNode> present();
     void devicesChanged();
+    void ignoreDevices();
 
     PipeWireLoop loop{"capture.audio"};
-    bool isReady = false; // `sound` stands; with the lock
+    bool isReady = false; // `sound` stands and hears; with the lock
     PipeWireNodes nodes;
     PipeWireSound sound;
 };
@@ -55,12 +52,25 @@ std::vector<PipeWireNode> MicRecorder::State::present()
     return result;
 }
 
-/// Without a microphone the service would hand us what an output plays.
+/// Without a microphone the service hands us what an output plays, and for a moment still when
+/// there is one again.
 void MicRecorder::State::devicesChanged()
 {
-    if (isReady) {
-        sound.hear(microphones(nodes).empty() ? Hearing::Off : Hearing::On);
+    if (!isReady) {
+        return;
     }
+    const auto sources = nodes.sourcesOf(sound.node());
+    const bool isLinked = std::ranges::any_of(nodes.nodes(), [&](const PipeWireNode& node) {
+        return node.isMicrophone() && std::ranges::find(sources, node.id) != sources.end();
+    });
+    sound.hear(isLinked ? Hearing::On : Hearing::Off);
+}
+
+/// Before `sound` ends: devices come and go until the connection does.
+void MicRecorder::State::ignoreDevices()
+{
+    const PipeWireLoop::Lock lock(loop);
+    isReady = false;
 }
 
 MicRecorder::MicRecorder() = default;
@@ -81,7 +91,11 @@ void MicRecorder::start(
 
 std::optional<double> MicRecorder::stop() noexcept
 {
-    return m_state ? m_state->sound.stop() : std::nullopt;
+    if (!m_state) {
+        return {};
+    }
+    m_state->ignoreDevices();
+    return m_state->sound.stop();
 }
 
 std::optional<double> MicRecorder::startTime() const

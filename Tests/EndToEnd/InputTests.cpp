@@ -196,7 +196,8 @@ void grabByXInput(xcb_connection_t* connection)
     const std::uint32_t mask = XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS
                                | XCB_INPUT_XI_EVENT_MASK_BUTTON_PRESS
                                | XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
-    for (const std::uint16_t device : {std::uint16_t{2}, std::uint16_t{3}}) { // the master pointer and keyboard
+    for (const std::uint16_t device :
+         {std::uint16_t{2}, std::uint16_t{3}}) { // the master pointer and keyboard
         std::free(xcb_input_xi_grab_device_reply(
             connection,
             xcb_input_xi_grab_device(

@@ -5,8 +5,12 @@
 #include "ZentoCapture/Backends/PipeWireNodes.h"
 #include "ZentoCore/Error.h"
 
+#include <signal.h>
+
 #include <algorithm>
 #include <filesystem>
+#include <ranges>
+#include <system_error>
 
 namespace zento::test {
 
@@ -18,10 +22,10 @@ constexpr std::string_view kOutputs = R"(
 context.objects = [
   { factory = adapter args = {
       factory.name = support.null-audio-sink  node.name = speakers  media.class = Audio/Sink
-      audio.position = [ FL FR ]  priority.session = 2000  object.linger = true } }
+      audio.position = [ FL FR ]  priority.session = 1000  object.linger = true } }
   { factory = adapter args = {
       factory.name = support.null-audio-sink  node.name = headphones  media.class = Audio/Sink
-      audio.position = [ FL FR ]  priority.session = 1000  object.linger = true } }
+      audio.position = [ FL FR ]  priority.session = 900  object.linger = true } }
 ]
 )";
 
@@ -45,25 +49,45 @@ PrivateSound::PrivateSound(PrivateDesktop& desktop)
     : m_desktop(desktop)
 {
     desktop.home().writeFile(".config/pipewire/pipewire.conf.d/outputs.conf", kOutputs);
-    desktop.start({program("pipewire")});
+    start({program("pipewire")});
     const auto socket =
         std::filesystem::path(desktop.environment().at("XDG_RUNTIME_DIR")) / "pipewire-0";
     waitUntil([&] { return std::filesystem::exists(socket); }, kPatience, "no PipeWire", {});
-    desktop.start({program("wireplumber")});
+    start({program("wireplumber")});
     waitForNode(kSpeakers);
     waitForNode(kHeadphones);
 }
 
+PrivateSound::~PrivateSound()
+{
+    // Those that need the service end before it.
+    for (const pid_t program : m_programs | std::views::reverse) {
+        kill(program, SIGTERM);
+        while (ProcessGroup::isRunning(program)) {
+            sleepFor(0.002, {});
+        }
+    }
+    // The next one shall not find what was chosen on this one.
+    std::error_code ignored;
+    std::filesystem::remove_all(m_desktop.home().path() / ".local/state/wireplumber", ignored);
+}
+
+pid_t PrivateSound::start(const std::vector<std::string>& command)
+{
+    return m_programs.emplace_back(m_desktop.start(command));
+}
+
 pid_t PrivateSound::plugInMicrophone(const std::string& name)
 {
-    const pid_t microphone = m_desktop.start(
+    const pid_t microphone = start(
         {program("pw-loopback"),
          "-c",
          "1",
          "-m",
          "[ MONO ]",
          "--capture-props={ media.class=Audio/Sink node.name=" + name + "-feed }",
-         "--playback-props={ media.class=Audio/Source node.name=" + name + " }"});
+         "--playback-props={ media.class=Audio/Source priority.session=2000 node.name=" + name
+             + " }"});
     waitForNode(name);
     waitForNode(name + "-feed");
     return microphone;
@@ -71,7 +95,7 @@ pid_t PrivateSound::plugInMicrophone(const std::string& name)
 
 void PrivateSound::setDefaultOutput(const std::string& name)
 {
-    m_desktop.start(
+    start(
         {program("pw-metadata"),
          "0",
          "default.configured.audio.sink",

@@ -3,6 +3,7 @@
 #include "Zento/Demo/PrivateDesktop.h"
 
 #include <string>
+#include <vector>
 
 namespace zento::test {
 
@@ -15,8 +16,11 @@ public:
     static constexpr const char* kSpeakers = "speakers"; // the default output at first
     static constexpr const char* kHeadphones = "headphones";
 
-    /// Returns when both outputs stand. The service ends with the desktop.
+    /// Returns when both outputs stand.
     explicit PrivateSound(PrivateDesktop& desktop);
+    ~PrivateSound(); // ends the service
+    PrivateSound(const PrivateSound&) = delete;
+    PrivateSound& operator=(const PrivateSound&) = delete;
 
     /// A microphone "NAME" of one channel that hears what is played to the output "NAME-feed".
     /// Returns when it stands. End its process to unplug it.
@@ -26,9 +30,11 @@ public:
 
 private:
     std::string program(const std::string& name) const;
+    pid_t start(const std::vector<std::string>& command);
     void waitForNode(const std::string& name);
 
     PrivateDesktop& m_desktop;
+    std::vector<pid_t> m_programs;
 };
 
 /// Whether the service lists a device of that name.

@@ -81,6 +81,8 @@ SoundPlayer::SoundPlayer(const std::string& output, Sound sound)
         pw_properties_set(properties, PW_KEY_NODE_NAME, "test-player");
         pw_properties_set(properties, PW_KEY_NODE_LATENCY, "256/48000");
         pw_properties_set(properties, PW_KEY_TARGET_OBJECT, output.c_str());
+        // What plays to the default output would go along when another one becomes that.
+        pw_properties_set(properties, PW_KEY_NODE_DONT_RECONNECT, "true");
         pw_properties_set(properties, "state.restore-target", "false");
         pw_properties_set(properties, "state.restore-props", "false");
         state.stream = pw_stream_new(state.loop.core(), "player", properties);

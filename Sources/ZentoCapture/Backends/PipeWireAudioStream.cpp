@@ -232,6 +232,11 @@ PipeWireAudioStream::PipeWireAudioStream(
 
 PipeWireAudioStream::~PipeWireAudioStream() = default;
 
+std::uint32_t PipeWireAudioStream::node() const
+{
+    return pw_stream_get_node_id(m_state->stream);
+}
+
 void PipeWireAudioStream::hear(Hearing hearing)
 {
     m_state->isHearing = hearing == Hearing::On;

@@ -3,6 +3,7 @@
 #include "ZentoCapture/Backends/PipeWireLoop.h"
 #include "ZentoCapture/ClockedWav.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -38,6 +39,9 @@ public:
     ~PipeWireAudioStream(); // hands over what has come
     PipeWireAudioStream(const PipeWireAudioStream&) = delete;
     PipeWireAudioStream& operator=(const PipeWireAudioStream&) = delete;
+
+    /// The service's number of it, once it has one. With the loop's lock.
+    std::uint32_t node() const;
 
     /// What comes while it is off is thrown away.
     void hear(Hearing hearing);

@@ -191,7 +191,8 @@ PipeWireCameraStream::PipeWireCameraStream(
         formats.data(),
         static_cast<std::uint32_t>(formats.size()));
     if (connected < 0) {
-        throw Error(ErrorCode::kCameraFormatRefused, "the camera's pictures could not be asked for");
+        throw Error(
+            ErrorCode::kCameraFormatRefused, "the camera's pictures could not be asked for");
     }
 }
 

@@ -19,6 +19,12 @@ std::string property(const spa_dict* properties, const char* key)
     return value == nullptr ? std::string() : std::string(value);
 }
 
+struct Link {
+    std::uint32_t id = 0;
+    std::string from; // the number of a node
+    std::string to;
+};
+
 } // namespace
 
 bool PipeWireNode::isMicrophone() const
@@ -54,6 +60,7 @@ struct PipeWireNodes::State {
     pw_registry_events events{};
     spa_hook listener{};
     std::vector<PipeWireNode> nodes;
+    std::vector<Link> links;
 };
 
 void PipeWireNodes::State::added(
@@ -64,22 +71,32 @@ void PipeWireNodes::State::added(
     std::uint32_t /*version*/,
     const spa_dict* properties)
 {
-    if (properties == nullptr || std::string_view(type) != PW_TYPE_INTERFACE_Node) {
+    const std::string_view kind(type);
+    const bool isNode = kind == PW_TYPE_INTERFACE_Node;
+    if (properties == nullptr || !(isNode || kind == PW_TYPE_INTERFACE_Link)) {
         return;
     }
     auto& state = *static_cast<State*>(self);
-    state.nodes.push_back(
-        {.id = id,
-         .serial = property(properties, PW_KEY_OBJECT_SERIAL),
-         .name = property(properties, PW_KEY_NODE_NAME),
-         .mediaClass = property(properties, PW_KEY_MEDIA_CLASS)});
+    if (isNode) {
+        state.nodes.push_back(
+            {.id = id,
+             .serial = property(properties, PW_KEY_OBJECT_SERIAL),
+             .name = property(properties, PW_KEY_NODE_NAME),
+             .mediaClass = property(properties, PW_KEY_MEDIA_CLASS)});
+    } else {
+        state.links.push_back(
+            {.id = id,
+             .from = property(properties, PW_KEY_LINK_OUTPUT_NODE),
+             .to = property(properties, PW_KEY_LINK_INPUT_NODE)});
+    }
     state.changed();
 }
 
 void PipeWireNodes::State::removed(void* self, std::uint32_t id)
 {
     auto& state = *static_cast<State*>(self);
-    if (std::erase_if(state.nodes, [id](const PipeWireNode& node) { return node.id == id; }) > 0) {
+    const auto isIt = [id](const auto& object) { return object.id == id; };
+    if (std::erase_if(state.nodes, isIt) + std::erase_if(state.links, isIt) > 0) {
         state.changed();
     }
 }
@@ -110,6 +127,20 @@ PipeWireNodes::~PipeWireNodes()
 std::span<const PipeWireNode> PipeWireNodes::nodes() const
 {
     return m_state->nodes;
+}
+
+std::vector<std::uint32_t> PipeWireNodes::sourcesOf(std::uint32_t node) const
+{
+    std::vector<std::uint32_t> result;
+    for (const PipeWireNode& source : m_state->nodes) {
+        const auto leadsHere = [&](const Link& link) {
+            return link.from == std::to_string(source.id) && link.to == std::to_string(node);
+        };
+        if (std::ranges::any_of(m_state->links, leadsHere)) {
+            result.push_back(source.id);
+        }
+    }
+    return result;
 }
 
 std::optional<std::string>

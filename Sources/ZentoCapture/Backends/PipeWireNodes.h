@@ -23,7 +23,7 @@ struct PipeWireNode {
     bool isCamera() const;
 };
 
-/// The devices there are, kept up to date.
+/// The devices there are and what they are linked to, kept up to date.
 ///
 /// Threading: as the loop; `changed` runs on its thread.
 class PipeWireNodes {
@@ -36,6 +36,9 @@ public:
 
     /// With the lock.
     std::span<const PipeWireNode> nodes() const;
+
+    /// The numbers of the nodes whose output a node gets. With the lock.
+    std::vector<std::uint32_t> sourcesOf(std::uint32_t node) const;
 
 private:
     struct State;

@@ -3,6 +3,7 @@
 #include "ZentoCapture/Backends/PipeWireAudioStream.h"
 #include "ZentoCapture/ClockedWav.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -27,6 +28,8 @@ public:
     {
     }
 
+    // As those of the stream; not once it has been stopped.
+    std::uint32_t node() const { return m_stream->node(); }
     void hear(Hearing hearing) { m_stream->hear(hearing); }
     std::optional<double> startTime() const { return m_wav.startTime(); }
 

@@ -1,11 +1,9 @@
 #include "Tracks.h"
 
+#include "SoundStage/SoundPlayer.h"
 #include "TestSupport/Sounds.h"
 #include "ZentoMedia/AudioReader.h"
 #include "ZentoMedia/VideoDecoder.h"
-
-#include <cmath>
-#include <cstddef>
 
 namespace zento {
 
@@ -39,23 +37,7 @@ std::vector<double> flashes(const std::filesystem::path& movie)
 
 std::vector<double> beeps(const std::filesystem::path& sound)
 {
-    constexpr float kLoud = 0.02F;
-    constexpr double kSilence = 0.2; // seconds
-    const double rate = AudioReader(sound).sampleRate();
-    const auto samples = test::readSound(sound).at(0);
-    std::vector<double> result;
-    double loudUntil = 0; // a file that begins with sound begins within a beep
-    for (std::size_t i = 0; i < samples.size(); ++i) {
-        if (std::abs(samples[i]) < kLoud) {
-            continue;
-        }
-        const double time = static_cast<double>(i) / rate;
-        if (time - loudUntil > kSilence) {
-            result.push_back(time);
-        }
-        loudUntil = time;
-    }
-    return result;
+    return test::wholeBeeps(test::readSound(sound).at(0), AudioReader(sound).sampleRate());
 }
 
 } // namespace zento

@@ -8,7 +8,7 @@ namespace zento {
 /// When the middle of a movie's picture becomes bright, in seconds of the movie.
 std::vector<double> flashes(const std::filesystem::path& movie);
 
-/// When silence ends, in seconds of the file.
+/// When beeps begin that are whole, in seconds of the file.
 std::vector<double> beeps(const std::filesystem::path& sound);
 
 } // namespace zento

@@ -18,9 +18,11 @@ SoundPlacement SoundClock::place(double time, std::size_t length)
         m_start = time;
     }
     const double error = time - *m_start - static_cast<double>(m_frames) / m_sampleRate;
+    const double gap = std::min(
+        kJump, std::max(kDriftLimit, kLostShare * static_cast<double>(length) / m_sampleRate));
     SoundPlacement placement;
     // An overlap longer than a stretch goes on into the next ones, to its end.
-    if (std::abs(error) > kJump || (m_isOverlapping && error < 0)) {
+    if (error > gap || error < -kJump || (m_isOverlapping && error < 0)) {
         const auto frames = static_cast<std::size_t>(std::llround(std::abs(error) * m_sampleRate));
         placement.silence = error > 0 ? frames : 0;
         placement.skip = error < 0 ? std::min(frames, length) : 0;

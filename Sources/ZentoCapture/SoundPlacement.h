@@ -19,15 +19,18 @@ struct SoundPlacement {
 /// Keeps a file of evenly spaced samples in step with the clock its stretches are stamped by.
 ///
 /// A stretch that is more than `kJump` late leaves a gap, which becomes silence; one that is more
-/// than that early overlaps what is there, and loses the overlap. What is less is a device whose
-/// clock runs a little fast or slow: once that adds up to `kDriftLimit` the sound is stretched or
-/// shortened by a thousandth until it is in step again, which nobody hears.
+/// than that early overlaps what is there, and loses the overlap. One that is late by
+/// `kLostShare` of its own length has lost one before it: a busy machine misses single cycles of 5
+/// ms. What is less is a device whose clock runs a little fast or slow: once that adds up to
+/// `kDriftLimit` the sound is stretched or shortened by a thousandth until it is in step again,
+/// which nobody hears.
 ///
 /// Threading: used by one thread at a time.
 class SoundClock {
 public:
     // Streams start, and are moved to another device, with jumps of 6 to 43 ms (measured).
-    static constexpr double kJump = 0.010;       // seconds
+    static constexpr double kJump = 0.010; // seconds
+    static constexpr double kLostShare = 0.75;
     static constexpr double kDriftLimit = 0.002; // seconds
     static constexpr double kInStep = 0.0002;    // seconds; a correction ends here
     static constexpr double kStretch = 0.001;    // of a second, in a second

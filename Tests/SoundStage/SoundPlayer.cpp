@@ -126,4 +126,30 @@ float beepsAt(double time, double period)
     return since < kBeepSeconds ? toneAt(since, 1000) : 0;
 }
 
+std::vector<double> wholeBeeps(const std::vector<float>& sound, double rate)
+{
+    constexpr float kLoud = 0.02F;
+    constexpr double kTolerance = 0.001; // seconds
+    std::vector<double> result;
+    double begin = 0;
+    double end = -1; // of what is loud
+    for (std::size_t i = 0; i < sound.size(); ++i) {
+        const double time = static_cast<double>(i) / rate;
+        const bool isLoud = std::abs(sound[i]) >= kLoud;
+        const bool isAlone = time - end > kTolerance;
+        if (isLoud && isAlone) {
+            begin = time;
+        }
+        if (isLoud) {
+            end = time;
+        } else if (end >= 0 && isAlone) {
+            if (std::abs(end - begin - kBeepSeconds) < kTolerance) {
+                result.push_back(begin);
+            }
+            end = -1;
+        }
+    }
+    return result;
+}
+
 } // namespace zento::test

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace zento::test {
 
@@ -32,5 +33,9 @@ float toneAt(double time, double hertz);
 /// Beeps of 1 kHz and `kBeepSeconds` at every whole `period`; silence between them.
 inline constexpr double kBeepSeconds = 0.05;
 float beepsAt(double time, double period);
+
+/// Where beeps begin that are there from end to end, in seconds of a sound that was recorded. A
+/// busy machine swallows parts of some.
+std::vector<double> wholeBeeps(const std::vector<float>& sound, double rate);
 
 } // namespace zento::test

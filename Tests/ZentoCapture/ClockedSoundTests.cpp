@@ -115,6 +115,17 @@ TEST(ClockedWav, whatWasNotDeliveredIsSilence)
     expectInStep(samples, 1.0 / kRate, 7);
 }
 
+TEST(ClockedWav, aCycleThatWasMissedLeavesNothingOutOfStep)
+{
+    constexpr double kCycle = 256.0 / kRate; // shorter than a jump
+    const auto samples = recorded(ClickDevice(kRate), 400, 256, [](int i) {
+        return kStart + (i + (i >= 100) + (i >= 101) + (i >= 300)) * kCycle;
+    });
+    EXPECT_EQ(samples.size(), 403U * 256);
+    EXPECT_EQ(std::ranges::count(samples, 0.0F), 3 * 256);
+    expectInStep(samples, 1.0 / kRate, 5);
+}
+
 TEST(ClockedWav, timeThatComesTwiceIsDropped)
 {
     // The device goes back by 50 ms once.

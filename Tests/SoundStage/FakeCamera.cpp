@@ -171,8 +171,8 @@ FakeCamera::FakeCamera(std::string name, const Format& format, Painter painter)
         spa_pod_builder builder{};
         spa_pod_builder_init(&builder, memory.data(), memory.size());
         const spa_pod* parameter = formatParameter(builder, format);
-        const auto flags =
-            static_cast<pw_stream_flags>(PW_STREAM_FLAG_DRIVER | PW_STREAM_FLAG_MAP_BUFFERS);
+        const auto flags = static_cast<pw_stream_flags>(
+            PW_STREAM_FLAG_DRIVER | PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS);
         pw_stream_connect(state.stream, PW_DIRECTION_OUTPUT, PW_ID_ANY, flags, &parameter, 1);
     }
     waitUntil([&] { return hasNode(name); }, kPatience, "there is no " + name, {});

@@ -90,6 +90,7 @@ struct PipeWireCameraStream::State {
     static void
     stateChanged(void* self, pw_stream_state before, pw_stream_state now, const char* message);
     static void process(void* self);
+    static void pictureCame(void* self, std::uint64_t count);
     pw_buffer* newest() const;
 
     PipeWireLoop& loop;
@@ -98,6 +99,7 @@ struct PipeWireCameraStream::State {
     pw_stream* stream = nullptr;
     pw_stream_events events{};
     spa_hook listener{};
+    spa_source* wake = nullptr;
     std::optional<CameraPicture> form;
 };
 
@@ -106,6 +108,9 @@ PipeWireCameraStream::State::~State()
     const PipeWireLoop::Lock lock(loop);
     if (stream != nullptr) {
         pw_stream_destroy(stream);
+    }
+    if (wake != nullptr) {
+        pw_loop_destroy_source(loop.loop(), wake);
     }
 }
 
@@ -143,7 +148,15 @@ pw_buffer* PipeWireCameraStream::State::newest() const
     return buffer;
 }
 
+/// On the real-time thread. Would the library call us on the loop's instead, a call that is on its
+/// way when the stream is destroyed would be made all the same, and end the program (0.3.65).
 void PipeWireCameraStream::State::process(void* self)
+{
+    const auto& state = *static_cast<const State*>(self);
+    pw_loop_signal_event(state.loop.loop(), state.wake);
+}
+
+void PipeWireCameraStream::State::pictureCame(void* self, std::uint64_t /*count*/)
 {
     auto& state = *static_cast<State*>(self);
     const double arrival = monotonicSeconds();
@@ -172,8 +185,9 @@ PipeWireCameraStream::PipeWireCameraStream(
     state.events.state_changed = &State::stateChanged;
     state.events.process = &State::process;
     const PipeWireLoop::Lock lock(loop);
+    state.wake = pw_loop_add_event(loop.loop(), &State::pictureCame, &state);
     state.stream = pw_stream_new(loop.core(), "Zento", streamProperties(target));
-    if (state.stream == nullptr) {
+    if (state.wake == nullptr || state.stream == nullptr) {
         throw Error(ErrorCode::kCameraRefused, "the camera could not be opened");
     }
     pw_stream_add_listener(state.stream, &state.listener, &state.events, &state);
@@ -181,8 +195,8 @@ PipeWireCameraStream::PipeWireCameraStream(
     spa_pod_builder builder{};
     spa_pod_builder_init(&builder, memory.data(), memory.size());
     auto formats = wantedCameraFormats(builder);
-    const auto flags =
-        static_cast<pw_stream_flags>(PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS);
+    const auto flags = static_cast<pw_stream_flags>(
+        PW_STREAM_FLAG_AUTOCONNECT | PW_STREAM_FLAG_MAP_BUFFERS | PW_STREAM_FLAG_RT_PROCESS);
     const int connected = pw_stream_connect(
         state.stream,
         PW_DIRECTION_INPUT,

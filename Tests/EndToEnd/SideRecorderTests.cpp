@@ -128,9 +128,9 @@ TEST_F(SideRecorderTest, aMicrophoneIsFoundByItsName)
         microphone.start(m_folder / "narration.wav", name);
         ASSERT_TRUE(waitForSound(microphone, voice, 4));
         microphone.stop();
-        // A busy machine may swallow a part.
+        // A busy machine may swallow a part of it, and adds none.
         const double amount = amountOf(700, test::readSound(m_folder / "narration.wav").at(0));
-        EXPECT_EQ(amount > 0.1, isLoud) << amount;
+        EXPECT_EQ(amount > 0.01, isLoud) << amount;
     }
 }
 

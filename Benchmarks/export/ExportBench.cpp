@@ -22,6 +22,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace zento::bench {
@@ -259,13 +260,26 @@ Workshop workshop(std::filesystem::path folder)
     return shop;
 }
 
+/// A folder that is gone when the bench is over, also when it failed.
+struct ScratchFolder {
+    std::filesystem::path path =
+        std::filesystem::temp_directory_path() / ("export_bench." + std::to_string(getpid()));
+
+    ScratchFolder() { std::filesystem::create_directory(path); }
+    ~ScratchFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(path, ignored);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+};
+
 /// `wanted`: names of sections; none for all.
 void run(std::span<const std::string_view> wanted)
 {
-    const std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / ("export_bench." + std::to_string(getpid()));
-    std::filesystem::create_directory(folder);
-    const Workshop shop = workshop(folder);
+    const ScratchFolder folder;
+    const Workshop shop = workshop(folder.path);
     std::printf("a recording of %.0f s, 1080p at 60 frames a second\n", shop.bundle.meta.duration);
     const auto isWanted = [&](std::string_view name) {
         return wanted.empty() || std::ranges::find(wanted, name) != wanted.end();
@@ -294,7 +308,6 @@ void run(std::span<const std::string_view> wanted)
             2.5);
     if (isWanted("memory"))
         measureMemory(shop);
-    std::filesystem::remove_all(folder);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "ZentoRender/BoundedQueue.h"
 #include "ZentoRender/FrameCompositor.h"
 #include "ZentoRender/FrameSequence.h"
+#include "ZentoRender/OfflineExporter.h"
 #include "ZentoRender/SourceReader.h"
 #include "ZentoRender/WebcamSource.h"
 
@@ -97,15 +98,6 @@ private:
     double m_sourceTime = 0;
     std::optional<VideoFrame> m_webcamFrame;
 };
-
-FilmFormat filmFormat(const OutputSpec& output)
-{
-    return {
-        .width = output.width,
-        .height = output.height,
-        .fps = output.fps,
-        .bitRate = static_cast<std::int64_t>(output.fps * output.width * output.height * 0.12)};
-}
 
 /// Decodes the frames of a part on one thread while another encodes what they became.
 void decodeAndEncode(

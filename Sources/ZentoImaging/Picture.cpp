@@ -54,14 +54,11 @@ Picture::Picture(int width, int height, Layout layout)
         total += plane.stride * plane.height;
     }
     const auto size = static_cast<std::size_t>(total);
-    m_memory.reset(static_cast<std::uint8_t*>(std::aligned_alloc(kAlignment, size)));
-    if (!m_memory) {
-        throw std::bad_alloc();
-    }
+    m_memory = allocatePicture(size);
     // All of it, the ends of the rows as well: vectors read them.
     std::memset(m_memory.get(), 0, size);
     for (std::size_t i = 0; i < 3; ++i) {
-        m_view.planes[i].data = m_memory.get() + begin[i];
+        m_view.planes[i].data = reinterpret_cast<std::uint8_t*>(m_memory.get()) + begin[i];
     }
     fill(m_view, Color{});
 }

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "ZentoCore/Geometry.h"
+#include "ZentoCore/PictureMemory.h"
 #include "ZentoCore/Plane.h"
 #include "ZentoImaging/Color.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <type_traits>
 
@@ -103,10 +103,7 @@ public:
     YuvPlanes<const std::uint8_t> yuv() const;
 
 private:
-    struct Free {
-        void operator()(std::uint8_t* memory) const { std::free(memory); }
-    };
-    std::unique_ptr<std::uint8_t[], Free> m_memory;
+    PictureMemory m_memory;
     PictureView m_view;
 };
 

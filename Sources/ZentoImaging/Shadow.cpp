@@ -140,6 +140,9 @@ struct Shadow::Field {
     Rect rect;
     std::vector<std::int16_t> profile; // the product's horizontal factor
     std::vector<std::int16_t> row;
+    std::vector<std::uint8_t>
+        straight;                // the mask of a row that no horizontal edge or corner reaches
+    double straightOpacity = -1; // of that mask; negative: not worked out yet
 
     Field(double r, double s)
         : radius(r)
@@ -152,6 +155,8 @@ struct Shadow::Field {
     {
         return normal.at((place - from) / sigma) - normal.at((place - to) / sigma);
     }
+    bool isStraight(int y) const;
+    void maskOf(int y, SampleRange columns, double opacity, std::uint8_t* mask);
     void subtractCorners(double v, SampleRange columns);
     void subtractCorner(CornerField::Side side, double v, SampleRange columns);
 };
@@ -219,26 +224,47 @@ void Shadow::place(const Rect& rect, int width)
     f.rect = rect;
     f.profile.resize(std::size_t(width));
     f.row.resize(std::size_t(width));
+    f.straight.resize(std::size_t(width));
+    f.straightOpacity = -1;
     for (int x = 0; x < width; ++x) {
         f.profile[std::size_t(x)] =
             fixed(f.inside(x + 0.5, rect.x, rect.x + rect.w), kernel::kCovered);
     }
 }
 
+bool Shadow::Field::isStraight(int y) const
+{
+    const double top = y + 0.5 - rect.y;
+    return corner.position(std::min(top, rect.h - top)) >= corner.last();
+}
+
+void Shadow::Field::maskOf(int y, SampleRange columns, double opacity, std::uint8_t* mask)
+{
+    const auto count = std::size_t(columns.size());
+    const double top = y + 0.5 - rect.y;
+    kernel::scaleProfile(
+        profile.data() + columns.begin,
+        fixed(inside(y + 0.5, rect.y, rect.y + rect.h), 32767),
+        count,
+        row.data());
+    subtractCorners(top, columns);
+    subtractCorners(rect.h - top, columns);
+    kernel::coverageToMask(row.data(), fixed(opacity, 32767), count, mask);
+}
+
 void Shadow::maskRow(int y, SampleRange columns, double opacity, std::uint8_t* mask)
 {
     Field& f = *m_field;
     assert(columns.begin >= 0 && columns.end <= int(f.profile.size()));
-    const double top = y + 0.5 - f.rect.y;
-    const auto count = std::size_t(columns.size());
-    kernel::scaleProfile(
-        f.profile.data() + columns.begin,
-        fixed(f.inside(y + 0.5, f.rect.y, f.rect.y + f.rect.h), 32767),
-        count,
-        f.row.data());
-    f.subtractCorners(top, columns);
-    f.subtractCorners(f.rect.h - top, columns);
-    kernel::coverageToMask(f.row.data(), fixed(opacity, 32767), count, mask);
+    if (!f.isStraight(y)) {
+        f.maskOf(y, columns, opacity, mask);
+        return;
+    }
+    if (f.straightOpacity != opacity) {
+        f.maskOf(y, {0, int(f.straight.size())}, opacity, f.straight.data());
+        f.straightOpacity = opacity;
+    }
+    std::copy_n(f.straight.data() + columns.begin, columns.size(), mask);
 }
 
 SampleRange Shadow::rows(int limit) const

@@ -146,6 +146,31 @@ SampleRange touchedColumns(const RoundedRect& shape, int y, int width)
     return touchedWithin(edgesOf(shape), y, {0, width});
 }
 
+CoveredRows::CoveredRows(const RoundedRect& shape, int width)
+    : m_shape(shape)
+    , m_mask(std::size_t(width))
+{
+    const Edges e = edgesOf(shape);
+    m_alike = {int(std::ceil(e.top + e.radius)), int(std::floor(e.bottom - e.radius))};
+}
+
+void CoveredRows::moveTo(int y)
+{
+    const auto isAlike = [&](int row) { return row >= m_alike.begin && row < m_alike.end; };
+    const bool isLikeLast = m_y >= 0 && isAlike(y) && isAlike(m_y);
+    m_y = y;
+    if (isLikeLast) {
+        return;
+    }
+    const int width = int(m_mask.size());
+    m_touched = touchedColumns(m_shape, y, width);
+    m_opaque = opaqueColumns(m_shape, y, width);
+    if (m_opaque.size() <= 0) {
+        m_opaque = {m_touched.end, m_touched.end};
+    }
+    coverageRow(m_shape, y, m_touched, m_mask.data() + m_touched.begin);
+}
+
 void fillRoundedRect(const PictureView& picture, const RoundedRect& shape, const Color& color)
 {
     const std::array<std::uint8_t, 3> values = planeValues(color, picture.layout);

@@ -5,6 +5,7 @@
 #include "ZentoImaging/Scale.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace zento {
 
@@ -41,6 +42,31 @@ SampleRange opaqueColumns(const RoundedRect& shape, int y, int width);
 
 /// The samples of a row that the shape touches at all. Within [0, width).
 SampleRange touchedColumns(const RoundedRect& shape, int y, int width);
+
+/// What a shape covers of the rows of a plane, taken one after the other: along the straight sides
+/// every row is like the one before, and is not worked out again.
+class CoveredRows {
+public:
+    CoveredRows(const RoundedRect& shape, int width);
+
+    void moveTo(int y);
+
+    SampleRange touched() const { return m_touched; }
+    SampleRange opaque() const
+    {
+        return m_opaque;
+    } // empty at the end of the touched if there are none
+    /// The coverage of every sample of the row, of [touched().begin, touched().end) only.
+    const std::uint8_t* mask() const { return m_mask.data(); }
+
+private:
+    RoundedRect m_shape;
+    SampleRange m_alike; // rows
+    int m_y = -1;
+    SampleRange m_touched;
+    SampleRange m_opaque;
+    std::vector<std::uint8_t> m_mask;
+};
 
 /// Fills a shape with `color` at its alpha.
 void fillRoundedRect(const PictureView& picture, const RoundedRect& shape, const Color& color);

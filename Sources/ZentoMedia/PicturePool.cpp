@@ -27,20 +27,15 @@ PicturePool::PicturePool(int width, int height, int capacity)
     m_free.reserve(static_cast<std::size_t>(capacity)); // so that giving back cannot fail
 }
 
-void PicturePool::FreeAligned::operator()(std::byte* bytes) const
-{
-    ::operator delete[](bytes, std::align_val_t(kAlignment));
-}
-
 PicturePool::Loan PicturePool::borrow()
 {
-    Memory memory = take();
+    PictureMemory memory = take();
     if (!memory)
         return {};
     Loan loan;
     loan.planes = planesIn(memory.get());
     const auto giveBackTo = [pool = shared_from_this()](std::byte* bytes) {
-        pool->giveBack(Memory(bytes));
+        pool->giveBack(PictureMemory(bytes));
     };
     loan.samples = std::shared_ptr<std::byte>(memory.release(), giveBackTo);
     return loan;
@@ -52,23 +47,23 @@ bool PicturePool::isEmpty() const
     return m_free.empty() && m_unmade == 0;
 }
 
-PicturePool::Memory PicturePool::take()
+PictureMemory PicturePool::take()
 {
     const std::scoped_lock lock(m_mutex);
     if (!m_free.empty()) {
-        Memory memory = std::move(m_free.back());
+        PictureMemory memory = std::move(m_free.back());
         m_free.pop_back();
         return memory;
     }
     if (m_unmade == 0)
         return {};
     const auto samples = static_cast<std::size_t>((m_lumaStride + 2 * m_chromaStride) * m_height);
-    void* made = ::operator new[](samples * sizeof(std::uint16_t), std::align_val_t(kAlignment));
+    PictureMemory made = allocatePicture(samples * sizeof(std::uint16_t));
     --m_unmade;
-    return Memory(static_cast<std::byte*>(made));
+    return made;
 }
 
-void PicturePool::giveBack(Memory memory)
+void PicturePool::giveBack(PictureMemory memory)
 {
     const std::scoped_lock lock(m_mutex);
     m_free.push_back(std::move(memory));

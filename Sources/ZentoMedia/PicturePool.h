@@ -1,11 +1,11 @@
 #pragma once
 
+#include "ZentoCore/PictureMemory.h"
 #include "ZentoCore/Plane.h"
 
 #include <cstddef>
 #include <memory>
 #include <mutex>
-#include <new>
 #include <vector>
 
 namespace zento {
@@ -33,13 +33,8 @@ public:
     bool isEmpty() const;
 
 private:
-    struct FreeAligned {
-        void operator()(std::byte* bytes) const;
-    };
-    using Memory = std::unique_ptr<std::byte[], FreeAligned>;
-
-    Memory take();
-    void giveBack(Memory memory);
+    PictureMemory take();
+    void giveBack(PictureMemory memory);
     YuvPlanes<std::uint16_t> planesIn(std::byte* memory) const;
 
     int m_width;
@@ -47,7 +42,7 @@ private:
     std::ptrdiff_t m_lumaStride; // samples
     std::ptrdiff_t m_chromaStride;
     mutable std::mutex m_mutex; // guards what follows
-    std::vector<Memory> m_free;
+    std::vector<PictureMemory> m_free;
     int m_unmade; // pictures that have no memory yet
 };
 

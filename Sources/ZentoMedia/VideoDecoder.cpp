@@ -1,6 +1,7 @@
 #include "ZentoMedia/VideoDecoder.h"
 
 #include "ZentoCore/Error.h"
+#include "ZentoMedia/Ffmpeg/FrameBuffers.h"
 #include "ZentoMedia/Ffmpeg/Handles.h"
 #include "ZentoMedia/Ffmpeg/Input.h"
 #include "ZentoMedia/Ffmpeg/PictureConverter.h"
@@ -30,14 +31,17 @@ AVStream* choosePictures(AVFormatContext& input, const std::filesystem::path& pa
     return chosen;
 }
 
-CodecHandle
-openPictureDecoder(const AVStream& stream, const std::filesystem::path& path, int threads)
+CodecHandle openPictureDecoder(
+    const AVStream& stream, const std::filesystem::path& path, int threads, FrameBuffers& buffers)
 {
     CodecHandle codec = makeDecoder(stream, path);
     codec->thread_count = threads;
     // Threads by frame hold pictures back, which a packet that is not sent must not wait for.
-    if (standsAlone(codec->codec_id))
+    if (standsAlone(codec->codec_id)) {
         codec->thread_type = FF_THREAD_SLICE;
+        codec->opaque = &buffers;
+        codec->get_buffer2 = takeBuffer;
+    }
     openDecoder(*codec, path);
     return codec;
 }
@@ -64,6 +68,7 @@ struct VideoDecoder::State {
 
     InputHandle input;
     AVStream* stream = nullptr;
+    FrameBuffers buffers;
     CodecHandle codec;
     PictureConverter converter;
     PacketHandle packet = makePacket();
@@ -88,7 +93,7 @@ VideoDecoder::VideoDecoder(const std::filesystem::path& path, int threads)
 {
     m_state->input = openInput(path);
     m_state->stream = choosePictures(*m_state->input, path);
-    m_state->codec = openPictureDecoder(*m_state->stream, path, threads);
+    m_state->codec = openPictureDecoder(*m_state->stream, path, threads, m_state->buffers);
 }
 
 VideoDecoder::~VideoDecoder() = default;

@@ -107,10 +107,11 @@ void CardPainter::paintPlanes(
         Plane<const std::uint8_t> blurredSource;
         if (!blur.isNone())
             blurredSource = blurred(source[p], scaler, blur, canvas.grid(p));
+        CoveredRows cover(rows.card, rows.canvas.width);
         for (int y = 0; y < rows.canvas.height; ++y) {
             prefetchRow(rows.canvas, y + 1);
-            const SampleRange touched = touchedColumns(rows.card, y, rows.canvas.width);
-            if (touched.size() <= 0) {
+            cover.moveTo(y);
+            if (cover.touched().size() <= 0) {
                 paintMargin(rows, y, {0, rows.canvas.width});
                 continue;
             }
@@ -119,7 +120,7 @@ void CardPainter::paintPlanes(
                 scaled = blurredSource.row(y - scaler.rows().begin);
             else
                 scaler.scaleRow(source[p], y, m_scaledRow.data());
-            paintCardRow(rows, y, touched, scaled, scaler.columns().begin);
+            paintCardRow(rows, y, cover, scaled, scaler.columns().begin);
         }
     }
 }
@@ -142,23 +143,24 @@ Plane<const std::uint8_t> CardPainter::blurred(
 }
 
 void CardPainter::paintCardRow(
-    const PlaneRows& rows, int y, SampleRange touched, const std::uint8_t* scaled, int firstScaled)
+    const PlaneRows& rows,
+    int y,
+    const CoveredRows& cover,
+    const std::uint8_t* scaled,
+    int firstScaled)
 {
-    const int width = rows.canvas.width;
-    SampleRange opaque = opaqueColumns(rows.card, y, width);
-    if (opaque.size() <= 0)
-        opaque = {touched.end, touched.end};
+    const SampleRange touched = cover.touched();
+    const SampleRange opaque = cover.opaque();
     paintMargin(rows, y, {0, opaque.begin});
-    paintMargin(rows, y, {opaque.end, width});
+    paintMargin(rows, y, {opaque.end, rows.canvas.width});
 
     std::uint8_t* const row = rows.canvas.row(y);
     const auto sourceAt = [&](int x) { return scaled + (x - firstScaled); };
     std::copy_n(sourceAt(opaque.begin), opaque.size(), row + opaque.begin);
     for (const SampleRange edge :
          {SampleRange{touched.begin, opaque.begin}, SampleRange{opaque.end, touched.end}}) {
-        coverageRow(rows.card, y, edge, m_mask.data());
         std::uint8_t* const out = row + edge.begin;
-        blendMasked(out, out, sourceAt(edge.begin), m_mask.data(), count(edge));
+        blendMasked(out, out, sourceAt(edge.begin), cover.mask() + edge.begin, count(edge));
     }
 }
 

@@ -65,11 +65,11 @@ private:
         PlaneScaler& scaler,
         const CardBlur& blur,
         const PlaneGrid& grid);
-    /// `touched`: the samples the card touches. `scaled`: the source, from sample `firstScaled` on.
+    /// `cover` is the card's in this row. `scaled`: the source, from sample `firstScaled` on.
     void paintCardRow(
         const PlaneRows& rows,
         int y,
-        SampleRange touched,
+        const CoveredRows& cover,
         const std::uint8_t* scaled,
         int firstScaled);
     void paintMargin(const PlaneRows& rows, int y, SampleRange columns);

@@ -65,16 +65,6 @@ checkedFrames(const EditPlan& plan, const RemapCurve& curve, const std::filesyst
     return *frames;
 }
 
-FilmFormat filmFormat(const OutputSpec& output)
-{
-    return {
-        .width = output.width,
-        .height = output.height,
-        .fps = output.fps,
-        .bitRate =
-            static_cast<std::int64_t>(output.fps * output.width * output.height * kBitsPerPixel)};
-}
-
 void decode(
     SourceReader& reader,
     WebcamSource& webcam,
@@ -174,6 +164,16 @@ std::future<void> startStage(const char* name, Stage stage, Abandon abandon)
 }
 
 } // namespace
+
+FilmFormat filmFormat(const OutputSpec& output)
+{
+    return {
+        .width = output.width,
+        .height = output.height,
+        .fps = output.fps,
+        .bitRate =
+            static_cast<std::int64_t>(output.fps * output.width * output.height * kBitsPerPixel)};
+}
 
 OfflineExporter::OfflineExporter(SessionBundle bundle, EditPlan plan, Repeats repeats)
     : m_bundle(std::move(bundle))

@@ -10,7 +10,11 @@
 namespace zento {
 
 class RemapCurve;
+struct FilmFormat;
 struct FilmFrames;
+
+/// How the pictures of a film of that size and rate are encoded.
+FilmFormat filmFormat(const OutputSpec& output);
 
 /// Writes the finished film of a recording: the title card, the main part, the end card.
 ///

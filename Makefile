@@ -3,6 +3,8 @@
 #   make run     build, then open Zento (without a display: record and render the demo)
 #   make test    build, then run every test          make bench   timings as ratios in one run
 #   make sheets  what is drawn, as pictures to be looked at, into build/sheets
+#   make screens every screen of the window, dark and light, into build/screens
+#   make install what belongs on a system, below PREFIX (/usr/local)       make deb     a Debian package
 #   make lint    style, clang-tidy (minutes)         make style   formatting and includes (seconds)
 #   make format  rewrite the formatting
 #   make asan    tests under address and undefined-behaviour sanitizers
@@ -12,7 +14,7 @@ BUILD := build/release
 JOBS := $(shell nproc)
 FUZZ_SECONDS ?= 60
 
-.PHONY: run test build bench sheets lint style format asan tsan fuzz clean
+.PHONY: run test build bench sheets screens install deb lint style format asan tsan fuzz clean
 
 run:
 	@tools/install-packages.sh build run test
@@ -29,10 +31,22 @@ test: build
 bench: build
 	@tools/bench.sh $(BUILD) $(if $(RESULTS),Benchmarks/results.md)
 
+PREFIX ?= /usr/local
+
+install: build
+	@cmake --install $(BUILD) --prefix $(PREFIX) --strip >/dev/null && echo "installed below $(DESTDIR)$(PREFIX)"
+
+deb: build
+	@cd $(BUILD) && cpack -G DEB >/dev/null && ls $(CURDIR)/$(BUILD)/*.deb
+
 sheets:
 	@tools/install-packages.sh build run
 	@tools/build.sh release contact_sheets
 	@$(BUILD)/contact_sheets build/sheets && echo build/sheets
+
+screens:
+	@tools/install-packages.sh build run test
+	@tools/screens.sh build/screens
 
 style:
 	@tools/install-packages.sh lint

@@ -18,7 +18,7 @@ atspi/ ZentoCapture/Backends|Zento/Demo
 opencv ZentoIntelligence|ZentoRender
 simdjson ZentoCore
 fftw3 ZentoEngine
-Q[A-Z] Zento
+Q[A-Z]|Qt[A-Z] Zento
 RULES
 
 # <folder> <the module folders it may include from, itself aside>
@@ -33,7 +33,8 @@ ZentoImaging ZentoCore
 ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
-Zento/Model ZentoCore|ZentoEngine
+Zento/Model ZentoCore|ZentoEngine|ZentoCapture
+Zento/Desktop ZentoCore|ZentoCapture|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES
 exit $bad

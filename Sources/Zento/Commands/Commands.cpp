@@ -30,6 +30,8 @@ usage:
       the film beside it and a GIF of it, beside it or to FILE
   zento demo [--output FOLDER]
       records a scripted session on a display of its own and renders it
+  zento toggle
+      starts or stops a recording in the application that runs, for a key of the desktop's own
   zento --help | --version
 )";
 
@@ -38,11 +40,13 @@ struct Subcommand {
     void (*run)(std::span<const std::string_view>);
 };
 
-constexpr std::array<Subcommand, 4> kSubcommands{{
+constexpr std::array<Subcommand, 6> kSubcommands{{
     {"record", record},
     {"plan", plan},
     {"render", render},
     {"demo", demo},
+    {"toggle", toggle},
+    {"search-provider", searchProvider}, // started by the session bus, so the usage does not tell
 }};
 
 enum Status { Done = 0, Failed = 1, BadUsage = 2 };

@@ -11,5 +11,7 @@ void record(std::span<const std::string_view> words);
 void plan(std::span<const std::string_view> words);
 void render(std::span<const std::string_view> words);
 void demo(std::span<const std::string_view> words);
+void toggle(std::span<const std::string_view> words);
+void searchProvider(std::span<const std::string_view> words);
 
 } // namespace zento

@@ -14,6 +14,7 @@ const char* muxerName(Container container)
     case Container::QuickTime:
         return "mov";
     case Container::Mp4:
+    case Container::Mp4Cache:
         return "mp4";
     case Container::M4a:
         break;

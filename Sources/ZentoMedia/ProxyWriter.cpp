@@ -47,7 +47,7 @@ ProxyWriter::ProxyWriter(const std::filesystem::path& path, int width, int heigh
           .path = path,
           .movie = MovieEncoder(
               path,
-              Container::Mp4Cache,
+              MovieForm::Mp4Cache,
               openProxyEncoder(path, width, height),
               kLastFrameTicks,
               ErrorCode::kProxyNotStarted)})

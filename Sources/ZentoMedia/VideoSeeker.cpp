@@ -27,7 +27,9 @@ PictureIndex readIndex(AVStream& track)
 {
     const int count = avformat_index_get_entries_count(&track);
     PictureIndex index;
-    index.standAlone = count > 0 && track.codecpar->video_delay == 0;
+    // A movie in fragments is indexed as far as it was read.
+    index.standAlone =
+        count > 0 && count == track.nb_frames && track.codecpar->video_delay == 0;
     for (int i = 0; i < count && index.standAlone; ++i) {
         const AVIndexEntry* entry = avformat_index_get_entry(&track, i);
         index.standAlone = (entry->flags & AVINDEX_KEYFRAME) != 0

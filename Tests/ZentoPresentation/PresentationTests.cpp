@@ -392,6 +392,21 @@ TEST(Presentation, WalksTheLibraryByKeys)
     EXPECT_TRUE(
         stage.app()->property("calls").toStringList().contains(QStringLiteral("rename Take two")));
     EXPECT_TRUE(model->property("renaming").toString().isEmpty());
+    // The list has the keys again.
+    stage.app()->setProperty("calls", QStringList());
+    press(stage, Qt::Key_Delete);
+    EXPECT_EQ(
+        stage.app()->property("calls").toStringList(),
+        QStringList{QStringLiteral("moveToTrash /recordings/1.zento")});
+    press(stage, Qt::Key_Down);
+    EXPECT_EQ(model->property("selected").toString(), QStringLiteral("/recordings/2.zento"));
+    press(stage, Qt::Key_F2);
+    type(stage, "No");
+    press(stage, Qt::Key_Escape);
+    press(stage, Qt::Key_Up);
+    EXPECT_EQ(model->property("selected").toString(), QStringLiteral("/recordings/1.zento"));
+    EXPECT_FALSE(
+        stage.app()->property("calls").toStringList().contains(QStringLiteral("rename No")));
 }
 
 TEST(Presentation, GivesAShortcutRowTheKeys)

@@ -1,5 +1,6 @@
 #include "Zento/Desktop/DesktopWindows.h"
 
+#include "Zento/Desktop/Compositor.h"
 #include "ZentoCapture/Desktop.h"
 #include "ZentoCore/Error.h"
 
@@ -14,6 +15,7 @@
 #include <cstring>
 #include <memory>
 #include <mutex>
+#include <thread>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -109,8 +111,8 @@ std::optional<std::string> named(const std::string& displayName)
     return displayName.empty() ? std::nullopt : std::optional(displayName);
 }
 
-/// The first picture of a window, which the capture's thread hands over.
-class FirstPicture {
+/// The picture of a window, which the capture's thread hands over.
+class WindowPicture {
 public:
     FrameVerdict take(const CapturedFrame& frame)
     {
@@ -122,18 +124,20 @@ public:
                 frame.picture.height,
                 static_cast<qsizetype>(frame.picture.stride),
                 QImage::Format_RGB32);
-            if (m_image.isNull()) {
-                m_image = borrowed.copy();
-            }
+            m_image = borrowed.copy();
             m_arrived.notify_all();
         }
         return FrameVerdict::Taken;
     }
 
-    QImage await()
+    /// The last one that comes within `more` of the first.
+    QImage await(std::chrono::milliseconds more)
     {
         std::unique_lock lock(m_mutex);
         m_arrived.wait_for(lock, std::chrono::seconds(1), [this] { return !m_image.isNull(); });
+        lock.unlock();
+        std::this_thread::sleep_for(more);
+        lock.lock();
         return m_image;
     }
 
@@ -189,11 +193,14 @@ try {
          .window = RequestedWindow{windowID, size},
          .pixelWidth = static_cast<int>(size.x * scale) / 2 * 2,
          .pixelHeight = static_cast<int>(size.y * scale) / 2 * 2});
-    FirstPicture first;
+    WindowPicture picture;
     source->start(
-        [&first](const CapturedFrame& frame) { return first.take(frame); },
+        [&picture](const CapturedFrame& frame) { return picture.take(frame); },
         [](const std::optional<Error>&) {});
-    const QImage image = first.await();
+    // Where nothing blends windows, what is covered is not there before its program has drawn it.
+    constexpr std::chrono::milliseconds kTimeToDraw{150};
+    const QImage image =
+        picture.await(blendsWindows() ? std::chrono::milliseconds(0) : kTimeToDraw);
     source->stop();
     return image.width() > width ? image.scaledToWidth(width, Qt::SmoothTransformation) : image;
 } catch (const Error&) {

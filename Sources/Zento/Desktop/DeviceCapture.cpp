@@ -9,19 +9,6 @@ namespace zento {
 
 namespace {
 
-/// A generic function, so that a capture without recorders beside the screen compiles too.
-template <typename Session>
-void setSideRecorders(Session& session, const CaptureOrder& order)
-{
-    if constexpr (requires { session.recordNarration; }) {
-        session.recordNarration = order.recordNarration;
-        session.microphoneID = order.microphoneID;
-        session.recordWebcam = order.recordWebcam;
-        session.cameraID = order.cameraID;
-        session.recordSystemAudio = order.recordSystemAudio;
-    }
-}
-
 class DeviceCapture final : public RecordingCapture {
 public:
     DeviceCapture(
@@ -32,7 +19,11 @@ public:
         m_session.target = order.target;
         m_session.excludeWindowIDs = order.excludeWindowIDs;
         m_session.onStreamStopped = std::move(onStreamStopped);
-        setSideRecorders(m_session, order);
+        m_session.recordNarration = order.recordNarration;
+        m_session.microphoneID = order.microphoneID;
+        m_session.recordWebcam = order.recordWebcam;
+        m_session.cameraID = order.cameraID;
+        m_session.recordSystemAudio = order.recordSystemAudio;
     }
 
     void start() override { m_session.start(); }

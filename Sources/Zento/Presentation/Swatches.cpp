@@ -117,9 +117,10 @@ Canvas drawRecording(const QString& id, int width, int height)
 {
     const std::filesystem::path bundle =
         QUrl::fromPercentEncoding(id.section(QLatin1Char('/'), 0, -2).toUtf8()).toStdString();
-    std::filesystem::path film = bundle;
-    film.replace_extension("mp4");
-    VideoDecoder decoder(std::filesystem::exists(film) ? film : bundle / "screen.mov");
+    const bool isFilm = id.section(QLatin1Char('/'), -1) == QStringLiteral("film");
+    const std::filesystem::path film =
+        isFilm ? std::filesystem::path(bundle).replace_extension("mp4") : bundle / "screen.mov";
+    VideoDecoder decoder(film);
     // The first pictures often show the desktop before anything has happened.
     constexpr int kFrame = 12;
     std::optional<VideoFrame> frame = decoder.next();

@@ -5,10 +5,13 @@
 #include "Zento/Presentation/Engine.h"
 #include "ZentoCore/Error.h"
 
+#include <QGuiApplication>
+#include <QPixmap>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickImageProvider>
 #include <QQuickWindow>
+#include <QScreen>
 
 namespace zento {
 namespace {
@@ -37,6 +40,25 @@ private:
     const WindowList& m_windows;
 };
 
+/// What a display shows now: "image://display/X/Y/…", the place of its corner.
+class DisplayPictures : public QQuickImageProvider {
+public:
+    DisplayPictures()
+        : QQuickImageProvider(QQuickImageProvider::Pixmap)
+    {
+    }
+
+    QPixmap requestPixmap(const QString& id, QSize* size, const QSize&) override
+    {
+        const QPoint corner(
+            id.section(QLatin1Char('/'), 0, 0).toInt(), id.section(QLatin1Char('/'), 1, 1).toInt());
+        QScreen* const screen = QGuiApplication::screenAt(corner);
+        const QPixmap picture = screen ? screen->grabWindow(0) : QPixmap(1, 1);
+        *size = picture.size();
+        return picture;
+    }
+};
+
 } // namespace
 
 Windows::Windows(AppModel* app)
@@ -44,6 +66,7 @@ Windows::Windows(AppModel* app)
 {
     prepareEngine(*m_engine, app);
     m_engine->addImageProvider(QStringLiteral("window"), new WindowPictures(*app->windows()));
+    m_engine->addImageProvider(QStringLiteral("display"), new DisplayPictures);
     appearance(*m_engine)->followDesktop();
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     QQmlComponent component(

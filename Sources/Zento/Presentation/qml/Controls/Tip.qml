@@ -9,9 +9,14 @@ Loader {
     property string text
     property string shortcut
     property bool shown: false
+    readonly property bool pressed: parent !== null && parent.down === true
+    property bool used: false // no explanation for what was just pressed
+
+    onPressedChanged: if (pressed) used = true
 
     anchors.fill: parent
-    active: shown
+    active: shown && !used
+    onShownChanged: if (!shown) used = false
     sourceComponent: Item {
         Timer {
             interval: Theme.durationTooltipDelay

@@ -147,7 +147,16 @@ T.ItemDelegate {
                 App.library.rename(row.path, text)
                 App.library.renaming = ""
             }
-            Keys.onEscapePressed: App.library.renaming = ""
+            // The list has the keys again, as before, and would hand them on to the field it kept.
+            function leave() {
+                focus = false
+                row.ListView.view.forceActiveFocus(Qt.OtherFocusReason)
+            }
+            onAccepted: leave()
+            Keys.onEscapePressed: {
+                App.library.renaming = ""
+                leave()
+            }
         }
         IconButton {
             id: more

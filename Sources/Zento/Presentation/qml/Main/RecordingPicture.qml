@@ -6,7 +6,7 @@ Item {
     id: picture
 
     property string path
-    property string version // changes when the film does
+    property string version: "raw" // or "film": of the recording, or of what was exported
     property real radius: 6
 
     Rectangle {

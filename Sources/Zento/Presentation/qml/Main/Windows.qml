@@ -87,8 +87,21 @@ QtObject {
                 }
             }
         },
+        PanelShape { id: blending },
+        // Where a window cannot let the desktop shine through, its picture is taken as soon as the
+        // application's own windows are out of sight.
+        Timer {
+            id: sight
+
+            property bool isFree: false
+
+            interval: 300
+            running: App.model.panel === FloatingPanel.AreaPicker && !blending.isBlended
+            onTriggered: isFree = true
+        },
         Instantiator {
-            active: App.model.panel === FloatingPanel.AreaPicker
+            active: App.model.panel === FloatingPanel.AreaPicker && (blending.isBlended || sight.isFree)
+            onActiveChanged: if (!active) sight.isFree = false
             model: active ? App.model.displays() : []
             delegate: Window {
                 id: shade
@@ -103,6 +116,11 @@ QtObject {
                 height: modelData.height
                 visible: true
                 Component.onCompleted: requestActivate()
+                Image {
+                    anchors.fill: parent
+                    cache: false
+                    source: blending.isBlended ? "" : "image://display/" + shade.modelData.x + "/" + shade.modelData.y
+                }
                 AreaPicker {
                     anchors.fill: parent
                     onPicked: area => App.model.finishArea(Qt.rect(area.x + shade.x, area.y + shade.y, area.width, area.height))

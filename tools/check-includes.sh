@@ -33,7 +33,8 @@ ZentoImaging ZentoCore
 ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
-Zento/Model ZentoCore|ZentoEngine|ZentoRender|ZentoCapture
+Zento/Timeline ZentoCore
+Zento/Model ZentoCore|ZentoEngine|ZentoCapture|ZentoRender|Zento/Timeline
 Zento/Desktop ZentoCore|ZentoCapture|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES

@@ -112,6 +112,9 @@ void CaptureSession::stop()
     SessionBundle bundle{
         .url = m_bundleURL, .meta = meta(*epoch), .events = m_log->finished(*epoch)};
     m_sideRecorders.stop(*epoch, bundle.meta);
+    if (journal) {
+        journal->finish();
+    }
     complete(bundle);
     journal.reset();
     removeJournal(m_bundleURL);

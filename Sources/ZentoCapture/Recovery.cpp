@@ -161,6 +161,7 @@ Recovery recover(const std::filesystem::path& bundle, const std::stop_token& sto
     finishSideFiles(bundle, journal, result.meta, recovery, stop);
     result.meta.title = givenTitle(result);
     result.events = finishedEvents(journal);
+    giveRoomBack(hold);
     complete(result);
     removeJournal(bundle);
     return recovery;

@@ -22,9 +22,10 @@ namespace {
 // What a cut may cost of the log; the movie's fragments are as long.
 constexpr std::chrono::milliseconds kInterval(500);
 
-// "events.jsonl" is about as long as the journal; "meta.json" and a few blocks come on top.
+// "events.jsonl" is about as long as the journal; what comes on top is "meta.json" and the news of
+// the time until somebody notices that the disk is full.
 constexpr std::int64_t kRoomFactor = 2;
-constexpr std::int64_t kSpareRoom = 64 << 10;
+constexpr std::int64_t kSpareRoom = 128 << 10;
 
 FileDescriptor open(const std::filesystem::path& path, int flags)
 {

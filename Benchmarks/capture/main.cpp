@@ -122,14 +122,13 @@ Cost measured(const Setting& setting)
     return cost;
 }
 
-/// Without the stage and this program itself, and without the encoder where `withEncoder` is false.
+/// Without the stage, and without the encoder where `withEncoder` is false: its threads have this
+/// program's name, as has the main one, which sleeps.
 double cores(const Cost& cost, bool withEncoder)
 {
     double sum = 0;
     for (const auto& [name, share] : cost.cores) {
-        const bool isCapture = name.starts_with("capture.");
-        const bool isBench = name == "stage" || name.starts_with("capture_bench");
-        if (isCapture || (withEncoder && !isBench)) {
+        if (name.starts_with("capture.") || (withEncoder && name != "stage")) {
             sum += share;
         }
     }

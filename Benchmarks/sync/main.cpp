@@ -90,6 +90,7 @@ std::vector<std::uint8_t> cameraPicture(double time)
 struct Recorded {
     std::filesystem::path bundle;
     double epoch = 0;                      // seconds of CLOCK_MONOTONIC
+    double ends = 0;                       // seconds that starting and stopping took together
     std::map<std::string, double> threads; // processor seconds
 };
 
@@ -116,6 +117,7 @@ double epochOf(const std::filesystem::path& bundle)
 
 Recorded record(PrivateDesktop& desktop, const std::string& zento, double seconds)
 {
+    const double begin = monotonicSeconds();
     const pid_t process = desktop.start(
         {zento,
          "record",
@@ -130,12 +132,13 @@ Recorded record(PrivateDesktop& desktop, const std::string& zento, double second
         if (!times.empty() && times.size() + 2 >= recorded.threads.size()) {
             recorded.threads = times;
         }
-        sleepFor(0.2, {});
+        sleepFor(monotonicSeconds() - begin < seconds ? 0.2 : 0.005, {});
         if (recorded.epoch == 0) {
             recorded.bundle = bundleIn(desktop.home().path());
             recorded.epoch = epochOf(recorded.bundle);
         }
     }
+    recorded.ends = monotonicSeconds() - begin - seconds;
     return recorded;
 }
 
@@ -280,6 +283,7 @@ bool analyse(const Recorded& recorded, const Lateness& lateness, double seconds)
     reportSteadiness("system audio", beeps(bundle.systemAudioURL()));
     reportSteadiness("microphone", beeps(bundle.narrationURL()));
     reportSteadiness("camera", flashes(bundle.webcamURL()));
+    std::printf("\nstarting and stopping took %.2f s together\n", recorded.ends);
     std::printf("\nprocessor time by thread, in hundredths of a core:\n");
     for (const auto& [name, time] : recorded.threads) {
         std::printf("  %-16s %6.2f\n", name.c_str(), 100 * time / seconds);

@@ -218,8 +218,8 @@ void CaptureSession::startJournal()
 FrameVerdict CaptureSession::handle(const CapturedFrame& frame)
 {
     const FrameVerdict verdict = m_intake.handle(frame);
-    if (m_journal && m_intake.epoch()) {
-        m_journal->setEpoch(*m_intake.epoch());
+    if (const auto epoch = m_intake.epoch(); m_journal && epoch) {
+        m_journal->setEpoch(*epoch);
     }
     if (verdict == FrameVerdict::Refused && m_writer->hasFailed()) {
         reportFailedWriter();

@@ -131,7 +131,7 @@ protected:
     test::TemporaryFolder m_folder;
 
 private:
-    std::vector<std::uint8_t> m_pixels = std::vector<std::uint8_t>(640 * 480 * 4);
+    std::vector<std::uint8_t> m_pixels = std::vector<std::uint8_t>(std::size_t{640} * 480 * 4);
 };
 
 TEST_F(RecoveryTest, aKilledRecordingBecomesWhatAStopWouldHaveMade)

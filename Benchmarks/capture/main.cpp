@@ -173,8 +173,8 @@ void compare(const char* what, const Setting& setting, bool withEncoder, double 
 
 void compareAll()
 {
-    compare("capture besides encoding, 30 % in motion", {}, false, 0.35);
-    compare("a still screen in all", {.share = 0}, true, 0.03);
+    compare("capture besides encoding, 30 % in motion", {}, /*withEncoder=*/false, 0.35);
+    compare("a still screen in all", {.share = 0}, /*withEncoder=*/true, 0.03);
     for (const DesktopSize size : {DesktopSize{1920, 1080}, DesktopSize{2880, 1800}}) {
         const Setting setting{.size = size, .share = 1};
         print(setting, measured(setting));

@@ -81,7 +81,7 @@ void flashScreen(const std::string& display, Lateness& lateness, const std::stop
 std::vector<std::uint8_t> cameraPicture(double time)
 {
     const double since = time - std::floor(time / kPeriod) * kPeriod;
-    constexpr std::size_t kPixels = 1280 * 720;
+    constexpr std::size_t kPixels = std::size_t{1280} * 720;
     std::vector<std::uint8_t> bytes(kPixels, since < kFlashSeconds ? 235 : 16);
     bytes.resize(kPixels * 3 / 2, 128);
     return bytes;

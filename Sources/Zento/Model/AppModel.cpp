@@ -1,5 +1,7 @@
 #include "Zento/Model/AppModel.h"
 
+#include <QLocale>
+
 #include <array>
 #include <string_view>
 #include <utility>
@@ -24,6 +26,18 @@ QString knownTab(const QString& tab)
         }
     }
     return QLatin1StringView(kInspectorTabs.front().data());
+}
+
+QVariantList choices(const std::vector<CaptureDevice>& devices)
+{
+    QVariantList list;
+    for (const CaptureDevice& device : devices) {
+        list.append(
+            QVariantMap{
+                {"value", QString::fromStdString(device.id)},
+                {"name", QString::fromStdString(device.name)}});
+    }
+    return list;
 }
 
 } // namespace
@@ -94,6 +108,8 @@ AppModel::AppModel(AppServices services)
     , m_showInspector(m_services.defaults.value(kShowInspectorKey, true).toBool())
     , m_showWelcome(!m_services.defaults.value(kWelcomeShownKey, false).toBool())
 {
+    connect(&m_permissions, &Permissions::changed, this, &AppModel::refreshDevices);
+    connect(&m_library, &RecordingLibrary::refreshed, this, &AppModel::refreshFreeSpace);
     m_shortcuts.onHotkey = [this](ShortcutAction action) {
         run(QString::fromLatin1(shortcutEntry(action).id.data()));
     };
@@ -306,6 +322,41 @@ void AppModel::refreshActions()
             }
             Q_EMIT installedActionsChanged();
         });
+}
+
+void AppModel::refreshDevices()
+{
+    compute(
+        m_services.probes, this, m_services.devices, [this](const Outcome<CaptureDevices>& devices) {
+            m_devices = devices.value_or(CaptureDevices{});
+            Q_EMIT devicesChanged();
+        });
+}
+
+void AppModel::refreshFreeSpace()
+{
+    compute(
+        m_services.files,
+        this,
+        m_services.freeSpace,
+        [this](const Outcome<std::optional<std::int64_t>>& free) {
+            const auto bytes = free.value_or(std::nullopt);
+            m_freeSpace =
+                bytes ? tr("%1 free").arg(
+                            QLocale().formattedDataSize(*bytes, 0, QLocale::DataSizeSIFormat))
+                      : QString();
+            Q_EMIT freeSpaceChanged();
+        });
+}
+
+QVariantList AppModel::microphones() const
+{
+    return choices(m_devices.microphones);
+}
+
+QVariantList AppModel::cameras() const
+{
+    return choices(m_devices.cameras);
 }
 
 void AppModel::relaunch()

@@ -172,6 +172,8 @@ void FilmExport::filmMade(const Outcome<void>& outcome)
         failed(tr("Render failed: %1"), outcome.error());
         return;
     }
+    ++m_renderGeneration;
+    Q_EMIT renderGenerationChanged();
     m_ports.library.refresh();
     if (m_job->gif.empty()) {
         succeeded(tr("Video exported"));

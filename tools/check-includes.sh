@@ -33,8 +33,8 @@ ZentoImaging ZentoCore
 ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
-Zento/Model ZentoCore|ZentoEngine|ZentoCapture
-Zento/Desktop ZentoCore|ZentoCapture|Zento/Model
+Zento/Model ZentoCore|ZentoEngine|ZentoRender|ZentoCapture
+Zento/Desktop ZentoCore|ZentoRender|ZentoCapture|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES
 exit $bad

@@ -62,8 +62,7 @@ std::string visited(const std::string& program, const std::string& visit, int re
         const auto begun = std::chrono::steady_clock::now().time_since_epoch();
         const pid_t child = stage.start(
             {"/usr/bin/env",
-             "ZENTO_BENCH_BEGUN="
-                 + std::to_string(std::chrono::nanoseconds(begun).count()),
+             "ZENTO_BENCH_BEGUN=" + std::to_string(std::chrono::nanoseconds(begun).count()),
              program,
              visit});
         while (ProcessGroup::isRunning(child)) {

@@ -36,8 +36,8 @@ RunningZento::RunningZento(std::string_view settings, std::string_view defaults)
         "Zento does not open; " + messages());
 }
 
-ElementQuery RunningZento::element(
-    const std::string& role, const std::string& name, const std::string& window)
+ElementQuery
+RunningZento::element(const std::string& role, const std::string& name, const std::string& window)
 {
     return {.application = "Zento", .window = window, .role = role, .name = name, .text = {}};
 }
@@ -45,6 +45,19 @@ ElementQuery RunningZento::element(
 ElementQuery RunningZento::editor()
 {
     return {.application = "l3afpad", .window = {}, .role = "text", .name = {}, .text = {}};
+}
+
+void RunningZento::await(const ElementQuery& query)
+{
+    await(
+        [&] { return isShown(query); },
+        description(query) + " does not come; the programs said: " + messages());
+}
+
+void RunningZento::click(const ElementQuery& query)
+{
+    await(query);
+    m_actor->perform(ClickStep{query}, {});
 }
 
 /// As a screen reader does when it starts.

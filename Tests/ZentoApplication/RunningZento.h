@@ -23,11 +23,11 @@ public:
     explicit RunningZento(std::string_view settings = "{}", std::string_view defaults = "");
 
     /// An element of Zento.
-    static ElementQuery element(
-        const std::string& role, const std::string& name, const std::string& window = "");
+    static ElementQuery
+    element(const std::string& role, const std::string& name, const std::string& window = "");
 
-    void await(const ElementQuery& query) { m_actor->await(query, {}); }
-    void click(const ElementQuery& query) { m_actor->perform(ClickStep{query}, {}); }
+    void await(const ElementQuery& query);
+    void click(const ElementQuery& query);
     void press(const std::vector<std::string>& keys) { m_actor->perform(PressStep{keys}, {}); }
     void type(const std::string& text) { m_actor->perform(TypeStep{text}, {}); }
     bool isShown(const ElementQuery& query) const { return m_finder->find(query).has_value(); }

@@ -61,7 +61,9 @@ TEST(Pictures, OfARecordingShowWhatWasRecordedOrWhatWasExported)
     std::filesystem::create_directory(bundle);
     test::writeNumberedRecording(bundle / "screen.mov", {64, 64}, test::countedFrames(0, 15, 60));
     test::writeNumberedFilm(
-        folder / "one.mp4", {.width = 64, .height = 64, .bitRate = 200000}, test::countedNumbers(40000, 15));
+        folder / "one.mp4",
+        {.width = 64, .height = 64, .bitRate = 200000},
+        test::countedNumbers(40000, 15));
     const QString path =
         QString::fromLatin1(QUrl::toPercentEncoding(QString::fromStdString(bundle.string())));
     const auto picture = [&](const char* version) {

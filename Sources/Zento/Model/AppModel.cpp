@@ -32,10 +32,9 @@ QVariantList choices(const std::vector<CaptureDevice>& devices)
 {
     QVariantList list;
     for (const CaptureDevice& device : devices) {
-        list.append(
-            QVariantMap{
-                {"value", QString::fromStdString(device.id)},
-                {"name", QString::fromStdString(device.name)}});
+        list.append(QVariantMap{
+            {"value", QString::fromStdString(device.id)},
+            {"name", QString::fromStdString(device.name)}});
     }
     return list;
 }
@@ -327,7 +326,10 @@ void AppModel::refreshActions()
 void AppModel::refreshDevices()
 {
     compute(
-        m_services.probes, this, m_services.devices, [this](const Outcome<CaptureDevices>& devices) {
+        m_services.probes,
+        this,
+        m_services.devices,
+        [this](const Outcome<CaptureDevices>& devices) {
             m_devices = devices.value_or(CaptureDevices{});
             Q_EMIT devicesChanged();
         });
@@ -341,10 +343,9 @@ void AppModel::refreshFreeSpace()
         m_services.freeSpace,
         [this](const Outcome<std::optional<std::int64_t>>& free) {
             const auto bytes = free.value_or(std::nullopt);
-            m_freeSpace =
-                bytes ? tr("%1 free").arg(
-                            QLocale().formattedDataSize(*bytes, 0, QLocale::DataSizeSIFormat))
-                      : QString();
+            m_freeSpace = bytes ? tr("%1 free").arg(QLocale().formattedDataSize(
+                                      *bytes, 0, QLocale::DataSizeSIFormat))
+                                : QString();
             Q_EMIT freeSpaceChanged();
         });
 }

@@ -34,7 +34,7 @@ ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
 Zento/Model ZentoCore|ZentoEngine|ZentoRender|ZentoCapture
-Zento/Desktop ZentoCore|ZentoRender|ZentoCapture|Zento/Model
+Zento/Desktop ZentoCore|ZentoCapture|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES
 exit $bad

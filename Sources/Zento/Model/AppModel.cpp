@@ -18,14 +18,19 @@ constexpr auto kShowInspectorKey = "showInspector";
 constexpr auto kInspectorTabKey = "inspectorTab";
 constexpr auto kWelcomeShownKey = "welcomeShown";
 
+QLatin1StringView latin(std::string_view text)
+{
+    return {text.data(), static_cast<qsizetype>(text.size())};
+}
+
 QString knownTab(const QString& tab)
 {
     for (const std::string_view known : kInspectorTabs) {
-        if (tab == QLatin1StringView(known.data())) {
+        if (tab == latin(known)) {
             return tab;
         }
     }
-    return QLatin1StringView(kInspectorTabs.front().data());
+    return latin(kInspectorTabs.front());
 }
 
 QVariantList choices(const std::vector<CaptureDevice>& devices)
@@ -110,7 +115,7 @@ AppModel::AppModel(AppServices services)
     connect(&m_permissions, &Permissions::changed, this, &AppModel::refreshDevices);
     connect(&m_library, &RecordingLibrary::refreshed, this, &AppModel::refreshFreeSpace);
     m_shortcuts.onHotkey = [this](ShortcutAction action) {
-        run(QString::fromLatin1(shortcutEntry(action).id.data()));
+        run(latin(shortcutEntry(action).id));
     };
 }
 

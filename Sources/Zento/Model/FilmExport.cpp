@@ -37,7 +37,7 @@ struct FilmExport::Job {
     std::filesystem::path film;
     std::filesystem::path gif; // empty: the film is what is wanted
     std::stop_source stop;
-    std::atomic<FilmProgress> progress{};
+    std::atomic<FilmProgress> progress;
     Clock::Instant begun; // of the step under way
     RecordingFlow::Phase phase = RecordingFlow::Phase::Rendering;
 

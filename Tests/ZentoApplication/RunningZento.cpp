@@ -47,7 +47,7 @@ ElementQuery RunningZento::editor()
     return {.application = "l3afpad", .window = {}, .role = "text", .name = {}, .text = {}};
 }
 
-void RunningZento::await(const ElementQuery& query)
+void RunningZento::await(const ElementQuery& query) const
 {
     await(
         [&] { return isShown(query); },
@@ -90,7 +90,7 @@ std::string RunningZento::accessibilityAddress() const
     return address;
 }
 
-void RunningZento::terminate()
+void RunningZento::terminate() const
 {
     kill(m_zento, SIGTERM);
     await([&] { return !ProcessGroup::isRunning(m_zento); }, "Zento does not end");

@@ -56,7 +56,6 @@ std::string visited(const std::string& program, const std::string& visit, int re
     fillLibrary(home.path() / "Videos/Zento", recordings);
     home.writeFile(".config/Zento/settings.json", R"({"countdownSeconds": 0})");
     home.writeFile(".config/Zento/Zento.ini", "[General]\nwelcomeShown=true\n");
-    std::string printed;
     // The first start compiles what the later ones find in the cache.
     for (int run = 0; run < (visit == "--start" ? 4 : 1); ++run) {
         const auto begun = std::chrono::steady_clock::now().time_since_epoch();

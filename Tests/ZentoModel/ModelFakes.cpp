@@ -161,6 +161,7 @@ void ModelTest::makeModel()
         .displays = [] { return std::vector<QRectF>{{0, 0, 1920, 1080}}; },
         .permissions = [this] { return m_permissions; },
         .permissionRequests = {},
+        .devices = [this] { return m_devices; },
         .windows = [this] { return m_windows; },
         .windowThumbnail = [](std::uint32_t,
                               int width) { return QImage(width, 10, QImage::Format_RGB32); },

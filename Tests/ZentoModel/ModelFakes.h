@@ -258,6 +258,7 @@ protected:
     std::optional<QByteArray> m_updateDocument;
     std::vector<QUrl> m_fetched;
     bool m_hasTray = true;
+    CaptureDevices m_devices;
     std::vector<DesktopWindow> m_windows;
     std::unique_ptr<QSettings> m_defaults;
     std::unique_ptr<AppModel> m_model;

@@ -10,6 +10,8 @@ QtObject {
     property bool showWelcome: false
     property int panel: 0
     property var installedActions: ["Zento Focus On", "Zento Focus Off"]
+    property var microphones: [{ value: "desk", name: "Desk microphone" }]
+    property var cameras: []
     property string freeSpace: "182 GB free"
     property var calls: []
     property var settings
@@ -29,6 +31,7 @@ QtObject {
     function displayUnderPointer() { return Qt.rect(0, 0, 1440, 900) }
     function run(action) { note("run " + action); actionRequested(action) }
     function refreshActions() {}
+    function refreshDevices() {}
 
     property QtObject recording: QtObject {
         property int phase: 0
@@ -85,6 +88,7 @@ QtObject {
         property int frame: 1486
         property int totalFrames: 2606
         property int secondsLeft: 12
+        property int renderGeneration: 0
         property bool isCancelling: false
         property string destination
 

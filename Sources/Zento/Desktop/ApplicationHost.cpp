@@ -8,6 +8,7 @@
 #include "Zento/Desktop/HttpFetch.h"
 #include "Zento/Desktop/Identity.h"
 #include "Zento/Desktop/PermissionProbe.h"
+#include "ZentoCapture/DeviceWatch.h"
 #include "ZentoCore/SessionBundle.h"
 #include "ZentoCore/UserFolders.h"
 
@@ -80,6 +81,7 @@ ApplicationHost::ApplicationHost()
 AppServices ApplicationHost::services()
 {
     const std::filesystem::path sessions = sessionsFolder();
+    const auto devices = std::make_shared<DeviceWatch>(); // used on the probes' thread alone
     return {
         .clock = m_clock,
         .files = m_files,
@@ -102,12 +104,13 @@ AppServices ApplicationHost::services()
         .installedActions = [] { return FocusActions::installed(FocusActions::folder()); },
         .displayOf = displayOf,
         .displays = displays,
-        .permissions = [probe = std::make_shared<PermissionProbe>()] { return (*probe)(); },
+        .permissions = [probe = std::make_shared<PermissionProbe>(devices)] { return (*probe)(); },
         .permissionRequests =
             {.input = {},
              .accessibility = enableAccessibility,
              .microphone = openSoundSettings,
              .camera = openCameraSettings},
+        .devices = [devices] { return devices->devices(); },
         .windows = [] { return desktopWindows(); },
         .windowThumbnail = [](std::uint32_t window,
                               int width) { return windowThumbnail(window, width); },

@@ -1,5 +1,7 @@
 #include "Zento/Model/AppModel.h"
 
+#include <QLocale>
+
 #include <array>
 #include <string_view>
 #include <utility>
@@ -16,14 +18,30 @@ constexpr auto kShowInspectorKey = "showInspector";
 constexpr auto kInspectorTabKey = "inspectorTab";
 constexpr auto kWelcomeShownKey = "welcomeShown";
 
+QLatin1StringView latin(std::string_view text)
+{
+    return {text.data(), static_cast<qsizetype>(text.size())};
+}
+
 QString knownTab(const QString& tab)
 {
     for (const std::string_view known : kInspectorTabs) {
-        if (tab == QLatin1StringView(known.data())) {
+        if (tab == latin(known)) {
             return tab;
         }
     }
-    return QLatin1StringView(kInspectorTabs.front().data());
+    return latin(kInspectorTabs.front());
+}
+
+QVariantList choices(const std::vector<CaptureDevice>& devices)
+{
+    QVariantList list;
+    for (const CaptureDevice& device : devices) {
+        list.append(QVariantMap{
+            {"value", QString::fromStdString(device.id)},
+            {"name", QString::fromStdString(device.name)}});
+    }
+    return list;
 }
 
 } // namespace
@@ -94,8 +112,10 @@ AppModel::AppModel(AppServices services)
     , m_showInspector(m_services.defaults.value(kShowInspectorKey, true).toBool())
     , m_showWelcome(!m_services.defaults.value(kWelcomeShownKey, false).toBool())
 {
+    connect(&m_permissions, &Permissions::changed, this, &AppModel::refreshDevices);
+    connect(&m_library, &RecordingLibrary::refreshed, this, &AppModel::refreshFreeSpace);
     m_shortcuts.onHotkey = [this](ShortcutAction action) {
-        run(QString::fromLatin1(shortcutEntry(action).id.data()));
+        run(latin(shortcutEntry(action).id));
     };
 }
 
@@ -306,6 +326,43 @@ void AppModel::refreshActions()
             }
             Q_EMIT installedActionsChanged();
         });
+}
+
+void AppModel::refreshDevices()
+{
+    compute(
+        m_services.probes,
+        this,
+        m_services.devices,
+        [this](const Outcome<CaptureDevices>& devices) {
+            m_devices = devices.value_or(CaptureDevices{});
+            Q_EMIT devicesChanged();
+        });
+}
+
+void AppModel::refreshFreeSpace()
+{
+    compute(
+        m_services.files,
+        this,
+        m_services.freeSpace,
+        [this](const Outcome<std::optional<std::int64_t>>& free) {
+            const auto bytes = free.value_or(std::nullopt);
+            m_freeSpace = bytes ? tr("%1 free").arg(QLocale().formattedDataSize(
+                                      *bytes, 0, QLocale::DataSizeSIFormat))
+                                : QString();
+            Q_EMIT freeSpaceChanged();
+        });
+}
+
+QVariantList AppModel::microphones() const
+{
+    return choices(m_devices.microphones);
+}
+
+QVariantList AppModel::cameras() const
+{
+    return choices(m_devices.cameras);
 }
 
 void AppModel::relaunch()

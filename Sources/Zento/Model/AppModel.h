@@ -11,6 +11,7 @@
 #include "Zento/Model/Shortcuts.h"
 #include "Zento/Model/UpdateCheck.h"
 #include "Zento/Model/WindowList.h"
+#include "ZentoCapture/DeviceWatch.h"
 
 #include <QObject>
 #include <QPointer>
@@ -53,6 +54,7 @@ struct AppServices {
     std::function<std::vector<QRectF>()> displays; // points, the first being the main one
     Permissions::Probe permissions;
     Permissions::Requests permissionRequests;
+    std::function<CaptureDevices()> devices; // blocks
     std::function<std::vector<DesktopWindow>()> windows;
     std::function<QImage(std::uint32_t, int)> windowThumbnail;
     UpdateCheck::Fetch fetch;
@@ -87,6 +89,13 @@ class AppModel : public QObject {
     Q_PROPERTY(Panel panel READ panel WRITE setPanel NOTIFY panelChanged)
     /// The names that `focusOnShortcut` and `focusOffShortcut` can have; see `refreshActions`.
     Q_PROPERTY(QStringList installedActions READ installedActions NOTIFY installedActionsChanged)
+    /// What `microphoneID` and `cameraID` can be, as maps of "value" and "name"; see
+    /// `refreshDevices`.
+    Q_PROPERTY(QVariantList microphones READ microphones NOTIFY devicesChanged)
+    Q_PROPERTY(QVariantList cameras READ cameras NOTIFY devicesChanged)
+    /// "182 GB free", where the recordings lie; empty where the system does not say. Asked for anew
+    /// with every listing of the library.
+    Q_PROPERTY(QString freeSpace READ freeSpace NOTIFY freeSpaceChanged)
 
 public:
     enum class Panel { NoPanel, CapturePanel, AreaPicker, WindowPicker };
@@ -112,6 +121,9 @@ public:
     bool showWelcome() const { return m_showWelcome; }
     Panel panel() const { return m_panel; }
     QStringList installedActions() const { return m_installedActions; }
+    QString freeSpace() const { return m_freeSpace; }
+    QVariantList microphones() const;
+    QVariantList cameras() const;
 
     void setShowInspector(bool isShown);
     void setInspectorTab(const QString& tab); // an unknown one gives the default tab
@@ -148,6 +160,7 @@ public:
     Q_INVOKABLE void run(const QString& action);
 
     Q_INVOKABLE void refreshActions();
+    Q_INVOKABLE void refreshDevices();
     Q_INVOKABLE void relaunch();
 
     /// The user closed the window: with a tray the program stays there, without one it ends.
@@ -171,6 +184,8 @@ Q_SIGNALS:
     void viewChanged();
     void panelChanged();
     void installedActionsChanged();
+    void devicesChanged();
+    void freeSpaceChanged();
     /// "exportVideo", "screenshotScreen", …: of parts outside this model.
     void actionRequested(const QString& action);
 
@@ -189,6 +204,8 @@ private:
     WindowList m_windows;
     std::vector<QPointer<QWindow>> m_excluded;
     QStringList m_installedActions;
+    CaptureDevices m_devices;
+    QString m_freeSpace;
     QString m_inspectorTab;
     QString m_hotkeyMessage; // about those that are taken; empty when none is
     bool m_showInspector = true;
@@ -197,6 +214,7 @@ private:
 
     std::vector<std::uint32_t> excludedWindows() const;
     void tellTakenHotkeys();
+    void refreshFreeSpace();
 };
 
 } // namespace zento

@@ -37,7 +37,7 @@ struct FilmExport::Job {
     std::filesystem::path film;
     std::filesystem::path gif; // empty: the film is what is wanted
     std::stop_source stop;
-    std::atomic<FilmProgress> progress{};
+    std::atomic<FilmProgress> progress;
     Clock::Instant begun; // of the step under way
     RecordingFlow::Phase phase = RecordingFlow::Phase::Rendering;
 
@@ -171,6 +171,8 @@ void FilmExport::filmMade(const Outcome<void>& outcome)
         failed(tr("Render failed: %1"), outcome.error());
         return;
     }
+    ++m_renderGeneration;
+    Q_EMIT renderGenerationChanged();
     m_ports.library.refresh();
     if (m_job->gif.empty()) {
         succeeded(tr("Video exported"));

@@ -34,8 +34,8 @@ ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
 Zento/Timeline ZentoCore
-Zento/Model ZentoCore|ZentoEngine|ZentoCapture|ZentoRender|Zento/Timeline
-Zento/Desktop ZentoCore|ZentoCapture|Zento/Model
+Zento/Model ZentoCore|ZentoMedia|ZentoImaging|ZentoEngine|ZentoCapture|ZentoRender|Zento/Timeline
+Zento/Desktop ZentoCore|ZentoCapture|ZentoRender|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES
 exit $bad

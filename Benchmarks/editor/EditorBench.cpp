@@ -98,9 +98,9 @@ std::filesystem::path makeHour(const std::filesystem::path& folder, VideoSize di
         pictures.push_back(test::noiseFilmPicture(i, size.width, size.height));
     ProxyWriter proxy(folder / "proxy.mp4", size.width, size.height);
     for (int i = 0; i < static_cast<int>(bundle.meta.duration) * 4; ++i) {
-        const auto& picture = i % 16 == 0
-                                  ? pictures[static_cast<std::size_t>(i / 16 % 8)]
-                                  : (pictures[0] = test::numberedFilmPicture(i, size.width, size.height));
+        const auto& picture =
+            i % 16 == 0 ? pictures[static_cast<std::size_t>(i / 16 % 8)]
+                        : (pictures[0] = test::numberedFilmPicture(i, size.width, size.height));
         proxy.append(
             {picture.planes.y, picture.planes.cb, picture.planes.cr}, picture.samples, i / 4.0);
     }

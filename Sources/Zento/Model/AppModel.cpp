@@ -381,8 +381,10 @@ void AppModel::openFromSearch(const QString& identifier)
 void AppModel::shutDown(std::function<void()> done)
 {
     m_recording.finish([this, done = std::move(done)]() mutable {
-        m_export.finish(
-            [this, done = std::move(done)]() mutable { m_editor.session()->flush([this, done = std::move(done)]() mutable { m_settings.flush(std::move(done)); }); });
+        m_export.finish([this, done = std::move(done)]() mutable {
+            m_editor.session()->flush(
+                [this, done = std::move(done)]() mutable { m_settings.flush(std::move(done)); });
+        });
     });
 }
 

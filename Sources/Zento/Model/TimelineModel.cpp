@@ -144,9 +144,7 @@ void TimelineModel::pressVideo(double x)
         return;
     }
     m_trimDrag = RunningTrim{
-        .drag = beginTrim(scale(), m_session.edits(), x),
-        .startX = x,
-        .before = m_session.edits()};
+        .drag = beginTrim(scale(), m_session.edits(), x), .startX = x, .before = m_session.edits()};
     if (m_trimDrag->drag.kind == Kind::Move) {
         m_preview.pause();
         seekTo(x); // a press is a click on the timeline until it moves
@@ -234,9 +232,7 @@ void TimelineModel::beginZoomDrag(double x)
     if (const ZoomBar* const zoom = barAt(x)) {
         const BarFrame frame = barFrame(scale(), *zoom, std::nullopt);
         m_zoomDrag = RunningZoom{
-            .bar = *zoom,
-            .startX = x,
-            .movement = {.kind = zoomDragAt(frame.width, x - frame.x)}};
+            .bar = *zoom, .startX = x, .movement = {.kind = zoomDragAt(frame.width, x - frame.x)}};
         Q_EMIT dragChanged();
     }
 }
@@ -252,8 +248,7 @@ void TimelineModel::dragZoom(double x)
 void TimelineModel::endZoomDrag()
 {
     if (const auto drag = std::exchange(m_zoomDrag, std::nullopt)) {
-        m_session.apply(
-            zento::endZoomDrag(scale(), m_session.edits(), drag->bar, drag->movement));
+        m_session.apply(zento::endZoomDrag(scale(), m_session.edits(), drag->bar, drag->movement));
         Q_EMIT dragChanged();
     }
 }
@@ -330,19 +325,14 @@ void TimelineModel::deleteZoom(double id)
 
 void TimelineModel::addZoomAt(double x)
 {
-    m_session.apply(
-        zento::addZoomAt(
-            scale(), m_session.edits(), scale().timeAt(x), m_session.addedZoomLevel()));
+    m_session.apply(zento::addZoomAt(
+        scale(), m_session.edits(), scale().timeAt(x), m_session.addedZoomLevel()));
 }
 
 void TimelineModel::addZoomAtPlayhead()
 {
-    m_session.apply(
-        zento::addZoomAt(
-            scale(),
-            m_session.edits(),
-            m_preview.playheadTimeline(),
-            m_session.addedZoomLevel()));
+    m_session.apply(zento::addZoomAt(
+        scale(), m_session.edits(), m_preview.playheadTimeline(), m_session.addedZoomLevel()));
 }
 
 void TimelineModel::restoreDeletedZooms()

@@ -38,8 +38,8 @@ void ThumbnailStrip::paint(QPainter* painter)
     const double cellWidth = width() / cells;
     painter->setRenderHint(QPainter::SmoothPixmapTransform);
     for (int i = 0; i < cells; ++i) {
-        const auto middle = static_cast<std::size_t>(
-            (i + 0.5) / cells * static_cast<double>(pictures.size()));
+        const auto middle =
+            static_cast<std::size_t>((i + 0.5) / cells * static_cast<double>(pictures.size()));
         const QImage& picture = pictures[std::min(middle, pictures.size() - 1)];
         const QRectF cell(i * cellWidth, 0, cellWidth, height());
         const QSizeF fitted = QSizeF(cell.size()).scaled(picture.size(), Qt::KeepAspectRatio);

@@ -117,9 +117,10 @@ std::optional<VideoFrame> VideoSeeker::frame(double t, Accuracy accuracy)
 
 std::optional<VideoFrame> VideoSeeker::State::standingAlone(double t)
 {
-    const auto isLater = [&](double time, std::int64_t ticks) { return seconds(ticks) > time; };
-    const auto later =
-        std::upper_bound(index.ticks.begin(), index.ticks.end(), t + kRoundingAllowance, isLater);
+    const auto later = std::ranges::upper_bound(
+        index.ticks, t + kRoundingAllowance, {}, [this](std::int64_t ticks) {
+            return seconds(ticks);
+        });
     const auto entry =
         static_cast<std::size_t>(std::max<std::ptrdiff_t>(later - index.ticks.begin() - 1, 0));
     if (current && currentEntry == entry)

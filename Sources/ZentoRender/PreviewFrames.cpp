@@ -29,7 +29,7 @@ public:
         if (m_seeker && m_path == path)
             return false;
         m_seeker.reset();
-        m_seeker.emplace(path);
+        m_seeker = std::make_unique<VideoSeeker>(path);
         m_path = path;
         return true;
     }
@@ -44,7 +44,7 @@ public:
 
 private:
     std::filesystem::path m_path;
-    std::optional<VideoSeeker> m_seeker;
+    std::unique_ptr<VideoSeeker> m_seeker;
 };
 
 } // namespace
@@ -53,11 +53,11 @@ struct PreviewFrames::State {
     OpenMovie screen;
     OpenMovie webcam;
     std::shared_ptr<const PreviewFilm> film; // of the parts below
-    std::optional<FrameCompositor> compositor;
+    std::unique_ptr<FrameCompositor> compositor;
     OutputSpec output; // of the compositor
     StyleSpec style;
     VideoSize master;
-    std::optional<FrameReplay> replay;
+    std::unique_ptr<FrameReplay> replay;
 
     void take(const std::shared_ptr<const PreviewFilm>& newFilm);
     std::optional<VideoFrame>
@@ -107,12 +107,12 @@ void PreviewFrames::State::take(const std::shared_ptr<const PreviewFilm>& newFil
         return;
     const EditPlan& plan = *newFilm->plan;
     if (!compositor || output != plan.output || style != plan.style || master != newFilm->master) {
-        compositor.emplace(plan.output, plan.style, newFilm->master);
+        compositor = std::make_unique<FrameCompositor>(plan.output, plan.style, newFilm->master);
         output = plan.output;
         style = plan.style;
         master = newFilm->master;
     }
-    replay.emplace(plan, *newFilm->events, newFilm->curve, newFilm->master);
+    replay = std::make_unique<FrameReplay>(plan, *newFilm->events, newFilm->curve, newFilm->master);
     film = newFilm;
 }
 

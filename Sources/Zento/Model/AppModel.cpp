@@ -382,8 +382,12 @@ void AppModel::shutDown(std::function<void()> done)
 {
     m_recording.finish([this, done = std::move(done)]() mutable {
         m_export.finish([this, done = std::move(done)]() mutable {
-            m_editor.session()->flush(
-                [this, done = std::move(done)]() mutable { m_settings.flush(std::move(done)); });
+            m_editor.session()->flush([this, done = std::move(done)]() mutable {
+                m_settings.flush([this, done = std::move(done)] {
+                    m_isEnding = true;
+                    done();
+                });
+            });
         });
     });
 }

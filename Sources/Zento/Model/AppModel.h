@@ -82,6 +82,8 @@ class AppModel : public QObject {
     Q_PROPERTY(zento::FilmExport* filmExport READ filmExport CONSTANT)
     Q_PROPERTY(zento::WindowList* windows READ windows CONSTANT)
     Q_PROPERTY(zento::Editor* editor READ editor CONSTANT)
+    /// Everything is written and the program is about to end: windows may close.
+    Q_PROPERTY(bool isEnding READ isEnding)
     Q_PROPERTY(bool canUndo READ canUndo NOTIFY historyChanged)
     Q_PROPERTY(bool canRedo READ canRedo NOTIFY historyChanged)
     /// With the name of the step: "Undo Trim".
@@ -115,6 +117,7 @@ public:
     FilmExport* filmExport() { return &m_export; }
     WindowList* windows() { return &m_windows; }
     Editor* editor() { return &m_editor; }
+    bool isEnding() const { return m_isEnding; }
     bool canUndo() { return m_editor.session()->canUndo(); }
     bool canRedo() { return m_editor.session()->canRedo(); }
     QString undoText();
@@ -212,6 +215,7 @@ private:
     bool m_showWelcome = false;
     Panel m_panel = Panel::NoPanel;
 
+    bool m_isEnding = false;
     std::uint64_t m_exportedVersion = 0; // of the edit that is exported
 
     void connectEditor();

@@ -34,7 +34,7 @@ ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
 Zento/Timeline ZentoCore
-Zento/Model ZentoCore|ZentoMedia|ZentoImaging|ZentoEngine|ZentoCapture|ZentoRender|Zento/Timeline
+Zento/Model ZentoCore|ZentoEngine|ZentoMedia|ZentoImaging|ZentoCapture|ZentoRender|Zento/Timeline
 Zento/Desktop ZentoCore|ZentoCapture|ZentoRender|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES

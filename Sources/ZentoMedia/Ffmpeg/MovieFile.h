@@ -9,8 +9,8 @@
 
 namespace zento::ffmpeg {
 
-/// `Mp4` has its index in front, `Mp4Cache` behind, which saves moving gigabytes that never leave the
-/// disk; `M4a` is sound alone.
+/// `Mp4` has its index in front, `Mp4Cache` behind, which saves moving gigabytes that never leave
+/// the disk; `M4a` is sound alone.
 enum class Container { Mp4, Mp4Cache, M4a };
 
 /// A movie file in the making: tracks, header, packets, then the index.

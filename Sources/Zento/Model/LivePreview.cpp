@@ -19,7 +19,6 @@ constexpr auto kHintTime = 900ms;
 constexpr auto kProgressInterval = 100ms;
 constexpr double kEndReach = 0.05;  // seconds: playing from here starts over
 constexpr double kBeforeEnd = 0.01; // where a playhead beyond a new end goes
-constexpr double kUsualRate = 30;
 
 /// A tick later. Ticks add up to the camera's steps but for rounding: on one of them, or the camera
 /// would stand still in one frame and take two steps in the next.

@@ -35,7 +35,7 @@ ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
 Zento/Timeline ZentoCore
 Zento/Model ZentoCore|ZentoEngine|ZentoMedia|ZentoImaging|ZentoCapture|ZentoRender|Zento/Timeline
-Zento/Desktop ZentoCore|ZentoCapture|Zento/Model
+Zento/Desktop ZentoCore|ZentoCapture|ZentoRender|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES
 exit $bad

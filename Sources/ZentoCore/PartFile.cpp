@@ -1,4 +1,4 @@
-#include "ZentoRender/PartFile.h"
+#include "ZentoCore/PartFile.h"
 
 #include <string>
 #include <system_error>

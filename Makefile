@@ -2,6 +2,7 @@
 #
 #   make run     build, then open Zento (without a display: record and render the demo)
 #   make test    build, then run every test          make bench   timings as ratios in one run
+#   make sync    two minutes of flashes and beeps, recorded: how far apart they end up
 #   make sheets  what is drawn, as pictures to be looked at, into build/sheets
 #   make lint    style, clang-tidy (minutes)         make style   formatting and includes (seconds)
 #   make format  rewrite the formatting
@@ -12,7 +13,7 @@ BUILD := build/release
 JOBS := $(shell nproc)
 FUZZ_SECONDS ?= 60
 
-.PHONY: run test build bench sheets lint style format asan tsan fuzz clean
+.PHONY: run test build bench sync sheets lint style format asan tsan fuzz clean
 
 run:
 	@tools/install-packages.sh build run test
@@ -28,6 +29,9 @@ test: build
 
 bench: build
 	@tools/bench.sh $(BUILD) $(if $(RESULTS),Benchmarks/results.md)
+
+sync: build
+	@$(BUILD)/sync_check $(BUILD)/zento
 
 sheets:
 	@tools/install-packages.sh build run

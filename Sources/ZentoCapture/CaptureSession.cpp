@@ -1,5 +1,6 @@
 #include "ZentoCapture/CaptureSession.h"
 
+#include "ZentoCapture/BundleCompletion.h"
 #include "ZentoCapture/MonotonicClock.h"
 #include "ZentoCore/SessionBundle.h"
 
@@ -57,11 +58,15 @@ void createFolder(const std::filesystem::path& path)
 } // namespace
 
 CaptureSession::CaptureSession(
-    std::filesystem::path bundleURL, Desktop& desktop, ScreenWriterFactory makeWriter)
+    std::filesystem::path bundleURL,
+    Desktop& desktop,
+    ScreenWriterFactory makeWriter,
+    SideRecorderFactories sideRecorders)
     : m_bundleURL(std::move(bundleURL))
     , m_desktop(desktop)
     , m_makeWriter(std::move(makeWriter))
     , m_log(InputLog::make(desktop.elementLookup()))
+    , m_sideRecorders(m_bundleURL, std::move(sideRecorders))
 {
 }
 
@@ -80,7 +85,12 @@ void CaptureSession::start()
         }
     }();
     startWriter();
+    startJournal();
+    if (recordSystemAudio) {
+        m_sideRecorders.startSystemAudio();
+    }
     startStream(request);
+    startDevices();
     startCursorPolling();
 }
 
@@ -93,14 +103,18 @@ void CaptureSession::stop()
     }
     m_intake.setWriter(nullptr);
     const auto writer = std::exchange(m_writer, nullptr);
+    auto journal = std::exchange(m_journal, nullptr); // a stop that fails leaves it complete
     const std::optional<double> epoch = m_intake.epoch();
     if (!epoch) {
         throw Error(ErrorCode::kNoFrames, "no frames captured");
     }
     writer->finish();
-    const SessionBundle bundle{
+    SessionBundle bundle{
         .url = m_bundleURL, .meta = meta(*epoch), .events = m_log->finished(*epoch)};
-    bundle.writeMetadata();
+    m_sideRecorders.stop(*epoch, bundle.meta);
+    complete(bundle);
+    journal.reset();
+    removeJournal(m_bundleURL);
 }
 
 void CaptureSession::startEventTap()
@@ -186,11 +200,43 @@ void CaptureSession::startWriter()
     m_intake.setWriter(m_writer.get());
 }
 
+/// The recording does not depend on it.
+void CaptureSession::startJournal()
+{
+    try {
+        m_journal = std::make_unique<Journal>(m_bundleURL, meta(0), [this, log = m_log] {
+            return Journal::News{log->takeNews(), m_sideRecorders.startTimes()};
+        });
+    } catch (const Error& error) {
+        std::cerr << "warning: the recording's journal: " << error.what() << '\n';
+    }
+}
+
+FrameVerdict CaptureSession::handle(const CapturedFrame& frame)
+{
+    const FrameVerdict verdict = m_intake.handle(frame);
+    if (m_journal && m_intake.epoch()) {
+        m_journal->setEpoch(*m_intake.epoch());
+    }
+    if (verdict == FrameVerdict::Refused && m_writer->hasFailed()) {
+        reportFailedWriter();
+    }
+    return verdict;
+}
+
+/// Once. Nobody should go on in front of a recording that takes nothing in.
+void CaptureSession::reportFailedWriter()
+{
+    if (!std::exchange(m_hasReported, true) && onStreamStopped) {
+        onStreamStopped(Error(ErrorCode::kMovieNotFinished, "the movie can no longer be written"));
+    }
+}
+
 void CaptureSession::startStream(const FrameRequest& request)
 {
     auto stream = m_desktop.frameSource(request);
     stream->start(
-        [this](const CapturedFrame& frame) { return m_intake.handle(frame); },
+        [this](const CapturedFrame& frame) { return handle(frame); },
         [stopped = onStreamStopped](const std::optional<Error>& error) {
             std::cerr << "stream stopped: " << (error ? error->what() : "by the user") << '\n';
             if (stopped) {
@@ -198,6 +244,17 @@ void CaptureSession::startStream(const FrameRequest& request)
             }
         });
     m_stream = std::move(stream);
+}
+
+/// Only when the stream is up: it is what the recording is about.
+void CaptureSession::startDevices()
+{
+    if (recordNarration) {
+        m_sideRecorders.startMicrophone(microphoneID);
+    }
+    if (recordWebcam) {
+        m_sideRecorders.startCamera(cameraID);
+    }
 }
 
 void CaptureSession::startCursorPolling()

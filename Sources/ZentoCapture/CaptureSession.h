@@ -4,8 +4,10 @@
 #include "ZentoCapture/Desktop.h"
 #include "ZentoCapture/FrameIntake.h"
 #include "ZentoCapture/InputLog.h"
+#include "ZentoCapture/Journal.h"
 #include "ZentoCapture/PointerPoll.h"
 #include "ZentoCapture/ScreenWriter.h"
+#include "ZentoCapture/SideRecorders.h"
 #include "ZentoCore/Error.h"
 #include "ZentoCore/SessionMeta.h"
 
@@ -26,7 +28,7 @@ namespace zento {
 /// and a still screen leaves a gap.
 ///
 /// The fields are set before `start`. Dropping a session that was not stopped leaves the folder
-/// without "meta.json": an orphan for the caller to remove.
+/// without "meta.json": an orphan for the caller to remove, or for `recover` to complete.
 ///
 /// Threading: `start` and `stop` block, and are called by one thread at a time; the counters may be
 /// read by any thread meanwhile.
@@ -36,7 +38,8 @@ public:
     CaptureSession(
         std::filesystem::path bundleURL,
         Desktop& desktop,
-        ScreenWriterFactory makeWriter = makeScreenWriter);
+        ScreenWriterFactory makeWriter = makeScreenWriter,
+        SideRecorderFactories sideRecorders = sideRecorderFactories());
     ~CaptureSession();
     CaptureSession(const CaptureSession&) = delete;
     CaptureSession& operator=(const CaptureSession&) = delete;
@@ -50,8 +53,17 @@ public:
     /// What was recorded, for the metadata; `start` fills it in.
     std::optional<std::string> appName;
 
-    /// The desktop ended the capture: without an error when the user did. The recording goes on
-    /// without frames until `stop`. Runs on the thread "capture.video", which must not call `stop`.
+    // What is recorded beside the screen. A recorder that cannot start is told of on standard
+    // error and left out; the recording goes on. An id that no device has means the default one.
+    bool recordNarration = false;
+    std::optional<std::string> microphoneID;
+    bool recordWebcam = false;
+    std::optional<std::string> cameraID;
+    bool recordSystemAudio = false;
+
+    /// The desktop ended the capture, without an error when the user did; or the movie can no
+    /// longer be written. The recording goes on without frames until `stop`. Runs on the thread
+    /// "capture.video", which must not call `stop`.
     std::function<void(const std::optional<Error>&)> onStreamStopped;
 
     /// Returns when the capture runs. Listening for input is the first thing to start, so that a
@@ -65,7 +77,7 @@ public:
     /// Returns when the bundle is written.
     ///
     /// Throws `Error`: 23 "no frames captured", or what the writer or the folder say; no metadata
-    /// is written then.
+    /// is written then, and the journal stays.
     void stop();
 
     /// The epoch in seconds of CLOCK_MONOTONIC; to be read after `stop`. None without a frame.
@@ -81,7 +93,11 @@ private:
     std::optional<WindowInfo> chosenWindow() const;
     FrameRequest prepare(const DisplayInfo& display, const std::optional<WindowInfo>& window);
     void startWriter();
+    void startJournal();
+    FrameVerdict handle(const CapturedFrame& frame);
+    void reportFailedWriter();
     void startStream(const FrameRequest& request);
+    void startDevices();
     void startCursorPolling();
     std::function<void()> refreshWindowFrame() const;
     SessionMeta meta(double epoch) const;
@@ -95,6 +111,10 @@ private:
     std::optional<RequestedWindow> m_window; // of a window's recording
     std::shared_ptr<InputLog> m_log;
     FrameIntake m_intake;
+    SideRecorders m_sideRecorders;
+
+    bool m_hasReported = false;         // that the writer failed
+    std::unique_ptr<Journal> m_journal; // absent where it could not be made
 
     // Torn down from the last to the first: who calls goes before what is called.
     std::unique_ptr<ScreenWriter> m_writer;

@@ -21,8 +21,19 @@ void EventLog::setAX(std::size_t index, AXInfo info)
 {
     const std::lock_guard lock(m_mutex);
     if (index < m_events.size()) {
-        m_events[index].ax = std::move(info);
+        m_events[index].ax = info;
     }
+    if (index < m_toldCount) {
+        m_found.push_back({index, std::move(info)});
+    }
+}
+
+EventNews EventLog::takeNews()
+{
+    const std::lock_guard lock(m_mutex);
+    const auto first = m_events.begin() + static_cast<std::ptrdiff_t>(m_toldCount);
+    m_toldCount = m_events.size();
+    return {.events = {first, m_events.end()}, .found = std::exchange(m_found, {})};
 }
 
 std::vector<InputEvent> EventLog::finished(double epoch) const

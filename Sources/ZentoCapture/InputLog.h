@@ -32,6 +32,8 @@ public:
     /// Logs where the pointer is.
     void move(double time, Vec2 point);
 
+    EventNews takeNews() { return m_log.takeNews(); }
+
     std::vector<InputEvent> finished(double epoch) const { return m_log.finished(epoch); }
 
 private:

@@ -27,6 +27,8 @@ public:
         return AppendResult::Appended;
     }
 
+    bool hasFailed() const override { return m_writer.hasFailed(); }
+
     void finish() override { m_writer.finish(); }
 
 private:

@@ -21,6 +21,9 @@ public:
     /// movie and ascends; the picture has the writer's size.
     virtual AppendResult append(const BgraView& picture, double time) = 0;
 
+    /// Whether no picture will ever be taken again; `finish` then says why.
+    virtual bool hasFailed() const { return false; }
+
     /// Writes what is pending and closes the file. Throws `Error`, naming the file.
     virtual void finish() = 0;
 };

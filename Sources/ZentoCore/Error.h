@@ -54,6 +54,12 @@ inline constexpr int kMovieNotFinished = 22;
 inline constexpr int kNoFrames = 23;
 inline constexpr int kWindowGone = 24;
 inline constexpr int kNoInput = 25;
+inline constexpr int kNoMicrophone = 30;
+inline constexpr int kNoCamera = 31;
+inline constexpr int kCameraRefused = 32;       // the camera or its node will not be used
+inline constexpr int kCameraFormatRefused = 33; // it offers pictures in no form we read
+inline constexpr int kCameraNotWritten = 34;
+// The GIF's share their numbers with those of the microphone and the camera.
 inline constexpr int kGifNoVideoTrack = 30; // of the film a GIF is made from
 inline constexpr int kGifNotRead = 31;
 inline constexpr int kGifNotStarted = 32;

@@ -1,3 +1,4 @@
+#include "ZentoCore/InputEventJson.h"
 #include "ZentoCore/Json/JsonFields.h"
 #include "ZentoCore/SessionBundle.h"
 

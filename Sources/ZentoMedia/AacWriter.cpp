@@ -56,7 +56,7 @@ struct AacWriter::State {
         , codec(openAacEncoder(target, wanted))
         , frameLength(static_cast<std::size_t>(codec->frame_size))
         , movie(
-              target, Container::M4a, std::move(codec), std::nullopt, ErrorCode::kWriterNotStarted)
+              target, MovieForm::M4a, std::move(codec), std::nullopt, ErrorCode::kWriterNotStarted)
     {
     }
 

@@ -82,7 +82,7 @@ struct FilmWriter::State {
         , height(format.height)
         , movie(
               target,
-              Container::Mp4,
+              MovieForm::Mp4,
               openFilmEncoder(target, format),
               1,
               ErrorCode::kWriterNotStarted)

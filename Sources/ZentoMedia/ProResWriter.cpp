@@ -4,11 +4,13 @@
 #include "ZentoMedia/Ffmpeg/BorrowedFrame.h"
 #include "ZentoMedia/Ffmpeg/MovieEncoder.h"
 #include "ZentoMedia/PicturePool.h"
+#include "ZentoMedia/VideoFrame.h"
 
 #include <pthread.h>
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cmath>
 #include <condition_variable>
 #include <deque>
@@ -29,6 +31,9 @@ constexpr int kLastFrameTicks = 1000;
 // Two pictures are in the encoder's hands and one in the caller's; the rest is what a stall of the
 // disk or the processor may cost before frames drop: 83 ms at 60 pictures a second.
 constexpr int kPictures = 8;
+
+// When no picture has come for that long, those in the encoder's hands are fetched.
+constexpr auto kSettleTime = std::chrono::milliseconds(150);
 
 CodecHandle openMovieEncoder(const std::filesystem::path& path, int width, int height, int threads)
 {
@@ -54,15 +59,20 @@ void copyPlane(const Plane<const std::uint16_t>& from, const Plane<std::uint16_t
 struct ProResWriter::State {
     enum class Waiting { Encode, Drop };
 
-    State(const std::filesystem::path& target, int width, int height, int encoderThreads);
+    State(const std::filesystem::path& target, int width, int height, int threads);
 
+    CodecHandle makeCodec() const;
     FrameHandle nextFrame();
+    void settle();
     void encodeAll();
     void stop(Waiting fate);
 
     std::filesystem::path path;
+    VideoSize size;
+    int encoderThreads;
     std::shared_ptr<PicturePool> pool;
-    MovieEncoder movie; // the encoding thread's until it has ended
+    MovieEncoder movie;    // the encoding thread's until it has ended
+    bool isSettled = true; // the encoding thread's: the encoder holds nothing back
     std::int64_t lastTicks = -1;
 
     std::mutex mutex; // guards the two below
@@ -75,28 +85,44 @@ struct ProResWriter::State {
     std::thread encoding;
 };
 
-ProResWriter::State::State(
-    const std::filesystem::path& target, int width, int height, int encoderThreads)
+ProResWriter::State::State(const std::filesystem::path& target, int width, int height, int threads)
     : path(target)
+    , size{width, height}
+    , encoderThreads(threads)
     , pool(std::make_shared<PicturePool>(width, height, kPictures))
-    , movie(
-          target,
-          Container::QuickTime,
-          openMovieEncoder(target, width, height, encoderThreads),
-          kLastFrameTicks,
-          ErrorCode::kMovieNotStarted)
+    , movie(target, MovieForm::QuickTime, makeCodec(), kLastFrameTicks, ErrorCode::kMovieNotStarted)
 {
 }
 
-/// Waits for a frame to encode. Nothing once the movie is closed and all are encoded.
+CodecHandle ProResWriter::State::makeCodec() const
+{
+    return openMovieEncoder(path, size.width, size.height, encoderThreads);
+}
+
+/// Gets what the encoder holds back into the file.
+void ProResWriter::State::settle()
+{
+    movie.settle(makeCodec(), ErrorCode::kMovieNotFinished);
+    isSettled = true;
+}
+
+/// Waits for a frame to encode, and lets the movie settle while none comes. Nothing once the movie
+/// is closed and all are encoded.
 FrameHandle ProResWriter::State::nextFrame()
 {
     std::unique_lock lock(mutex);
-    wake.wait(lock, [this] { return isClosing || !waiting.empty(); });
+    const auto isAwake = [this] { return isClosing || !waiting.empty(); };
+    if (!isSettled && !wake.wait_for(lock, kSettleTime, isAwake)) {
+        lock.unlock();
+        settle();
+        lock.lock();
+    }
+    wake.wait(lock, isAwake);
     if (waiting.empty())
         return {};
     FrameHandle frame = std::move(waiting.front());
     waiting.pop_front();
+    isSettled = false;
     return frame;
 }
 

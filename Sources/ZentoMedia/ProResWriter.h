@@ -17,6 +17,9 @@ namespace zento {
 /// submits it; threads of the writer encode and write. While all slots are on their way the writer
 /// is not ready, and the caller drops its frame.
 ///
+/// The file can be read at any moment, up to the last second; `finish` makes an ordinary movie of
+/// it, and `MovieRecovery` does so for one that was left.
+///
 ///     if (auto slot = writer.acquire()) {
 ///         convert(pixels, slot->planes());
 ///         writer.submit(std::move(*slot), time);
@@ -58,7 +61,7 @@ public:
     ProResWriter(const std::filesystem::path& path, int width, int height, int encoderThreads = 2);
 
     /// Without `finish` the recording is abandoned: what waits is dropped and the file is left as
-    /// it is, unreadable.
+    /// it is.
     ~ProResWriter();
     ProResWriter(const ProResWriter&) = delete;
     ProResWriter& operator=(const ProResWriter&) = delete;

@@ -74,9 +74,8 @@ bool comesFirst(Source& a, Source& b)
 
 AVStream& addTrack(MovieFile& movie, const Source& source)
 {
-    AVStream& track = movie.addTrack(*source.track().codecpar, source.track().time_base);
+    AVStream& track = movie.addTrack(trackFormat(source.track()));
     track.codecpar->codec_tag = 0; // the tag of one container need not be that of another
-    track.sample_aspect_ratio = source.track().sample_aspect_ratio;
     track.avg_frame_rate = source.track().avg_frame_rate;
     return track;
 }

@@ -3,7 +3,9 @@
 #include "ZentoCapture/MonotonicClock.h"
 
 #include <gmock/gmock.h>
+#include <xcb/xinput.h>
 
+#include <cstdlib>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -163,28 +165,88 @@ TEST_F(InputTest, aClickLiesWhereItHappenedHoweverFastThePointerGoesOn)
     }
 }
 
-TEST_F(InputTest, grabsOfOtherProgramsHideNothing)
+/// A program that takes mouse and keyboard for itself.
+void grabByCore(xcb_connection_t* connection, xcb_grab_mode_t mode)
 {
-    const XcbConnection other(xcb_connect(display().c_str(), nullptr));
-    const xcb_window_t root = rootOf(other.get());
+    const xcb_window_t root = rootOf(connection);
     xcb_grab_pointer(
-        other.get(),
+        connection,
         0,
         root,
         XCB_EVENT_MASK_BUTTON_PRESS,
-        XCB_GRAB_MODE_ASYNC,
+        static_cast<std::uint8_t>(mode),
         XCB_GRAB_MODE_ASYNC,
         XCB_NONE,
         XCB_NONE,
         XCB_CURRENT_TIME);
     xcb_grab_keyboard(
-        other.get(), 0, root, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-    roundTrip(other.get());
-    m_user.click(1);
-    m_user.click(4);
-    m_user.type(kKeyA);
-    EXPECT_THAT(
-        texts(heard()), testing::UnorderedElementsAre("left down", "left up", "scroll 0 10", "a"));
+        connection,
+        0,
+        root,
+        XCB_CURRENT_TIME,
+        XCB_GRAB_MODE_ASYNC,
+        static_cast<std::uint8_t>(mode));
+}
+
+/// The same by the extension, which can keep raw events from all others.
+void grabByXInput(xcb_connection_t* connection)
+{
+    std::free(xcb_input_xi_query_version_reply(
+        connection, xcb_input_xi_query_version(connection, 2, 0), nullptr));
+    const std::uint32_t mask = XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS
+                               | XCB_INPUT_XI_EVENT_MASK_BUTTON_PRESS
+                               | XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
+    for (const std::uint16_t device :
+         {std::uint16_t{2}, std::uint16_t{3}}) { // the master pointer and keyboard
+        std::free(xcb_input_xi_grab_device_reply(
+            connection,
+            xcb_input_xi_grab_device(
+                connection,
+                rootOf(connection),
+                XCB_CURRENT_TIME,
+                XCB_NONE,
+                device,
+                XCB_GRAB_MODE_ASYNC,
+                XCB_GRAB_MODE_ASYNC,
+                0,
+                1,
+                &mask),
+            nullptr));
+    }
+}
+
+TEST_F(InputTest, grabsOfOtherProgramsHideNothing)
+{
+    struct Case {
+        const char* name;
+        void (*grab)(xcb_connection_t*);
+    };
+    const std::vector<Case> cases{
+        {"core", [](xcb_connection_t* to) { grabByCore(to, XCB_GRAB_MODE_ASYNC); }},
+        {"core, frozen", [](xcb_connection_t* to) { grabByCore(to, XCB_GRAB_MODE_SYNC); }},
+        {"XInput", grabByXInput},
+    };
+    std::size_t count = 0;
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        const XcbConnection other(xcb_connect(display().c_str(), nullptr));
+        row.grab(other.get());
+        roundTrip(other.get());
+        m_user.click(1);
+        m_user.click(4);
+        m_user.type(kKeyA);
+        // A frozen device goes on when its holder lets it.
+        xcb_allow_events(other.get(), XCB_ALLOW_ASYNC_BOTH, XCB_CURRENT_TIME);
+        roundTrip(other.get());
+        EXPECT_TRUE(hears(count += 4));
+    }
+    auto inputs = texts(heard());
+    ASSERT_EQ(inputs.size(), count);
+    for (auto group = inputs.begin(); group != inputs.end(); group += 4) {
+        EXPECT_THAT(
+            std::vector(group, group + 4),
+            testing::UnorderedElementsAre("left down", "left up", "scroll 0 10", "a"));
+    }
 }
 
 TEST_F(InputTest, thePointerIsRead)

@@ -1,8 +1,10 @@
 #include "TestSupport/NumberedMovie.h"
 
+#include "ZentoCore/Error.h"
 #include "ZentoMedia/ProResWriter.h"
 #include "ZentoMedia/VideoDecoder.h"
 
+#include <chrono>
 #include <cstddef>
 #include <random>
 #include <thread>
@@ -127,16 +129,46 @@ Chroma chromaOf(int number)
     return {64 + number % 8 * 16, 64 + number / 8 % 8 * 16};
 }
 
+void appendNumbered(ProResWriter& writer, VideoSize size, const NumberedFrame& frame)
+{
+    const auto picture = numberedRecordedPicture(frame.number, size.width, size.height);
+    while (!writer.append(picture.planes, frame.time))
+        std::this_thread::yield();
+}
+
 void writeNumberedRecording(
     const std::filesystem::path& path, VideoSize size, const std::vector<NumberedFrame>& frames)
 {
     ProResWriter writer(path, size.width, size.height);
-    for (const NumberedFrame& frame : frames) {
-        const auto picture = numberedRecordedPicture(frame.number, size.width, size.height);
-        while (!writer.append(picture.planes, frame.time))
-            std::this_thread::yield();
-    }
+    for (const NumberedFrame& frame : frames)
+        appendNumbered(writer, size, frame);
     writer.finish();
+}
+
+void writeGrowingRecording(
+    const std::filesystem::path& path, VideoSize size, const std::vector<NumberedFrame>& frames)
+{
+    ProResWriter writer(path, size.width, size.height);
+    for (const NumberedFrame& frame : frames)
+        appendNumbered(writer, size, frame);
+    comesToHold(path, frames.size());
+}
+
+std::size_t readableFrameCount(const std::filesystem::path& path)
+{
+    try {
+        return readFrames(path).size();
+    } catch (const Error&) {
+        return 0;
+    }
+}
+
+bool comesToHold(const std::filesystem::path& path, std::size_t frameCount)
+{
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (readableFrameCount(path) < frameCount && std::chrono::steady_clock::now() < end)
+        std::this_thread::yield();
+    return readableFrameCount(path) == frameCount;
 }
 
 void writeNumberedFilm(

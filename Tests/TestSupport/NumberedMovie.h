@@ -9,6 +9,10 @@
 #include <memory>
 #include <vector>
 
+namespace zento {
+class ProResWriter;
+}
+
 namespace zento::test {
 
 /// Samples of a picture and the views of them.
@@ -52,9 +56,23 @@ struct NumberedFrame {
     bool operator==(const NumberedFrame&) const = default;
 };
 
+/// Appends a numbered picture. Waits while the writer is not ready.
+void appendNumbered(ProResWriter& writer, VideoSize size, const NumberedFrame& frame);
+
 /// Writes a recording (ProRes) of numbered pictures. Waits for the writer where it is not ready.
 void writeNumberedRecording(
     const std::filesystem::path& path, VideoSize size, const std::vector<NumberedFrame>& frames);
+
+/// The same, as it lies there before it is finished: what a kill of its process leaves.
+void writeGrowingRecording(
+    const std::filesystem::path& path, VideoSize size, const std::vector<NumberedFrame>& frames);
+
+/// How many whole pictures a movie holds at this moment; 0 of what is none.
+std::size_t readableFrameCount(const std::filesystem::path& path);
+
+/// Waits until a movie in the making holds so many. False if it does not come to that within a time
+/// that only a fault takes.
+bool comesToHold(const std::filesystem::path& path, std::size_t frameCount);
 
 /// Writes a film (H.264) of numbered pictures, `numbers[i]` as frame i.
 void writeNumberedFilm(

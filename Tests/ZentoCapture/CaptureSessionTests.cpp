@@ -1,4 +1,5 @@
 #include "FakeDesktop.h"
+#include "FakeSideRecorders.h"
 #include "ZentoCapture/CaptureSession.h"
 #include "ZentoCapture/KeyLabel.h"
 #include "ZentoCapture/MonotonicClock.h"
@@ -29,7 +30,19 @@ protected:
 
     std::filesystem::path bundleURL() const { return m_folder / "a" / "b.zento"; }
 
-    CaptureSession makeSession() { return {bundleURL(), m_desktop, m_desktop.writerFactory()}; }
+    CaptureSession makeSession()
+    {
+        return {bundleURL(), m_desktop, m_desktop.writerFactory(), m_side.factories()};
+    }
+
+    /// One that records everything.
+    void recordAll(CaptureSession& session)
+    {
+        session.recordNarration = true;
+        session.microphoneID = "desk";
+        session.recordWebcam = true;
+        session.recordSystemAudio = true;
+    }
 
     /// The code of what a step throws; 0 if it throws nothing.
     template <typename Step>
@@ -52,6 +65,7 @@ protected:
     }
 
     FakeDesktop m_desktop;
+    FakeSideRecorders m_side{m_desktop.steps};
 
 private:
     std::filesystem::path m_folder;
@@ -67,6 +81,66 @@ TEST_F(CaptureSessionTest, listensFirstAndStopsListeningFirst)
         m_desktop.steps,
         ElementsAre(
             "input on", "displays", "writer", "stream on", "input off", "stream off", "finish"));
+}
+
+TEST_F(CaptureSessionTest, sideRecordersStartAndStopInTheirOrderAndGetOffsets)
+{
+    const double epoch = monotonicSeconds();
+    m_side.microphone.start = epoch + 0.25;
+    m_side.camera.start = epoch + 0.5;
+    m_side.systemAudio.start = epoch - 0.125;
+    CaptureSession session = makeSession();
+    recordAll(session);
+    session.start();
+    m_desktop.showFrame(epoch);
+    session.stop();
+    EXPECT_THAT(
+        m_desktop.steps,
+        ElementsAre(
+            "input on",
+            "displays",
+            "writer",
+            "system.wav on",
+            "stream on",
+            "narration.wav on",
+            "webcam.mov on",
+            "input off",
+            "stream off",
+            "finish",
+            "narration.wav off",
+            "webcam.mov off",
+            "system.wav off"));
+    EXPECT_EQ(m_side.microphone.deviceID, "desk");
+    EXPECT_EQ(m_side.camera.deviceID, std::nullopt);
+    const SessionBundle bundle = SessionBundle::load(bundleURL());
+    EXPECT_NEAR(bundle.meta.narrationOffset.value(), 0.25, 1e-6);
+    EXPECT_NEAR(bundle.meta.webcamOffset.value(), 0.5, 1e-6);
+    EXPECT_NEAR(bundle.meta.systemAudioOffset.value(), -0.125, 1e-6);
+    EXPECT_TRUE(std::filesystem::exists(bundle.narrationURL()));
+}
+
+TEST_F(CaptureSessionTest, aSideRecorderThatFailsLeavesTheRecordingWithoutItsFile)
+{
+    m_side.microphone.failure = Error(ErrorCode::kNoMicrophone, "no microphone input");
+    m_side.camera.failure = Error(ErrorCode::kNoCamera, "no camera");
+    testing::internal::CaptureStderr();
+    CaptureSession session = makeSession();
+    recordAll(session);
+    session.start();
+    EXPECT_EQ(
+        testing::internal::GetCapturedStderr(),
+        "warning: microphone unavailable: no microphone input\n"
+        "warning: camera unavailable: no camera\n");
+    m_desktop.showFrame(monotonicSeconds());
+    session.stop(); // the system audio, which started, gives no usable file
+    const SessionBundle bundle = SessionBundle::load(bundleURL());
+    for (const auto& offset :
+         {bundle.meta.narrationOffset, bundle.meta.webcamOffset, bundle.meta.systemAudioOffset}) {
+        EXPECT_EQ(offset, std::nullopt);
+    }
+    for (const auto& file : {bundle.narrationURL(), bundle.webcamURL(), bundle.systemAudioURL()}) {
+        EXPECT_FALSE(std::filesystem::exists(file)) << file;
+    }
 }
 
 TEST_F(CaptureSessionTest, timesCountFromTheFirstFrame)

@@ -244,19 +244,6 @@ TEST(Recording, aSlotMayOutliveItsWriter)
     EXPECT_EQ(slots[0].planes().cr.row(47)[31], 512);
 }
 
-TEST(Recording, abandonedIsLeftUnreadable)
-{
-    const TemporaryFolder folder;
-    {
-        ProResWriter writer(folder / "screen.mov", 640, 360);
-        const auto picture = noiseRecordedPicture(0, 640, 360);
-        for (int i = 0; i < 4; ++i)
-            writer.append(picture.planes, i / 60.0);
-    }
-    EXPECT_TRUE(exists(folder / "screen.mov"));
-    EXPECT_THROW(VideoDecoder(folder / "screen.mov"), Error);
-}
-
 TEST(Recording, tellsWhatCannotBeWritten)
 {
     struct Case {

@@ -17,17 +17,24 @@ constexpr std::string_view kUsage = R"(Zento records a desktop and edits the rec
 
 usage:
   zento record [--screen N | --window ID | --area X,Y,W,H] [--seconds S]
+               [--microphone] [--camera] [--system-audio]
       records until S seconds have passed or Control-C; the last line of output is the recording's
       folder. Without a target: the display under the pointer
       --screen N         a display, counted from 0, from left to right, then from top to bottom
       --window ID        a window by its X11 number, as xwininfo or xdotool tell it: 0x3e00001
       --area X,Y,W,H     a part of the desktop, in points from its top-left corner
+      --microphone       the default microphone, too
+      --camera           the default camera, too
+      --system-audio     what the default output plays, too
   zento plan BUNDLE [--settings FILE] [--config FILE] [--overrides FILE] [--music FILE]
              [--size WxH] [--fps N] [--output FILE]
       prints the plan of a recording's film as JSON
   zento render BUNDLE [--settings FILE] [--output FILE] [--gif]
       renders the film of a recording, beside it or to FILE; with --gif, or a FILE ending in .gif,
       the film beside it and a GIF of it, beside it or to FILE
+  zento recover BUNDLE
+      completes a recording whose program was killed, with at most its last second missing; prints
+      the bundle's folder
   zento demo [--output FOLDER]
       records a scripted session on a display of its own and renders it
   zento --help | --version
@@ -38,10 +45,11 @@ struct Subcommand {
     void (*run)(std::span<const std::string_view>);
 };
 
-constexpr std::array<Subcommand, 4> kSubcommands{{
+constexpr std::array<Subcommand, 5> kSubcommands{{
     {"record", record},
     {"plan", plan},
     {"render", render},
+    {"recover", recover},
     {"demo", demo},
 }};
 

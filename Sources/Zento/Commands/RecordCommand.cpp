@@ -73,8 +73,14 @@ CaptureTarget chosenTarget(const TargetChoice& choice, Desktop& desktop)
 
 void record(std::span<const std::string_view> words)
 {
-    constexpr std::array<OptionSpec, 4> kOptions{
-        {{"--screen", "N"}, {"--window", "ID"}, {"--area", "X,Y,W,H"}, {"--seconds", "S"}}};
+    constexpr std::array<OptionSpec, 7> kOptions{
+        {{"--screen", "N"},
+         {"--window", "ID"},
+         {"--area", "X,Y,W,H"},
+         {"--seconds", "S"},
+         {"--microphone", ""},
+         {"--camera", ""},
+         {"--system-audio", ""}}};
     const Arguments arguments(words, kOptions);
     arguments.expectNone();
     const TargetChoice choice = readTarget(arguments);
@@ -85,6 +91,9 @@ void record(std::span<const std::string_view> words)
         sessionsFolder() / bundleName(std::chrono::system_clock::now()),
         *desktop,
         chosenTarget(choice, *desktop),
+        {.microphone = arguments.has("--microphone"),
+         .camera = arguments.has("--camera"),
+         .systemAudio = arguments.has("--system-audio")},
         interruption);
     std::cerr << "Recording; Control-C ends it.\n";
     interruption.wait(

@@ -21,7 +21,7 @@ void recordDemo(const std::filesystem::path& bundle, Interruption& interruption)
     awaitCurtain(script, actor, interruption.token());
     const auto desktop = openDesktop(stage.display());
     std::cerr << "Recording less than half a minute of work.\n";
-    Recording recording(bundle, *desktop, Target::Display{}, interruption);
+    Recording recording(bundle, *desktop, Target::Display{}, Recording::Sources{}, interruption);
     perform(script, actor, interruption.token());
     if (interruption.token().stop_requested()) {
         throw Error(ErrorCode::kDemoStopped, "the demo was stopped before its end");

@@ -1,5 +1,6 @@
 #include "Zento/Commands/Recording.h"
 
+#include "ZentoCapture/Recovery.h"
 #include "ZentoCore/Error.h"
 
 #include <iostream>
@@ -15,7 +16,8 @@ Error keptDespite(const Error& error, const std::filesystem::path& folder)
     return {
         error.domain(),
         error.code(),
-        std::string(error.what()) + "; what was recorded is kept in " + folder.string()};
+        std::string(error.what()) + "; what was recorded is kept, and zento recover "
+            + folder.string() + " makes a recording of it"};
 }
 
 } // namespace
@@ -24,11 +26,15 @@ Recording::Recording(
     std::filesystem::path bundle,
     Desktop& desktop,
     const CaptureTarget& target,
+    const Sources& sources,
     Interruption& interruption)
     : m_bundle(std::move(bundle))
     , m_session(m_bundle, desktop)
 {
     m_session.target = target;
+    m_session.recordNarration = sources.microphone;
+    m_session.recordWebcam = sources.camera;
+    m_session.recordSystemAudio = sources.systemAudio;
     m_session.onStreamStopped = [&interruption](const std::optional<Error>&) {
         interruption.requestStop(); // the session has said why
     };
@@ -57,7 +63,7 @@ std::filesystem::path Recording::finish()
     try {
         m_session.stop();
     } catch (const Error& error) {
-        m_isKept = m_session.frameCount() > 0;
+        m_isKept = m_session.frameCount() > 0 && isCutShort(m_bundle);
         throw m_isKept ? keptDespite(error, m_bundle) : error;
     }
     m_isKept = true;

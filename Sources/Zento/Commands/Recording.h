@@ -11,12 +11,20 @@ namespace zento {
 /// is dropped unfinished leaves no folder behind.
 class Recording {
 public:
+    /// What is recorded beside the screen.
+    struct Sources {
+        bool microphone = false;
+        bool camera = false;
+        bool systemAudio = false;
+    };
+
     /// Throws `Error`, starting with "Could not start recording: ". A capture that the desktop ends
     /// requests a stop of `interruption`.
     Recording(
         std::filesystem::path bundle,
         Desktop& desktop,
         const CaptureTarget& target,
+        const Sources& sources,
         Interruption& interruption);
     ~Recording();
     Recording(const Recording&) = delete;

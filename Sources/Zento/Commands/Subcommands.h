@@ -10,6 +10,7 @@ namespace zento {
 void record(std::span<const std::string_view> words);
 void plan(std::span<const std::string_view> words);
 void render(std::span<const std::string_view> words);
+void recover(std::span<const std::string_view> words);
 void demo(std::span<const std::string_view> words);
 
 } // namespace zento

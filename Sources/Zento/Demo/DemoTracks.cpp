@@ -55,7 +55,7 @@ Narration narrate(std::span<const SpokenLine> lines, double epoch, const std::st
 void writeNarration(const std::filesystem::path& file, const Speech& sound)
 {
     const std::array<std::span<const float>, 1> channels = {sound.samples};
-    WavWriter writer(file, sound.sampleRate, 1);
+    WavWriter writer(file, {.sampleRate = sound.sampleRate, .channelCount = 1});
     writer.append(channels);
     writer.finish();
 }

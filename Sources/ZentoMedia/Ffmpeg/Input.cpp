@@ -2,22 +2,22 @@
 
 #include "ZentoMedia/Ffmpeg/Failure.h"
 
+#include <string>
+
 namespace zento::ffmpeg {
 
 namespace {
 
 constexpr const char* kReading = "Could not read";
 
-} // namespace
-
-InputHandle openInput(const std::filesystem::path& path)
+/// `protocols`: all that may be opened on the way. A list of addresses is not a recording.
+InputHandle open(const std::filesystem::path& path, const std::string& url, const char* protocols)
 {
     silenceLog();
     Options options;
-    options.set("protocol_whitelist", "file"); // a list of addresses is not a recording
+    options.set("protocol_whitelist", protocols);
     AVFormatContext* input = nullptr;
-    const int opened =
-        avformat_open_input(&input, fileUrl(path).c_str(), nullptr, options.address());
+    const int opened = avformat_open_input(&input, url.c_str(), nullptr, options.address());
     if (opened < 0)
         throw failure(kReading, path, opened, ErrorCode::kReadingFailed);
     InputHandle handle(input);
@@ -25,6 +25,19 @@ InputHandle openInput(const std::filesystem::path& path)
     if (found < 0)
         throw failure(kReading, path, found, ErrorCode::kReadingFailed);
     return handle;
+}
+
+} // namespace
+
+InputHandle openInput(const std::filesystem::path& path)
+{
+    return open(path, fileUrl(path), "file");
+}
+
+InputHandle openInput(const std::filesystem::path& path, std::int64_t size)
+{
+    const std::string range = "subfile,,start,0,end," + std::to_string(size) + ",,:";
+    return open(path, range + fileUrl(path), "file,subfile");
 }
 
 bool isPictures(const AVStream& track)

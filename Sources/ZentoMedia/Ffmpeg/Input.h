@@ -2,6 +2,7 @@
 
 #include "ZentoMedia/Ffmpeg/Handles.h"
 
+#include <cstdint>
 #include <filesystem>
 
 namespace zento::ffmpeg {
@@ -9,6 +10,9 @@ namespace zento::ffmpeg {
 /// Opens a media file and finds out what is in it. Throws `Error`: the system's error, naming the
 /// file, else the code `kReadingFailed`.
 InputHandle openInput(const std::filesystem::path& path);
+
+/// The same for the first `size` bytes of a file.
+InputHandle openInput(const std::filesystem::path& path, std::int64_t size);
 
 /// The first track `isWanted` accepts, or null. All other tracks are left unread.
 template <typename Predicate>

@@ -1,6 +1,8 @@
 #include "ZentoMedia/Ffmpeg/MovieEncoder.h"
 
 #include "ZentoMedia/Ffmpeg/Failure.h"
+#include "ZentoMedia/Ffmpeg/GrowingMovie.h"
+#include "ZentoMedia/Ffmpeg/MovieFile.h"
 
 #include <string>
 #include <utility>
@@ -11,46 +13,55 @@ namespace {
 
 constexpr const char* kWriting = "Could not write";
 
-// The index of a movie grows by a duration (8 bytes), a size (4) and, where every picture is a
-// chunk of its own, a chunk's offset (8) and description (12).
-constexpr std::int64_t kIndexBytesPerFrame = 32;
-constexpr std::int64_t kIndexBaseBytes = 16 << 10;
+class PlainTrackFile final : public TrackFile {
+public:
+    PlainTrackFile(
+        const std::filesystem::path& path,
+        Container container,
+        const TrackFormat& format,
+        int errorCode)
+        : m_file(path, container, errorCode)
+    {
+        m_file.addTrack(format);
+        Options options;
+        setTimescale(options, format);
+        m_file.begin(options);
+    }
+
+    void setErrorCode(int errorCode) override { m_file.setErrorCode(errorCode); }
+    void write(AVPacket& packet, AVRational timeBase) override
+    {
+        m_file.write(packet, 0, timeBase);
+    }
+    void flush() override {}
+    void close() override { m_file.close(); }
+
+private:
+    MovieFile m_file;
+};
+
+std::unique_ptr<TrackFile> makeTrackFile(
+    const std::filesystem::path& path, MovieForm form, const TrackFormat& format, int errorCode)
+{
+    if (form == MovieForm::QuickTime)
+        return std::make_unique<GrowingMovie>(path, format, errorCode);
+    const Container container = form == MovieForm::Mp4 ? Container::Mp4 : Container::M4a;
+    return std::make_unique<PlainTrackFile>(path, container, format, errorCode);
+}
 
 } // namespace
 
 MovieEncoder::MovieEncoder(
     const std::filesystem::path& path,
-    Container container,
+    MovieForm form,
     CodecHandle codec,
     std::optional<std::int64_t> frameDuration,
     int errorCode)
     : m_path(path)
-    , m_keepsRoom(container == Container::QuickTime)
     , m_codec(std::move(codec))
     , m_frameDuration(frameDuration)
-    , m_file(path, container, errorCode)
+    , m_file(makeTrackFile(path, form, trackFormat(*m_codec), errorCode))
 {
-    begin();
-}
-
-void MovieEncoder::begin()
-{
-    const auto parameters = allocated(ParametersHandle(avcodec_parameters_alloc()));
-    if (avcodec_parameters_from_context(parameters.get(), m_codec.get()) < 0)
-        throw std::bad_alloc();
-    AVStream& track = m_file.addTrack(*parameters, m_codec->time_base);
-    Options options;
-    if (m_codec->codec_type == AVMEDIA_TYPE_VIDEO) {
-        track.avg_frame_rate = m_codec->framerate;
-        track.sample_aspect_ratio = m_codec->sample_aspect_ratio;
-        // Left alone, the container doubles a timescale until it is 10000 or more.
-        options.set("video_track_timescale", m_codec->time_base.den);
-    } else {
-        // What hides a lead-in is kept in ticks of the movie; its usual thousandths would cut off
-        // the last samples.
-        options.set("movie_timescale", m_codec->time_base.den);
-    }
-    m_file.begin(options);
 }
 
 void MovieEncoder::encode(const AVFrame& frame, int errorCode)
@@ -63,9 +74,16 @@ void MovieEncoder::drain(int errorCode)
     send(nullptr, errorCode);
 }
 
+void MovieEncoder::settle(CodecHandle next, int errorCode)
+{
+    drain(errorCode);
+    m_codec = std::move(next);
+    m_file->flush();
+}
+
 void MovieEncoder::send(const AVFrame* frame, int errorCode)
 {
-    m_file.setErrorCode(errorCode);
+    m_file->setErrorCode(errorCode);
     const int sent = avcodec_send_frame(m_codec.get(), frame);
     if (sent < 0)
         throw failure(kWriting, m_path, sent, errorCode);
@@ -81,18 +99,15 @@ void MovieEncoder::send(const AVFrame* frame, int errorCode)
 
 void MovieEncoder::writePacket()
 {
-    if (m_keepsRoom)
-        m_file.keepRoom(
-            m_packet->size + kIndexBaseBytes + kIndexBytesPerFrame * (m_framesWritten + 1));
     m_packet->duration = m_frameDuration.value_or(m_packet->duration);
-    m_file.write(*m_packet, 0, m_codec->time_base);
+    m_file->write(*m_packet, m_codec->time_base);
     ++m_framesWritten;
 }
 
 void MovieEncoder::close(int errorCode)
 {
-    m_file.setErrorCode(errorCode);
-    m_file.close();
+    m_file->setErrorCode(errorCode);
+    m_file->close();
 }
 
 CodecHandle

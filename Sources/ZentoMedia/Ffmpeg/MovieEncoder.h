@@ -1,13 +1,18 @@
 #pragma once
 
 #include "ZentoMedia/Ffmpeg/Handles.h"
-#include "ZentoMedia/Ffmpeg/MovieFile.h"
+#include "ZentoMedia/Ffmpeg/TrackFile.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 
 namespace zento::ffmpeg {
+
+/// What becomes of a track: a `QuickTime` movie that can be read while it grows (`GrowingMovie`),
+/// or a `Container` of `MovieFile`.
+enum class MovieForm { QuickTime, Mp4, M4a };
 
 /// An encoder and the movie file of one track that it feeds.
 ///
@@ -20,7 +25,7 @@ public:
     /// frame, in ticks; nothing if the encoder knows it.
     MovieEncoder(
         const std::filesystem::path& path,
-        Container container,
+        MovieForm form,
         CodecHandle codec,
         std::optional<std::int64_t> frameDuration,
         int errorCode);
@@ -31,21 +36,25 @@ public:
     /// Has the encoder give out what it still holds.
     void drain(int errorCode);
 
+    /// Goes on with another encoder of the same kind, after draining the one there is, and has all
+    /// that was encoded readable in the file where its form allows it. An encoder with several
+    /// threads holds pictures back until more come; where none come for a while they would be the
+    /// ones a cut loses.
+    void settle(CodecHandle next, int errorCode);
+
     /// Completes the file with the frames that were written, and closes it.
     void close(int errorCode);
 
     std::int64_t framesWritten() const { return m_framesWritten; }
 
 private:
-    void begin();
     void send(const AVFrame* frame, int errorCode);
     void writePacket();
 
     std::filesystem::path m_path;
-    bool m_keepsRoom; // for the index, so that a recording on a disk that filled up can be read
     CodecHandle m_codec;
     std::optional<std::int64_t> m_frameDuration;
-    MovieFile m_file;
+    std::unique_ptr<TrackFile> m_file;
     PacketHandle m_packet = makePacket();
     std::int64_t m_framesWritten = 0;
 };

@@ -10,15 +10,7 @@ namespace {
 
 const char* muxerName(Container container)
 {
-    switch (container) {
-    case Container::QuickTime:
-        return "mov";
-    case Container::Mp4:
-        return "mp4";
-    case Container::M4a:
-        break;
-    }
-    return "ipod";
+    return container == Container::Mp4 ? "mp4" : "ipod";
 }
 
 } // namespace
@@ -48,14 +40,9 @@ int MovieFile::isStopped(void* token)
     return static_cast<const std::stop_token*>(token)->stop_requested() ? 1 : 0;
 }
 
-AVStream& MovieFile::addTrack(const AVCodecParameters& parameters, AVRational timeBase)
+AVStream& MovieFile::addTrack(const TrackFormat& format)
 {
-    AVStream* track = avformat_new_stream(m_output.get(), nullptr);
-    if (track == nullptr)
-        throw std::bad_alloc();
-    check(avcodec_parameters_copy(track->codecpar, &parameters));
-    track->time_base = timeBase;
-    return *track;
+    return ffmpeg::addTrack(*m_output, format);
 }
 
 void MovieFile::begin(Options& options)

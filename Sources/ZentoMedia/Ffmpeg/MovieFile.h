@@ -2,16 +2,15 @@
 
 #include "ZentoMedia/Ffmpeg/Handles.h"
 #include "ZentoMedia/Ffmpeg/OutputFile.h"
+#include "ZentoMedia/Ffmpeg/TrackFile.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <stop_token>
 
 namespace zento::ffmpeg {
 
-/// `QuickTime` sets room for its index aside while it is written; `Mp4` has its index in front;
-/// `M4a` is sound alone.
-enum class Container { QuickTime, Mp4, M4a };
+/// `Mp4` has its index in front; `M4a` is sound alone.
+enum class Container { Mp4, M4a };
 
 /// A movie file in the making: tracks, header, packets, then the index.
 ///
@@ -31,17 +30,13 @@ public:
     /// whole file. What it then leaves is no movie.
     void stopOn(std::stop_token stop);
 
-    /// `timeBase`: what the track's times are kept in.
-    AVStream& addTrack(const AVCodecParameters& parameters, AVRational timeBase);
+    AVStream& addTrack(const TrackFormat& format);
 
     /// Writes the header; no track can be added afterwards. `options`: the container's.
     void begin(Options& options);
 
     /// Writes a packet of a track, its times given in `timeBase`, and empties it.
     void write(AVPacket& packet, int trackIndex, AVRational timeBase);
-
-    /// As in `OutputFile`.
-    void keepRoom(std::int64_t byteCount) { m_file.keepRoom(byteCount); }
 
     /// Completes the file and closes it.
     void close();

@@ -1,6 +1,7 @@
 #include "ZentoMedia/Ffmpeg/OutputFile.h"
 
 #include "ZentoCore/Error.h"
+#include "ZentoMedia/Ffmpeg/DiskSync.h"
 
 extern "C" {
 #include <libavformat/avio.h>
@@ -10,6 +11,7 @@ extern "C" {
 
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -55,17 +57,36 @@ int allocate(int descriptor, std::int64_t begin, std::int64_t end)
 OutputFile::OutputFile(const std::filesystem::path& path)
     : m_path(path)
 {
+    open(O_CREAT | O_TRUNC);
+}
+
+OutputFile::OutputFile(const std::filesystem::path& path, std::int64_t size)
+    : m_path(path)
+    , m_size(size)
+    , m_roomEnd(size)
+{
+    open(0);
+    if (ftruncate(m_descriptor, size) != 0) {
+        const int errorNumber = errno;
+        release();
+        throw systemError("Could not write", m_path.string(), errorNumber);
+    }
+    avio_seek(m_io, size, SEEK_SET);
+}
+
+void OutputFile::open(int flags)
+{
     constexpr mode_t kMode = 0666; // less the user's mask
-    m_descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, kMode);
+    m_descriptor = ::open(m_path.c_str(), O_WRONLY | O_CLOEXEC | flags, kMode);
     if (m_descriptor < 0)
-        throw systemError("Could not write", path.string(), errno);
+        throw systemError("Could not write", m_path.string(), errno);
     auto* buffer = static_cast<std::uint8_t*>(av_malloc(kBufferBytes));
     if (buffer != nullptr)
         m_io = avio_alloc_context(
             buffer, kBufferBytes, 1, this, nullptr, &writeCallback, &seekCallback);
     if (m_io == nullptr) {
         av_free(buffer);
-        ::close(m_descriptor);
+        ::close(std::exchange(m_descriptor, -1));
         throw std::bad_alloc();
     }
 }
@@ -97,6 +118,24 @@ void OutputFile::keepRoom(std::int64_t byteCount)
     }
 }
 
+void OutputFile::syncSoon()
+{
+    if (!m_sync)
+        m_sync = std::make_unique<DiskSync>(m_descriptor);
+    m_sync->request();
+}
+
+void OutputFile::sync()
+{
+    avio_flush(m_io);
+    int errorNumber = fdatasync(m_descriptor) == 0 ? 0 : errno;
+    if (m_sync && errorNumber == 0)
+        errorNumber = m_sync->errorNumber();
+    if (m_errorNumber == 0 && errorNumber != EINVAL) // what is no file has nothing to send on
+        m_errorNumber = errorNumber;
+    check();
+}
+
 void OutputFile::check() const
 {
     if (m_errorNumber != 0)
@@ -112,6 +151,10 @@ void OutputFile::close()
         // The file is whole without it, so that a filesystem which cannot do this is no failure.
         [[maybe_unused]] const int ignored = ftruncate(m_descriptor, m_size);
     }
+    m_sync.reset();
+    struct stat status{};
+    if (m_errorNumber == 0 && fstat(m_descriptor, &status) == 0 && status.st_nlink == 0)
+        m_errorNumber = ENOENT; // nobody will ever find it
     // Some filesystems report a full disk only here.
     if (::close(std::exchange(m_descriptor, -1)) != 0 && m_errorNumber == 0)
         m_errorNumber = errno;
@@ -121,6 +164,7 @@ void OutputFile::close()
 
 void OutputFile::release()
 {
+    m_sync.reset();
     if (m_io != nullptr)
         av_freep(static_cast<void*>(&m_io->buffer));
     avio_context_free(&m_io);

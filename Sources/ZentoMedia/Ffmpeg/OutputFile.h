@@ -2,10 +2,13 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 
 struct AVIOContext;
 
 namespace zento::ffmpeg {
+
+class DiskSync;
 
 /// The file under a container's writer. It remembers the first failed write, wherever in the
 /// library it happened, and can set disk space aside for what must still fit in the end.
@@ -15,6 +18,10 @@ class OutputFile {
 public:
     /// Creates or empties the file. Throws the system's error.
     explicit OutputFile(const std::filesystem::path& path);
+
+    /// Opens a file that exists, cuts it off at `size` and goes on there. Throws the system's
+    /// error.
+    OutputFile(const std::filesystem::path& path, std::int64_t size);
 
     /// Closes the file as it is; failures go unnoticed.
     ~OutputFile();
@@ -27,11 +34,19 @@ public:
     /// Throws the system's error if it will not. Does nothing on a filesystem that cannot tell.
     void keepRoom(std::int64_t byteCount);
 
+    /// Has a thread of its own ("file.sync") send what was flushed on to the disk; returns at once.
+    /// A failure is told by the next `sync` or by `close`.
+    void syncSoon();
+
+    /// Writes out what is buffered and returns when the disk has it. Throws the system's error.
+    void sync();
+
     /// Throws the system's error if any write up to here failed.
     void check() const;
 
     /// Writes out what is buffered, gives back the room that was not used, and closes the file.
-    /// Throws the system's error if that or any write before failed.
+    /// Throws the system's error if that or any write before failed, and ENOENT if the file was
+    /// removed meanwhile.
     void close();
 
 private:
@@ -39,6 +54,7 @@ private:
     static std::int64_t seekCallback(void* file, std::int64_t offset, int whence);
     int write(const std::uint8_t* bytes, int count);
     std::int64_t seek(std::int64_t offset, int whence);
+    void open(int flags);
     void release();
 
     std::filesystem::path m_path;
@@ -49,6 +65,7 @@ private:
     std::int64_t m_roomEnd = 0; // what was set aside ends here
     bool m_canKeepRoom = true;
     int m_errorNumber = 0; // of the first write that failed
+    std::unique_ptr<DiskSync> m_sync;
 };
 
 } // namespace zento::ffmpeg

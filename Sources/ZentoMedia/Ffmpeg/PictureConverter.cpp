@@ -87,11 +87,11 @@ PictureConverter::Encoding PictureConverter::encodingOf(const AVFrame& picture)
     return encoding;
 }
 
-bool PictureConverter::isAsWanted(const Encoding& encoding)
+bool PictureConverter::isAsWanted(const Encoding& encoding) const
 {
     const bool hasLayout = isTenBit(encoding.format) || encoding.format == AV_PIX_FMT_YUV420P
                            || encoding.format == AV_PIX_FMT_YUV422P;
-    return hasLayout && encoding.matrix == AVCOL_SPC_BT709 && !encoding.isFullRange;
+    return !m_size && hasLayout && encoding.matrix == AVCOL_SPC_BT709 && !encoding.isFullRange;
 }
 
 std::optional<VideoFrame>
@@ -116,8 +116,9 @@ FrameHandle PictureConverter::scaled(const AVFrame& picture, const Encoding& enc
         return {};
     auto result = makeFrame();
     result->format = target;
-    result->width = encoding.width;
-    result->height = encoding.height;
+    const VideoSize size = m_size.value_or(VideoSize{encoding.width, encoding.height});
+    result->width = size.width;
+    result->height = size.height;
     if (av_frame_get_buffer(result.get(), 0) < 0)
         throw std::bad_alloc();
     const int rows = sws_scale(
@@ -128,20 +129,21 @@ FrameHandle PictureConverter::scaled(const AVFrame& picture, const Encoding& enc
         encoding.height,
         result->data,
         result->linesize);
-    return rows == encoding.height ? std::move(result) : FrameHandle();
+    return rows == size.height ? std::move(result) : FrameHandle();
 }
 
 bool PictureConverter::prepareScaler(const Encoding& encoding, AVPixelFormat target)
 {
     if (m_scaler && m_scalerInput == encoding)
         return true;
+    const VideoSize size = m_size.value_or(VideoSize{encoding.width, encoding.height});
     m_scaler = allocated(ScalerHandle(sws_alloc_context()));
     SwsContext* scaler = m_scaler.get();
     av_opt_set_int(scaler, "srcw", encoding.width, 0);
     av_opt_set_int(scaler, "srch", encoding.height, 0);
     av_opt_set_int(scaler, "src_format", encoding.format, 0);
-    av_opt_set_int(scaler, "dstw", encoding.width, 0);
-    av_opt_set_int(scaler, "dsth", encoding.height, 0);
+    av_opt_set_int(scaler, "dstw", size.width, 0);
+    av_opt_set_int(scaler, "dsth", size.height, 0);
     av_opt_set_int(scaler, "dst_format", target, 0);
     // Told here as well as below: of deeper pictures the later word is not heard.
     av_opt_set_int(scaler, "src_range", encoding.isFullRange ? 1 : 0, 0);

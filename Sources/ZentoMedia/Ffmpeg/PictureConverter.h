@@ -9,11 +9,18 @@
 namespace zento::ffmpeg {
 
 /// Makes `VideoFrame`s of the library's: by reference where the samples are already what a
-/// `VideoFrame` may hold, else by converting them.
+/// `VideoFrame` may hold, else by converting them. One made for a size scales every picture to it,
+/// and what it gives never refers to what it was given.
 ///
 /// Threading: used by one thread at a time.
 class PictureConverter {
 public:
+    PictureConverter() = default;
+    explicit PictureConverter(VideoSize size)
+        : m_size(size)
+    {
+    }
+
     /// Nothing for a picture that cannot be converted.
     std::optional<VideoFrame> convert(FrameHandle picture, double time, std::uint64_t identity);
 
@@ -31,10 +38,11 @@ private:
     };
 
     static Encoding encodingOf(const AVFrame& picture);
-    static bool isAsWanted(const Encoding& encoding);
+    bool isAsWanted(const Encoding& encoding) const;
     FrameHandle scaled(const AVFrame& picture, const Encoding& encoding);
     bool prepareScaler(const Encoding& encoding, AVPixelFormat target);
 
+    std::optional<VideoSize> m_size; // absent: as each picture has it
     ScalerHandle m_scaler;
     Encoding m_scalerInput; // what `m_scaler` was made for
 };

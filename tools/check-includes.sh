@@ -19,7 +19,7 @@ opencv ZentoIntelligence|ZentoRender
 simdjson ZentoCore
 curl/ ZentoNet
 fftw3 ZentoEngine
-Q[A-Z] Zento
+Q[A-Z]|Qt[A-Z] Zento
 RULES
 
 # <folder> <the module folders it may include from, itself aside>
@@ -35,8 +35,9 @@ ZentoImaging ZentoCore
 ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
-Zento/Model ZentoCore|ZentoEngine
+Zento/Model ZentoCore|ZentoEngine|ZentoCapture
 Zento/Music ZentoCore|ZentoNet|ZentoMedia
+Zento/Desktop ZentoCore|ZentoCapture|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES
 exit $bad

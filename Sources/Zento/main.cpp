@@ -1,3 +1,4 @@
+#include "Zento/Application/Application.h"
 #include "Zento/Commands/Commands.h"
 
 #include <string_view>
@@ -5,6 +6,8 @@
 
 int main(int argc, char** argv)
 {
-    const std::vector<std::string_view> words(argv + (argc > 0 ? 1 : 0), argv + argc);
+    if (argc <= 1)
+        return zento::runApplication(argc, argv);
+    const std::vector<std::string_view> words(argv + 1, argv + argc);
     return zento::runCommand(words);
 }

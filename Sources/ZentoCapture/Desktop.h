@@ -57,7 +57,7 @@ public:
     /// In global points; nothing when it cannot be read.
     virtual std::optional<Vec2> pointerPosition() = 0;
 
-    /// The name of the application whose window is active.
+    /// The name of the application whose window is in front, windows of this process apart.
     virtual std::optional<std::string> frontmostApplication() = 0;
 
     /// Throws `Error` when the display is gone or a part of the request lies outside the desktop,

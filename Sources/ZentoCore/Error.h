@@ -54,6 +54,7 @@ inline constexpr int kMovieNotFinished = 22;
 inline constexpr int kNoFrames = 23;
 inline constexpr int kWindowGone = 24;
 inline constexpr int kNoInput = 25;
+inline constexpr int kDiskFull = 26;        // almost, while recording
 inline constexpr int kNoMicrophone = 30;
 inline constexpr int kNoCamera = 31;
 inline constexpr int kCameraRefused = 32;       // the camera or its node will not be used
@@ -72,6 +73,8 @@ inline constexpr int kProgramMissing = 60; // not installed; the sentence names 
 inline constexpr int kDesktopFailed = 61; // a program of a private desktop did not come up, or died
 inline constexpr int kElementMissing = 62; // no window shows what the demo's script names
 inline constexpr int kDemoStopped = 63;    // by the user, before its stage was set
+inline constexpr int kTrashFailed = 70;    // what the trash would not take
+inline constexpr int kNotRunning = 71;     // what a command would talk to
 inline constexpr int kUntypeable = 64;     // no key of the display's layout types the character
 } // namespace ErrorCode
 

@@ -37,6 +37,8 @@ usage:
       the bundle's folder
   zento demo [--output FOLDER]
       records a scripted session on a display of its own and renders it
+  zento toggle
+      starts or stops a recording in the application that runs, for a key of the desktop's own
   zento --help | --version
 )";
 
@@ -45,12 +47,14 @@ struct Subcommand {
     void (*run)(std::span<const std::string_view>);
 };
 
-constexpr std::array<Subcommand, 5> kSubcommands{{
+constexpr std::array<Subcommand, 7> kSubcommands{{
     {"record", record},
     {"plan", plan},
     {"render", render},
     {"recover", recover},
     {"demo", demo},
+    {"toggle", toggle},
+    {"search-provider", searchProvider}, // started by the session bus, so the usage does not tell
 }};
 
 enum Status { Done = 0, Failed = 1, BadUsage = 2 };

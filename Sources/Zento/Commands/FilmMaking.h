@@ -5,22 +5,25 @@
 
 #include <filesystem>
 #include <stop_token>
+#include <string>
 
 namespace zento {
 
-/// Plans a recording, keeps the plan as "editplan.json" in its bundle and renders the film, with a
-/// bar on the terminal. Returns the film's path. Throws `Error`.
+/// `renderFilm` with a bar on the terminal and its complaints on standard error. Returns the film's
+/// path.
 std::filesystem::path makeFilm(
     const SessionBundle& bundle,
     const AppSettings& settings,
     const std::filesystem::path& film,
     const std::stop_token& stop);
 
-/// Turns a film into a GIF of the size and rate Zento makes them in, with a bar on the terminal.
-/// Throws `Error`.
+/// `renderGif` with a bar on the terminal.
 void makeGif(
     const std::filesystem::path& film,
     const std::filesystem::path& gif,
     const std::stop_token& stop);
+
+/// Says on standard error that a film goes without its music, and why.
+void tellMusicLeftOut(const std::string& reason);
 
 } // namespace zento

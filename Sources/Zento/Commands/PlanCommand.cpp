@@ -1,8 +1,9 @@
 #include "Zento/Commands/Arguments.h"
-#include "Zento/Commands/BundleMusic.h"
+#include "Zento/Commands/FilmMaking.h"
 #include "Zento/Commands/Subcommands.h"
 #include "Zento/Commands/UserSettings.h"
 #include "Zento/Desktop/DesktopImage.h"
+#include "Zento/Model/FilmMaking.h"
 #include "Zento/Model/PlanSources.h"
 #include "ZentoCore/FileIO.h"
 
@@ -55,7 +56,7 @@ void plan(std::span<const std::string_view> words)
     const SavedOverrides edits = hasOwnEdits ? SavedOverrides{} : loadSavedOverrides(bundle);
     EditPlanner::PlanInput input = gatherPlanInput(bundle, settings, edits, desktopImage());
     if (!arguments.value("--music")) {
-        input.music = bundleMusic(bundle, edits);
+        input.music = readableMusic(bundle, edits, tellMusicLeftOut);
     }
     apply(arguments, input);
     const std::string text = encodePlan(EditPlanner::plan(input)) + "\n";

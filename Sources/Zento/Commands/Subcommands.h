@@ -12,5 +12,7 @@ void plan(std::span<const std::string_view> words);
 void render(std::span<const std::string_view> words);
 void recover(std::span<const std::string_view> words);
 void demo(std::span<const std::string_view> words);
+void toggle(std::span<const std::string_view> words);
+void searchProvider(std::span<const std::string_view> words);
 
 } // namespace zento

@@ -57,7 +57,7 @@ std::optional<bool> needsShift(xkb_keymap* keymap, xkb_keycode_t key, xkb_level_
     return std::nullopt;
 }
 
-void addStrokes(xkb_keymap* keymap, xkb_keycode_t key, std::map<std::uint32_t, KeyStroke>& strokes)
+void addStrokes(xkb_keymap* keymap, xkb_keycode_t key, std::map<std::uint32_t, TypedKey>& strokes)
 {
     for (const xkb_level_index_t level : {0U, 1U}) {
         const xkb_keysym_t* symbols = nullptr;
@@ -66,7 +66,7 @@ void addStrokes(xkb_keymap* keymap, xkb_keycode_t key, std::map<std::uint32_t, K
         if (count != 1 || !withShift) {
             continue;
         }
-        const KeyStroke stroke{static_cast<std::uint8_t>(key), *withShift};
+        const TypedKey stroke{static_cast<std::uint8_t>(key), *withShift};
         const auto [known, isNew] = strokes.try_emplace(symbols[0], stroke);
         if (!isNew && known->second.withShift && !stroke.withShift) {
             known->second = stroke;
@@ -89,7 +89,7 @@ KeyboardLayout::KeyboardLayout(const XConnection& connection)
     }
 }
 
-std::optional<KeyStroke> KeyboardLayout::strokeOf(char32_t character) const
+std::optional<TypedKey> KeyboardLayout::strokeOf(char32_t character) const
 {
     if (character == U'\n') {
         return strokeOf("Return");
@@ -98,7 +98,7 @@ std::optional<KeyStroke> KeyboardLayout::strokeOf(char32_t character) const
     return found == m_strokes.end() ? std::nullopt : std::optional(found->second);
 }
 
-std::optional<KeyStroke> KeyboardLayout::strokeOf(std::string_view symbolName) const
+std::optional<TypedKey> KeyboardLayout::strokeOf(std::string_view symbolName) const
 {
     const xkb_keysym_t symbol =
         xkb_keysym_from_name(std::string(symbolName).c_str(), XKB_KEYSYM_NO_FLAGS);

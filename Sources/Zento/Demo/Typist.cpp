@@ -68,7 +68,7 @@ void Typist::send(KeyAction action, std::uint8_t keycode) const
     m_connection->flush();
 }
 
-void Typist::strike(const KeyStroke& stroke, const std::stop_token& stop)
+void Typist::strike(const TypedKey& stroke, const std::stop_token& stop)
 {
     if (stroke.withShift) {
         send(KeyAction::Press, m_shift.keycode);
@@ -86,7 +86,7 @@ void Typist::type(std::string_view text, const std::stop_token& stop)
 {
     using Clock = std::chrono::steady_clock;
     const std::u32string characters = decoded(text);
-    std::vector<KeyStroke> strokes;
+    std::vector<TypedKey> strokes;
     for (std::size_t i = 0; i < characters.size(); ++i) {
         const auto stroke = m_layout.strokeOf(characters[i]);
         if (!stroke) {

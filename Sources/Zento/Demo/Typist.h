@@ -35,12 +35,12 @@ public:
 private:
     enum class KeyAction : unsigned char { Press, Release };
 
-    void strike(const KeyStroke& stroke, const std::stop_token& stop);
+    void strike(const TypedKey& stroke, const std::stop_token& stop);
     void send(KeyAction action, std::uint8_t keycode) const;
 
     std::unique_ptr<XConnection> m_connection;
     KeyboardLayout m_layout;
-    KeyStroke m_shift;
+    TypedKey m_shift;
     Random m_random;
 };
 

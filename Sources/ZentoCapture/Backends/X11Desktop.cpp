@@ -98,11 +98,8 @@ std::optional<Vec2> X11Desktop::pointerPosition()
 
 std::optional<std::string> X11Desktop::frontmostApplication()
 {
-    const auto window = m_connection.cardinal(m_connection.root(), "_NET_ACTIVE_WINDOW");
-    if (!window || *window == XCB_WINDOW_NONE) {
-        return {};
-    }
-    return applicationOf(m_connection, *window);
+    const auto window = frontmostWindow(m_connection);
+    return window ? applicationOf(m_connection, *window) : std::nullopt;
 }
 
 std::unique_ptr<FrameSource> X11Desktop::frameSource(const FrameRequest& request)

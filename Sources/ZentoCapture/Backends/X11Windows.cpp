@@ -1,10 +1,14 @@
 #include "ZentoCapture/Backends/X11Windows.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <ranges>
 #include <utility>
+#include <vector>
 
 namespace zento {
 
@@ -111,6 +115,26 @@ std::optional<X11Placement> placementOf(const X11Connection& connection, xcb_win
     const PixelRect frame = intersection(whole, withoutMargin(connection, window, whole));
     return X11Placement{
         .topLevel = *topLevel, .whole = whole, .frame = frame.isEmpty() ? whole : frame};
+}
+
+std::optional<xcb_window_t> frontmostWindow(const X11Connection& connection)
+{
+    const auto isOurs = [&](xcb_window_t window) {
+        return connection.cardinal(window, "_NET_WM_PID") == static_cast<std::uint32_t>(getpid());
+    };
+    const auto active = connection.cardinal(connection.root(), "_NET_ACTIVE_WINDOW");
+    if (active && *active != XCB_WINDOW_NONE && !isOurs(*active)) {
+        return active;
+    }
+    const auto bytes = connection.property(connection.root(), "_NET_CLIENT_LIST_STACKING");
+    std::vector<xcb_window_t> windows(bytes.size() / sizeof(xcb_window_t)); // from the back
+    std::memcpy(windows.data(), bytes.data(), windows.size() * sizeof(xcb_window_t));
+    for (const xcb_window_t window : std::views::reverse(windows)) {
+        if (!isOurs(window) && placementOf(connection, window)) {
+            return window;
+        }
+    }
+    return {};
 }
 
 std::optional<std::string> applicationOf(const X11Connection& connection, xcb_window_t window)

@@ -33,6 +33,10 @@ struct X11Placement {
 /// Nothing for a window that cannot be seen: minimised, rolled up to its title, or no longer there.
 std::optional<X11Placement> placementOf(const X11Connection& connection, xcb_window_t window);
 
+/// The window that its user works with: the active one. Where that is a window of this process, it
+/// is on its way out of the picture, and the front one of those behind it counts.
+std::optional<xcb_window_t> frontmostWindow(const X11Connection& connection);
+
 /// The name of the application that a window belongs to; nothing if it does not say.
 std::optional<std::string> applicationOf(const X11Connection& connection, xcb_window_t window);
 

@@ -1,0 +1,134 @@
+#include "Zento/Desktop/PermissionProbe.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QDBusReply>
+#include <QProcess>
+#include <QStringList>
+
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace zento {
+
+namespace {
+
+constexpr auto kBusService = "org.a11y.Bus";
+constexpr auto kBusPath = "/org/a11y/bus";
+constexpr auto kProperties = "org.freedesktop.DBus.Properties";
+constexpr auto kStatus = "org.a11y.Status";
+constexpr int kBusTimeout = 1000; // milliseconds
+
+bool isAccessibilityOn()
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(kBusService, kBusPath, kProperties, "Get");
+    call << kStatus << "IsEnabled";
+    const QDBusReply<QDBusVariant> reply =
+        QDBusConnection::sessionBus().call(call, QDBus::Block, kBusTimeout);
+    return reply.isValid() && reply.value().variant().toBool();
+}
+
+/// Whether a folder of devices has one whose name starts and ends so.
+bool hasDevice(const char* folder, std::string_view start, std::string_view end)
+{
+    std::error_code error;
+    std::filesystem::directory_iterator entry(folder, error);
+    while (!error && entry != std::filesystem::directory_iterator()) {
+        const std::string name = entry->path().filename().string();
+        if (name.starts_with(start) && name.ends_with(end)) {
+            return true;
+        }
+        entry.increment(error);
+    }
+    return false;
+}
+
+void startFirst(const std::vector<std::pair<QString, QStringList>>& programs)
+{
+    for (const auto& [program, arguments] : programs) {
+        if (QProcess::startDetached(program, arguments)) {
+            return;
+        }
+    }
+}
+
+} // namespace
+
+class PermissionProbe::Server {
+public:
+    Server()
+        : m_connection(xcb_connect(nullptr, nullptr))
+    {
+    }
+    ~Server() { xcb_disconnect(m_connection); }
+    Server(const Server&) = delete;
+    Server& operator=(const Server&) = delete;
+
+    bool isConnected() const { return xcb_connection_has_error(m_connection) == 0; }
+
+    /// Also a sign of life.
+    bool hasInput() const
+    {
+        constexpr std::string_view kName = "XInputExtension";
+        xcb_query_extension_reply_t* const reply = xcb_query_extension_reply(
+            m_connection, xcb_query_extension(m_connection, kName.size(), kName.data()), nullptr);
+        const bool isPresent = reply != nullptr && reply->present != 0;
+        std::free(reply); // NOLINT: libxcb's contract
+        return isPresent;
+    }
+
+private:
+    xcb_connection_t* m_connection;
+};
+
+PermissionProbe::PermissionProbe() = default;
+PermissionProbe::~PermissionProbe() = default;
+
+PermissionState PermissionProbe::operator()()
+{
+    if (!m_server) {
+        m_server = std::make_unique<Server>();
+    }
+    const bool hasInput = m_server->isConnected() && m_server->hasInput();
+    const bool hasScreen = m_server->isConnected();
+    if (!hasScreen) {
+        m_server.reset(); // there may be one next time
+    }
+    return {
+        .screen = hasScreen,
+        .input = hasInput,
+        .accessibility = isAccessibilityOn(),
+        .microphone = hasDevice("/dev/snd", "pcm", "c"),
+        .camera = hasDevice("/dev", "video", "")};
+}
+
+void enableAccessibility()
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(kBusService, kBusPath, kProperties, "Set");
+    call << kStatus << "IsEnabled" << QVariant::fromValue(QDBusVariant(true));
+    QDBusConnection::sessionBus().asyncCall(call);
+}
+
+void openSoundSettings()
+{
+    startFirst(
+        {{"gnome-control-center", {"sound"}},
+         {"systemsettings", {"kcm_pulseaudio"}},
+         {"cinnamon-settings", {"sound"}},
+         {"mate-volume-control", {}},
+         {"pavucontrol", {}}});
+}
+
+void openCameraSettings()
+{
+    startFirst({{"gnome-control-center", {"camera"}}, {"systemsettings", {}}});
+}
+
+} // namespace zento

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Zento/Model/Permissions.h"
+
+#include <memory>
+
+namespace zento {
+
+/// What can really be used on this desktop.
+///
+/// `screen`: an X server with a display. `input`: its input extension, by which keys and clicks are
+/// read. `accessibility`: the accessibility bus is switched on (org.a11y.Status). `microphone` and
+/// `camera`: the kernel has a device that records sound or pictures.
+///
+/// Threading: one thread, which is not the main one: it blocks on the server and the bus, on the
+/// latter for at most a second.
+class PermissionProbe {
+public:
+    PermissionProbe();
+    ~PermissionProbe();
+
+    PermissionState operator()();
+
+private:
+    class Server;
+    std::unique_ptr<Server> m_server; // kept while it answers
+};
+
+/// Switches the accessibility bus on, as the user asked; the desktop remembers it. Does not block.
+void enableAccessibility();
+
+/// Opens the desktop's own settings at sound or privacy, where it has such a program. Does not
+/// block.
+void openSoundSettings();
+void openCameraSettings();
+
+} // namespace zento

@@ -1,0 +1,356 @@
+#include "Zento/Model/AppModel.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace zento {
+
+namespace {
+
+constexpr std::array<std::string_view, 9> kInspectorTabs{
+    "look", "edit", "pointer", "sound", "webcam", "text", "share", "record", "app"};
+constexpr double kLeastArea = 40; // points; an area must be larger both ways
+
+constexpr auto kShowInspectorKey = "showInspector";
+constexpr auto kInspectorTabKey = "inspectorTab";
+constexpr auto kWelcomeShownKey = "welcomeShown";
+
+QString knownTab(const QString& tab)
+{
+    for (const std::string_view known : kInspectorTabs) {
+        if (tab == QLatin1StringView(known.data())) {
+            return tab;
+        }
+    }
+    return QLatin1StringView(kInspectorTabs.front().data());
+}
+
+} // namespace
+
+AppModel::AppModel(AppServices services)
+    : m_services(std::move(services))
+    , m_messages(m_services.clock)
+    , m_settings(m_services.settingsFile, m_services.files)
+    , m_permissions(
+          m_services.clock,
+          m_services.probes,
+          m_services.permissions,
+          m_services.permissionRequests)
+    , m_library({
+          .folder = m_services.sessionsFolder,
+          .clock = m_services.clock,
+          .worker = m_services.files,
+          .files = m_services.fileServices,
+          .messages = m_messages,
+          .question = m_question,
+          .defaults = m_services.defaults,
+      })
+    , m_recording({
+          .clock = m_services.clock,
+          .capture = m_services.capture,
+          .files = m_services.files,
+          .settings = m_settings,
+          .permissions = m_permissions,
+          .library = m_library,
+          .messages = m_messages,
+          .makeCapture = m_services.makeCapture,
+          .freeSpace = m_services.freeSpace,
+          .runAction = m_services.runAction,
+          .displayOf = m_services.displayOf,
+          .excludedWindows = [this] { return excludedWindows(); },
+      })
+    , m_export({
+          .clock = m_services.clock,
+          .worker = m_services.exports,
+          .files = m_services.fileServices,
+          .settings = m_settings,
+          .library = m_library,
+          .flow = m_recording,
+          .messages = m_messages,
+          .makers = m_services.makers,
+      })
+    , m_sharing({
+          .library = m_library,
+          .worker = m_services.files,
+          .files = m_services.fileServices,
+          .defaults = m_services.defaults,
+          .home = m_services.home,
+      })
+    , m_shortcuts(m_settings, m_services.hotkeys)
+    , m_updates({
+          .clock = m_services.clock,
+          .messages = m_messages,
+          .question = m_question,
+          .files = m_services.fileServices,
+          .settings = m_settings,
+          .defaults = m_services.defaults,
+          .fetch = m_services.fetch,
+          .endpoint = m_services.updates,
+          .runningVersion = m_services.version,
+      })
+    , m_windows({m_services.probes, m_services.windows, m_services.windowThumbnail})
+    , m_inspectorTab(knownTab(m_services.defaults.value(kInspectorTabKey).toString()))
+    , m_showInspector(m_services.defaults.value(kShowInspectorKey, true).toBool())
+    , m_showWelcome(!m_services.defaults.value(kWelcomeShownKey, false).toBool())
+{
+    m_shortcuts.onHotkey = [this](ShortcutAction action) {
+        run(QString::fromLatin1(shortcutEntry(action).id.data()));
+    };
+}
+
+AppModel::~AppModel() = default;
+
+void AppModel::start()
+{
+    m_permissions.start();
+    m_library.refresh();
+    m_shortcuts.registerHotkeys();
+    tellTakenHotkeys();
+    m_updates.checkIfDue();
+}
+
+void AppModel::tellTakenHotkeys()
+{
+    const QStringList titles = m_shortcuts.unregisteredTitles();
+    if (titles.isEmpty()) {
+        return;
+    }
+    const QString names = titles.join(tr(" and "));
+    const QString reason =
+        m_services.hotkeys.isAvailable()
+            ? tr("Another app already uses %1, so that shortcut won't reach Zento.").arg(names)
+            : tr("This desktop has no shortcuts that work anywhere, so %1 won't reach Zento.")
+                  .arg(names);
+    const QString remedy = m_services.hasTray() ? tr("The tray icon and the File menu still work.")
+                                                : tr("The File menu still works.");
+    m_hotkeyMessage = reason + ' ' + remedy;
+    m_messages.setErrorMessage(m_hotkeyMessage);
+}
+
+void AppModel::trayChanged()
+{
+    if (!m_hotkeyMessage.isEmpty() && m_messages.errorMessage() == m_hotkeyMessage) {
+        tellTakenHotkeys();
+    }
+}
+
+void AppModel::setShowInspector(bool isShown)
+{
+    if (m_showInspector != isShown) {
+        m_showInspector = isShown;
+        m_services.defaults.setValue(kShowInspectorKey, isShown);
+        Q_EMIT viewChanged();
+    }
+}
+
+void AppModel::setInspectorTab(const QString& tab)
+{
+    if (const QString known = knownTab(tab); m_inspectorTab != known) {
+        m_inspectorTab = known;
+        m_services.defaults.setValue(kInspectorTabKey, known);
+        Q_EMIT viewChanged();
+    }
+}
+
+void AppModel::setShowWelcome(bool isShown)
+{
+    if (m_showWelcome != isShown) {
+        m_showWelcome = isShown;
+        m_services.defaults.setValue(kWelcomeShownKey, !isShown);
+        Q_EMIT viewChanged();
+    }
+}
+
+void AppModel::setPanel(Panel panel)
+{
+    if (m_panel != panel) {
+        m_panel = panel;
+        Q_EMIT panelChanged();
+    }
+}
+
+void AppModel::excludeFromRecording(QWindow* window)
+{
+    m_excluded.emplace_back(window);
+}
+
+std::vector<std::uint32_t> AppModel::excludedWindows() const
+{
+    std::vector<std::uint32_t> ids;
+    for (const QPointer<QWindow>& window : m_excluded) {
+        if (window) {
+            ids.push_back(static_cast<std::uint32_t>(window->winId()));
+        }
+    }
+    return ids;
+}
+
+void AppModel::showCapturePanel()
+{
+    setPanel(Panel::CapturePanel);
+}
+
+void AppModel::pickArea()
+{
+    if (m_recording.phase() == RecordingFlow::Phase::Idle) {
+        m_recording.hideApplication();
+        setPanel(Panel::AreaPicker);
+    }
+}
+
+void AppModel::finishArea(const QRectF& area)
+{
+    if (m_panel != Panel::AreaPicker) {
+        return;
+    }
+    if (area.width() <= kLeastArea || area.height() <= kLeastArea) {
+        cancelArea();
+        return;
+    }
+    setPanel(Panel::NoPanel);
+    m_recording.recordArea(area);
+}
+
+void AppModel::cancelArea()
+{
+    if (m_panel == Panel::AreaPicker) {
+        setPanel(Panel::NoPanel);
+        m_recording.showApplication();
+    }
+}
+
+void AppModel::pickWindow()
+{
+    if (m_recording.phase() == RecordingFlow::Phase::Idle) {
+        m_windows.refresh();
+        setPanel(Panel::WindowPicker);
+        m_recording.showApplication();
+    }
+}
+
+void AppModel::finishWindow(quint32 windowID)
+{
+    if (m_panel == Panel::WindowPicker) {
+        setPanel(Panel::NoPanel);
+        m_recording.recordWindow(windowID);
+    }
+}
+
+QVariantList AppModel::displays() const
+{
+    QVariantList list;
+    for (const QRectF& display : m_services.displays()) {
+        list.append(display);
+    }
+    return list;
+}
+
+QRectF AppModel::displayUnderPointer() const
+{
+    return m_services.displayOf(Target::Display{});
+}
+
+void AppModel::run(const QString& action)
+{
+    const ShortcutEntry* const entry = shortcutEntry(action.toStdString());
+    if (entry == nullptr) {
+        return;
+    }
+    switch (entry->action) {
+    case ShortcutAction::ToggleRecording:
+        m_recording.toggleRecording();
+        break;
+    case ShortcutAction::CapturePanel:
+        showCapturePanel();
+        break;
+    case ShortcutAction::RecordScreen:
+        m_recording.recordDisplay();
+        break;
+    case ShortcutAction::RecordWindow:
+        pickWindow();
+        break;
+    case ShortcutAction::RecordArea:
+        pickArea();
+        break;
+    case ShortcutAction::CopyVideo:
+        m_library.copyRenderToClipboard();
+        break;
+    case ShortcutAction::ToggleSidebar:
+        setShowInspector(!m_showInspector);
+        break;
+    case ShortcutAction::Recordings:
+        activate();
+        Q_EMIT actionRequested(action);
+        break;
+    case ShortcutAction::ScreenshotScreen:
+    case ShortcutAction::ScreenshotWindow:
+    case ShortcutAction::ScreenshotArea:
+    case ShortcutAction::ScrollingCapture:
+    case ShortcutAction::ExportVideo:
+        Q_EMIT actionRequested(action);
+        break;
+    }
+}
+
+void AppModel::refreshActions()
+{
+    compute(
+        m_services.probes,
+        this,
+        m_services.installedActions,
+        [this](const Outcome<std::vector<std::string>>& names) {
+            m_installedActions.clear();
+            for (const std::string& name : names.value_or(std::vector<std::string>{})) {
+                m_installedActions.append(QString::fromStdString(name));
+            }
+            Q_EMIT installedActionsChanged();
+        });
+}
+
+void AppModel::relaunch()
+{
+    shutDown(m_services.relaunch);
+}
+
+void AppModel::closeWindow()
+{
+    if (m_services.hasTray()) {
+        m_recording.hideApplication();
+    } else {
+        quit();
+    }
+}
+
+void AppModel::quit()
+{
+    shutDown(m_services.quit);
+}
+
+void AppModel::activate()
+{
+    const bool isFilming = m_recording.phase() == RecordingFlow::Phase::CountingDown
+                           || m_recording.phase() == RecordingFlow::Phase::Recording;
+    if (!isFilming) {
+        m_recording.showApplication(); // else the window would be in the film
+    }
+}
+
+void AppModel::openFromSearch(const QString& identifier)
+{
+    m_library.refresh([this, identifier] {
+        if (m_library.openFromSearch(identifier)) {
+            activate();
+        }
+    });
+}
+
+void AppModel::shutDown(std::function<void()> done)
+{
+    m_recording.finish([this, done = std::move(done)]() mutable {
+        m_export.finish(
+            [this, done = std::move(done)]() mutable { m_settings.flush(std::move(done)); });
+    });
+}
+
+} // namespace zento

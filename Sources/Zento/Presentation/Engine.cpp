@@ -1,0 +1,43 @@
+#include "Zento/Presentation/Engine.h"
+
+#include "Zento/Presentation/App.h"
+#include "Zento/Presentation/Appearance.h"
+#include "Zento/Presentation/IconProvider.h"
+#include "Zento/Presentation/PictureProvider.h"
+#include "Zento/Presentation/ShadowProvider.h"
+
+#include <QQmlEngine>
+
+// Written by the build for the QML module.
+void qml_register_types_Zento();
+
+namespace zento {
+namespace {
+
+constexpr const char* kModule = "Zento";
+
+template <typename Singleton>
+Singleton* singleton(QQmlEngine& engine, const char* name)
+{
+    return engine.singletonInstance<Singleton*>(qmlTypeId(kModule, 1, 0, name));
+}
+
+} // namespace
+
+void prepareEngine(QQmlEngine& engine, QObject* app)
+{
+    qml_register_types_Zento();
+    engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
+    engine.addImageProvider(QStringLiteral("icon"), new IconProvider);
+    engine.addImageProvider(QStringLiteral("shadow"), new ShadowProvider);
+    engine.addImageProvider(QStringLiteral("swatch"), new PictureProvider(drawSwatch, 2));
+    engine.addImageProvider(QStringLiteral("recording"), new PictureProvider(drawRecording, 1));
+    singleton<App>(engine, "App")->setModel(app);
+}
+
+Appearance* appearance(QQmlEngine& engine)
+{
+    return singleton<Appearance>(engine, "Appearance");
+}
+
+} // namespace zento

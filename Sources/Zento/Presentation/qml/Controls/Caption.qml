@@ -1,0 +1,7 @@
+import QtQuick
+import Zento
+
+Label {
+    type: Theme.captionType
+    color: Theme.textTertiary
+}

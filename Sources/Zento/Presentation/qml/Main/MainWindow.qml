@@ -1,0 +1,32 @@
+import QtQuick
+import QtQuick.Window
+import Zento
+
+Window {
+    id: window
+
+    property bool libraryFolded: width < 1280 || userFolded
+    property bool userFolded: false
+    property alias film: content.film
+    property alias timeline: content.timeline
+
+    width: 1440
+    height: 900
+    minimumWidth: Theme.sizeWindowMinWidth
+    minimumHeight: Theme.sizeWindowMinHeight
+    title: App.library.selectedItem.name !== undefined ? qsTr("%1 — Zento").arg(App.library.selectedItem.name) : qsTr("Zento")
+    color: Theme.chrome
+    // Its place is the user's from here on: a window that is shown again is not placed anew.
+    onVisibleChanged: if (!visible) {
+        x = x
+        y = y
+    }
+
+    MainContent {
+        id: content
+
+        anchors.fill: parent
+        libraryFolded: window.libraryFolded
+        onLibraryToggled: window.userFolded = !window.userFolded
+    }
+}

@@ -1,0 +1,148 @@
+import QtQuick
+import QtQuick.Window
+import Zento
+
+// Every window of the program: the main one, and the panels that float above all others.
+QtObject {
+    id: root
+
+    readonly property rect display: App.recording.panelDisplay
+    property alias main: mainWindow
+
+    property list<QtObject> all: [
+        MainWindow {
+            id: mainWindow
+
+            visible: !App.recording.isApplicationHidden
+            onClosing: close => {
+                close.accepted = false
+                App.model.closeWindow()
+            }
+        },
+        FloatingWindow {
+            id: countdown
+
+            visible: App.recording.countdownVisible
+            takesFocus: true
+            display: root.display
+            corner: 24
+            panelWidth: 220
+            panelHeight: 250
+            panelY: display.height / 2 - 125
+            title: qsTr("Zento countdown")
+            CountdownPanel {
+                remaining: App.recording.countdownRemaining
+                seconds: Math.max(1, App.settings.countdownSeconds)
+                onCancelled: App.recording.cancelCountdown()
+            }
+        },
+        FloatingWindow {
+            id: stop
+
+            visible: App.recording.stopPanelVisible
+            display: root.display
+            corner: 28
+            panelY: display.height - 80 - 56
+            title: qsTr("Zento is recording")
+            Component.onCompleted: App.model.excludeFromRecording(stop)
+            StopPanel {
+                elapsed: App.recording.elapsed
+                onStopped: App.recording.stopRecording()
+            }
+        },
+        FloatingWindow {
+            id: capture
+
+            visible: App.model.panel === FloatingPanel.CapturePanel
+            takesFocus: true
+            display: visible ? App.model.displayUnderPointer() : Qt.rect(0, 0, 1920, 1080)
+            panelWidth: 640
+            panelHeight: 110
+            panelY: display.height - 110 - 80
+            title: qsTr("Capture panel")
+            onClosing: App.model.panel = FloatingPanel.NoPanel
+            CapturePanel {
+                onClosed: App.model.panel = FloatingPanel.NoPanel
+                onPermissionsRequested: root.showPermissions()
+            }
+        },
+        FloatingWindow {
+            id: windows
+
+            visible: App.model.panel === FloatingPanel.WindowPicker
+            takesFocus: true
+            display: visible ? App.model.displayUnderPointer() : Qt.rect(0, 0, 1920, 1080)
+            panelWidth: 920
+            panelHeight: 562
+            panelY: (display.height - 562) / 2
+            title: qsTr("Choose a window to record")
+            onClosing: App.model.panel = FloatingPanel.NoPanel
+            Loader {
+                anchors.fill: parent
+                active: windows.visible
+                focus: true
+                sourceComponent: WindowPicker {
+                    onPicked: windowId => App.model.finishWindow(windowId)
+                    onCancelled: App.model.panel = FloatingPanel.NoPanel
+                }
+            }
+        },
+        PanelShape { id: blending },
+        // Where a window cannot let the desktop shine through, its picture is taken as soon as the
+        // application's own windows are out of sight.
+        Timer {
+            id: sight
+
+            property bool isFree: false
+
+            interval: 300
+            running: App.model.panel === FloatingPanel.AreaPicker && !blending.isBlended
+            onTriggered: isFree = true
+        },
+        Instantiator {
+            active: App.model.panel === FloatingPanel.AreaPicker && (blending.isBlended || sight.isFree)
+            onActiveChanged: if (!active) sight.isFree = false
+            model: active ? App.model.displays() : []
+            delegate: Window {
+                id: shade
+
+                required property rect modelData
+
+                flags: Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint | Qt.BypassWindowManagerHint
+                color: "transparent"
+                x: modelData.x
+                y: modelData.y
+                width: modelData.width
+                height: modelData.height
+                visible: true
+                Component.onCompleted: requestActivate()
+                Image {
+                    anchors.fill: parent
+                    cache: false
+                    source: blending.isBlended ? "" : "image://display/" + shade.modelData.x + "/" + shade.modelData.y
+                }
+                AreaPicker {
+                    anchors.fill: parent
+                    onPicked: area => App.model.finishArea(Qt.rect(area.x + shade.x, area.y + shade.y, area.width, area.height))
+                    onCancelled: App.model.cancelArea()
+                }
+            }
+        },
+        Connections {
+            target: App.recording
+            function onActivationRequested() {
+                mainWindow.show()
+                mainWindow.raise()
+                mainWindow.requestActivate()
+            }
+        }
+    ]
+
+    function showPermissions() {
+        App.model.showInspector = true
+        App.model.inspectorTab = "record"
+        mainWindow.show()
+        mainWindow.raise()
+        mainWindow.requestActivate()
+    }
+}

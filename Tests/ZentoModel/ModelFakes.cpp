@@ -1,0 +1,193 @@
+#include "ModelFakes.h"
+
+#include "ZentoCore/FileIO.h"
+#include "ZentoCore/SessionBundle.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+
+namespace zento::test {
+
+namespace {
+
+/// Posted calls need an application; texts shall not depend on who runs the tests.
+class QtEnvironment final : public testing::Environment {
+public:
+    void SetUp() override
+    {
+        QLocale::setDefault(QLocale::C);
+        static int count = 1;
+        static char name[] = "model_tests";         // NOLINT(modernize-avoid-c-arrays): argv
+        static char* arguments[] = {name, nullptr}; // NOLINT(modernize-avoid-c-arrays)
+        m_application = std::make_unique<QCoreApplication>(count, arguments);
+    }
+    void TearDown() override { m_application.reset(); }
+
+private:
+    std::unique_ptr<QCoreApplication> m_application;
+};
+
+// NOLINTNEXTLINE(cert-err58-cpp): how the library is told
+const testing::Environment* const kEnvironment =
+    testing::AddGlobalTestEnvironment(new QtEnvironment);
+
+class FakeCapture final : public RecordingCapture {
+public:
+    FakeCapture(FakeCaptures& captures, CaptureOrder order)
+        : m_captures(captures)
+        , m_order(std::move(order))
+    {
+    }
+
+    void start() override
+    {
+        m_captures.steps.emplace_back("start");
+        std::filesystem::create_directories(m_order.bundle);
+        if (!m_captures.startFailure.empty()) {
+            throw Error(ErrorCode::kNoInput, m_captures.startFailure);
+        }
+    }
+
+    void stop() override
+    {
+        m_captures.steps.emplace_back("stop");
+        if (!m_captures.stopFailure.empty()) {
+            throw Error(ErrorCode::kNoFrames, m_captures.stopFailure);
+        }
+        if (m_captures.leavesBundle) {
+            writeFile(m_order.bundle / "meta.json", metaText());
+        }
+        for (const std::string& file : m_captures.sideFiles) {
+            writeFile(m_order.bundle / file, "");
+        }
+    }
+
+    int frameCount() const override { return m_captures.frameCount; }
+    int droppedFrameCount() const override { return m_captures.droppedFrameCount; }
+
+private:
+    FakeCaptures& m_captures;
+    CaptureOrder m_order;
+};
+
+} // namespace
+
+CaptureFactory FakeCaptures::factory()
+{
+    return [this](const CaptureOrder& order, auto stopped) {
+        orders.push_back(order);
+        onStreamStopped = std::move(stopped);
+        return std::make_unique<FakeCapture>(*this, order);
+    };
+}
+
+FilmMakers FakeFilms::makers()
+{
+    const auto make = [this](
+                          const std::filesystem::path& file,
+                          const FilmReports& reports,
+                          const std::stop_token& stop) {
+        if (meanwhile) {
+            meanwhile(reports);
+        }
+        if (stop.stop_requested()) {
+            throw Error(ErrorCode::kCancelled, "cancelled");
+        }
+        if (!failure.empty()) {
+            throw Error(ErrorCode::kNoFrames, failure);
+        }
+        writeFile(file, "");
+        made.push_back(file.filename().string());
+    };
+    return {
+        .film = [make](const auto&, const auto&, const auto& film, const auto& reports, const auto& stop) {
+            make(film, reports, stop);
+        },
+        .gif = [make](const auto&, const auto& gif, const auto& reports, const auto& stop) {
+            make(gif, reports, stop);
+        }};
+}
+
+std::string metaText(const std::string& title, const std::string& application)
+{
+    SessionMeta meta{
+        .pixelWidth = 640,
+        .pixelHeight = 480,
+        .scaleFactor = 1,
+        .nominalFPS = 60,
+        .duration = 12.5};
+    if (!title.empty()) {
+        meta.title = title;
+    }
+    if (!application.empty()) {
+        meta.appName = application;
+    }
+    return encodeMeta(meta);
+}
+
+ModelTest::ModelTest()
+{
+    std::filesystem::create_directories(m_sessions);
+    m_defaults = std::make_unique<QSettings>(
+        QString::fromStdString((m_folder / "defaults.ini").string()), QSettings::IniFormat);
+    makeModel();
+    m_model->settings()->setProperty("countdownSeconds", 0);
+}
+
+void ModelTest::makeModel()
+{
+    m_model.reset();
+    m_model = std::make_unique<AppModel>(AppServices{
+        .clock = m_clock,
+        .files = m_files,
+        .capture = m_captureWorker,
+        .exports = m_exports,
+        .probes = m_probes,
+        .fileServices = m_services,
+        .hotkeys = m_hotkeys,
+        .defaults = *m_defaults,
+        .settingsFile = m_folder / "settings.json",
+        .sessionsFolder = m_sessions,
+        .home = m_folder.path(),
+        .makeCapture = m_captures.factory(),
+        .makers = m_films.makers(),
+        .freeSpace = [this] { return m_freeSpace; },
+        .runAction = [this](const std::string& name) { m_actions.push_back(name); },
+        .installedActions = [] { return std::vector<std::string>{"One", "Two"}; },
+        .displayOf = [](const CaptureTarget&) { return QRectF(0, 0, 1920, 1080); },
+        .displays = [] { return std::vector<QRectF>{{0, 0, 1920, 1080}}; },
+        .permissions = [this] { return m_permissions; },
+        .permissionRequests = {},
+        .windows = [this] { return m_windows; },
+        .windowThumbnail = [](std::uint32_t,
+                              int width) { return QImage(width, 10, QImage::Format_RGB32); },
+        .fetch =
+            [this](const QUrl& url, const auto& done) {
+                m_fetched.push_back(url);
+                done(m_updateDocument);
+            },
+        .updates = {QUrl("https://updates.example.org/version.json"), "zento.example.org"},
+        .version = "1.9",
+        .hasTray = [this] { return m_hasTray; },
+        .relaunch = [this] { m_actions.emplace_back("relaunch"); },
+        .quit = [this] { m_actions.emplace_back("quit"); },
+    });
+}
+
+std::filesystem::path
+ModelTest::bundle(const std::string& name, const std::string& meta, Age age) const
+{
+    const std::filesystem::path folder = m_sessions / (name + ".zento");
+    const auto before =
+        age == Age::Later ? sessionFolders(m_sessions) : std::vector<SessionFolder>{};
+    do {
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directories(folder);
+    } while (!before.empty() && creationDate(folder) <= before.front().date);
+    if (!meta.empty()) {
+        writeFile(folder / "meta.json", meta);
+    }
+    return folder;
+}
+
+} // namespace zento::test

@@ -1,0 +1,13 @@
+#include "ZentoPresentation/Stage.h"
+
+#include <QGuiApplication>
+
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    zento::useOffscreenPlatform();
+    const QGuiApplication application(argc, argv);
+    return RUN_ALL_TESTS();
+}

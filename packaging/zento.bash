@@ -1,0 +1,28 @@
+# bash completion for zento
+_zento() {
+    local cur prev words cword
+    _init_completion -n = || return
+    local command=${words[1]}
+    if ((cword == 1)); then
+        mapfile -t COMPREPLY < <(compgen -W 'record plan render demo toggle --help --version' -- "$cur")
+        return
+    fi
+    case $prev in
+    --settings | --config | --overrides | --music) _filedir; return ;;
+    --output) if [[ $command == demo ]]; then _filedir -d; else _filedir; fi; return ;;
+    --screen | --window | --area | --seconds | --size | --fps) return ;;
+    esac
+    local options
+    case $command in
+    record) options='--screen --window --area --seconds' ;;
+    plan) options='--settings --config --overrides --music --size --fps --output' ;;
+    render) options='--settings --output --gif' ;;
+    demo) options='--output' ;;
+    esac
+    if [[ $cur == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
+    elif [[ $command == plan || $command == render ]]; then
+        _filedir -d
+    fi
+}
+complete -F _zento zento

@@ -18,11 +18,14 @@ namespace {
 
 struct Release {
     void operator()(CURL* transfer) const { curl_easy_cleanup(transfer); }
-    void operator()(CURLM* transfers) const { curl_multi_cleanup(transfers); }
     void operator()(CURLU* url) const { curl_url_cleanup(url); }
     void operator()(curl_slist* list) const { curl_slist_free_all(list); }
     void operator()(char* text) const { curl_free(text); }
     void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+struct ReleaseTransfers { // the library's handles of one and of many are the same type
+    void operator()(CURLM* transfers) const { curl_multi_cleanup(transfers); }
 };
 
 template <typename Object>
@@ -124,7 +127,7 @@ void configure(CURL* handle, const HttpRequest& request, curl_slist* headers, Tr
 CURLcode run(CURL* handle, const std::string& host, const std::stop_token& stop)
 {
     constexpr int kLookEvery = 50; // milliseconds
-    const Handle<CURLM> transfers(curl_multi_init());
+    const std::unique_ptr<CURLM, ReleaseTransfers> transfers(curl_multi_init());
     curl_multi_add_handle(transfers.get(), handle);
     CURLcode verdict = CURLE_OK;
     for (int running = 1; running > 0;) {

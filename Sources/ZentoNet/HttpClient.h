@@ -7,6 +7,7 @@
 #include <functional>
 #include <stop_token>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -33,9 +34,9 @@ struct HttpResponse {
 /// Requests over HTTP and HTTPS, one connection each. Certificates are verified; a redirection
 /// leads to HTTP or HTTPS only, and from HTTPS nowhere but to HTTPS.
 ///
-/// Threading: any thread; a call blocks until it is done, `stop` ends it within a tenth of a second.
-/// Errors: `Error` with `kNetworkFailed`, a sentence naming the host; `kCancelled`. Any status is an
-/// answer, not an error.
+/// Threading: any thread; a call blocks until it is done, `stop` ends it within a tenth of a
+/// second. Errors: `Error` with `kNetworkFailed`, a sentence naming the host; `kCancelled`. Any
+/// status is an answer, not an error.
 HttpResponse fetch(const HttpRequest& request, const std::stop_token& stop = {});
 
 struct HttpProgress {

@@ -2,8 +2,10 @@
 
 #include "Zento/Music/MusicSynth.h"
 #include "ZentoCore/Error.h"
-#include "ZentoCore/PartFile.h"
+#include "ZentoCore/FileIO.h"
+#include "ZentoCore/ScratchFile.h"
 #include "ZentoCore/UserFolders.h"
+#include "ZentoCore/Uuid.h"
 #include "ZentoMedia/AacWriter.h"
 
 #include <algorithm>

@@ -34,9 +34,10 @@ using ProgressCallback = std::function<void(double)>; // how much is done, in (0
 
 /// The track's file of a minute, made if it is missing; one that exists is not touched.
 ///
-/// Takes a fraction of a second, so not for a thread that draws. Throws `Error`: the system's error,
-/// naming the file; `kCancelled` soon after `stop`. A file that did not get finished is removed.
-std::filesystem::path
-ensure(const Track& track, const ProgressCallback& onProgress = {}, const std::stop_token& stop = {});
+/// Takes a fraction of a second, so not for a thread that draws. Throws `Error`: the system's
+/// error, naming the file; `kCancelled` soon after `stop`. A file that did not get finished is
+/// removed.
+std::filesystem::path ensure(
+    const Track& track, const ProgressCallback& onProgress = {}, const std::stop_token& stop = {});
 
 } // namespace zento::MusicLibrary

@@ -70,7 +70,8 @@ void addHats(double beat, double hatEvery, double seconds, SynthesizedTrack& tra
         const std::size_t start = sampleAt(t);
         for (std::size_t i = 0; i < kHatLength; ++i) {
             state = state * 1664525U + 1013904223U;
-            const float noise = static_cast<float>(static_cast<std::int32_t>(state)) * 4.656613e-10F;
+            const float noise =
+                static_cast<float>(static_cast<std::int32_t>(state)) * 4.656613e-10F;
             const float sound = (noise - low) * decay[i];
             if (start + i < track.left.size()) {
                 track.left[start + i] += sound * 0.9F;
@@ -92,14 +93,12 @@ std::vector<float> makeBassNote(double semitones, double beat)
         const double turns = frequency * s;
         const double saw = (2 * (turns - std::floor(turns)) - 1) * 0.08;
         soft = soft * 0.92 + saw;
-        note[i] =
-            static_cast<float>(portable::exp(-2.2 * s) * std::min(40 * s, 1.0) * soft * 0.5);
+        note[i] = static_cast<float>(portable::exp(-2.2 * s) * std::min(40 * s, 1.0) * soft * 0.5);
     }
     return note;
 }
 
-void addBass(
-    double beat, const std::vector<double>& line, double seconds, SynthesizedTrack& track)
+void addBass(double beat, const std::vector<double>& line, double seconds, SynthesizedTrack& track)
 {
     std::vector<std::vector<float>> notes;
     for (const double semitones : line)

@@ -36,8 +36,8 @@ RunningZento::RunningZento(std::string_view settings, std::string_view defaults)
         "Zento does not open; " + messages());
 }
 
-ElementQuery RunningZento::element(
-    const std::string& role, const std::string& name, const std::string& window)
+ElementQuery
+RunningZento::element(const std::string& role, const std::string& name, const std::string& window)
 {
     return {.application = "Zento", .window = window, .role = role, .name = name, .text = {}};
 }

@@ -23,8 +23,8 @@ public:
     explicit RunningZento(std::string_view settings = "{}", std::string_view defaults = "");
 
     /// An element of Zento.
-    static ElementQuery element(
-        const std::string& role, const std::string& name, const std::string& window = "");
+    static ElementQuery
+    element(const std::string& role, const std::string& name, const std::string& window = "");
 
     void await(const ElementQuery& query) { m_actor->await(query, {}); }
     void click(const ElementQuery& query) { m_actor->perform(ClickStep{query}, {}); }

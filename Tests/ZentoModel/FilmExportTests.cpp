@@ -15,7 +15,10 @@ protected:
         set("revealAfterExport", false);
     }
 
-    void set(const char* key, const QVariant& value) { m_model->settings()->setProperty(key, value); }
+    void set(const char* key, const QVariant& value)
+    {
+        m_model->settings()->setProperty(key, value);
+    }
     FilmExport& job() { return *m_model->filmExport(); }
     Phase phase() { return m_model->recording()->phase(); }
 };
@@ -37,8 +40,20 @@ TEST_F(FilmExportTest, WritesWhatTheSettingsSay)
         {"a film", "mp4", "", false, {"one.mp4"}, "Video exported", {}},
         {"a film, shown", "mp4", "", true, {"one.mp4"}, "Video exported", {"reveal one.mp4"}},
         {"a film elsewhere", "mp4", "a.mp4", true, {"a.mp4"}, "Video exported", {"reveal a.mp4"}},
-        {"a GIF is made from the film", "gif", "", true, {"one.mp4", "one.gif"}, "GIF exported", {"reveal one.gif"}},
-        {"only the GIF goes elsewhere", "gif", "b.gif", false, {"one.mp4", "b.gif"}, "GIF exported", {}},
+        {"a GIF is made from the film",
+         "gif",
+         "",
+         true,
+         {"one.mp4", "one.gif"},
+         "GIF exported",
+         {"reveal one.gif"}},
+        {"only the GIF goes elsewhere",
+         "gif",
+         "b.gif",
+         false,
+         {"one.mp4", "b.gif"},
+         "GIF exported",
+         {}},
         {"a name without an end", "mp4", "v1.2", false, {"v1.2.mp4"}, "Video exported", {}},
         {"the other format's end", "gif", "c.mp4", false, {"one.mp4", "c.gif"}, "GIF exported", {}},
     };
@@ -88,7 +103,8 @@ TEST_F(FilmExportTest, TellsHowFarItIsAndGuessesTheRest)
         report(200); // done
     };
     job().start();
-    EXPECT_EQ(seen, (std::vector<std::string>{"2/200 1% -1s", "50/200 25% 12s", "200/200 100% 0s"}));
+    EXPECT_EQ(
+        seen, (std::vector<std::string>{"2/200 1% -1s", "50/200 25% 12s", "200/200 100% 0s"}));
     EXPECT_EQ(job().session(), "");
 }
 

@@ -100,12 +100,15 @@ FilmMakers FakeFilms::makers()
         made.push_back(file.filename().string());
     };
     return {
-        .film = [make](const auto&, const auto&, const auto& film, const auto& reports, const auto& stop) {
-            make(film, reports, stop);
-        },
-        .gif = [make](const auto&, const auto& gif, const auto& reports, const auto& stop) {
-            make(gif, reports, stop);
-        }};
+        .film =
+            [make](
+                const auto&, const auto&, const auto& film, const auto& reports, const auto& stop) {
+                make(film, reports, stop);
+            },
+        .gif =
+            [make](const auto&, const auto& gif, const auto& reports, const auto& stop) {
+                make(gif, reports, stop);
+            }};
 }
 
 std::string metaText(const std::string& title, const std::string& application)

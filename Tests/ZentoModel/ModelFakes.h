@@ -217,8 +217,8 @@ struct FakeCaptures {
 
 /// What the fake maker of films does, and what it was asked for.
 struct FakeFilms {
-    std::string failure; // empty: it succeeds
-    std::vector<std::string> made; // names of the files, in order
+    std::string failure;                               // empty: it succeeds
+    std::vector<std::string> made;                     // names of the files, in order
     std::function<void(const FilmReports&)> meanwhile; // before a film or a GIF is there
 
     FilmMakers makers();

@@ -31,8 +31,7 @@ bool blendsWindows()
     const std::string name = "_NET_WM_CM_S" + std::to_string(screen);
     const std::unique_ptr<xcb_intern_atom_reply_t, Free> atom(xcb_intern_atom_reply(
         connection.get(),
-        xcb_intern_atom(
-            connection.get(), 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
+        xcb_intern_atom(connection.get(), 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
         nullptr));
     if (!atom) {
         return true;

@@ -15,10 +15,10 @@
 #include <cstring>
 #include <memory>
 #include <mutex>
-#include <thread>
 #include <optional>
 #include <span>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 namespace zento {

@@ -16,14 +16,16 @@ constexpr double kGuessFrom = 0.03; // of the work must be done before the rest 
 FilmMakers filmMakers(std::function<std::optional<std::string>()> desktopImage)
 {
     return {
-        .film = [desktopImage = std::move(desktopImage)](
-                    const std::filesystem::path& bundle,
-                    const AppSettings& settings,
-                    const std::filesystem::path& film,
-                    const FilmReports& reports,
-                    const std::stop_token& stop) {
-            renderFilm(SessionBundle::load(bundle), settings, film, desktopImage(), reports, stop);
-        },
+        .film =
+            [desktopImage = std::move(desktopImage)](
+                const std::filesystem::path& bundle,
+                const AppSettings& settings,
+                const std::filesystem::path& film,
+                const FilmReports& reports,
+                const std::stop_token& stop) {
+                renderFilm(
+                    SessionBundle::load(bundle), settings, film, desktopImage(), reports, stop);
+            },
         .gif = renderGif};
 }
 
@@ -41,17 +43,15 @@ struct FilmExport::Job {
 
     FilmReports reports()
     {
-        return {
-            .onProgress = [this](FilmProgress now) { progress = now; }, .onMusicLeftOut = {}};
+        return {.onProgress = [this](FilmProgress now) { progress = now; }, .onMusicLeftOut = {}};
     }
 };
 
 FilmExport::FilmExport(Ports ports)
     : m_ports(std::move(ports))
 {
-    connect(&m_ports.library, &RecordingLibrary::selectedChanged, this, [this] {
-        setDestination({});
-    });
+    connect(
+        &m_ports.library, &RecordingLibrary::selectedChanged, this, [this] { setDestination({}); });
 }
 
 FilmExport::~FilmExport()
@@ -157,10 +157,9 @@ void FilmExport::showProgress()
     const FilmProgress now = m_job->progress;
     const double fraction = now.fraction();
     const std::chrono::duration<double> spent = m_ports.clock.now() - m_job->begun;
-    m_secondsLeft =
-        fraction < kGuessFrom
-            ? -1
-            : static_cast<int>(std::ceil(spent.count() * (1 - fraction) / fraction));
+    m_secondsLeft = fraction < kGuessFrom
+                        ? -1
+                        : static_cast<int>(std::ceil(spent.count() * (1 - fraction) / fraction));
     m_shown = m_job->phase == RecordingFlow::Phase::Rendering ? now : FilmProgress{};
     m_ports.flow.setProgress(fraction);
     Q_EMIT progressed();
@@ -200,9 +199,8 @@ void FilmExport::succeeded(const QString& toast)
         m_ports.messages.setToast(toast);
         m_ports.files.reveal(file);
     } else {
-        m_ports.messages.setToast(toast, tr("Show"), [&files = m_ports.files, file] {
-            files.reveal(file);
-        });
+        m_ports.messages.setToast(
+            toast, tr("Show"), [&files = m_ports.files, file] { files.reveal(file); });
     }
 }
 

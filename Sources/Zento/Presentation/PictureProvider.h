@@ -38,8 +38,8 @@ private:
 /// Words are percent-encoded.
 Canvas drawSwatch(const QString& id, int width, int height);
 
-/// A recording's picture: `id` is the bundle's path, percent-encoded, and behind the last slash "film"
-/// for the exported film, or "raw" for what was recorded.
+/// A recording's picture: `id` is the bundle's path, percent-encoded, and behind the last slash
+/// "film" for the exported film, or "raw" for what was recorded.
 Canvas drawRecording(const QString& id, int width, int height);
 
 } // namespace zento

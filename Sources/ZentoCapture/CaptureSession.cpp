@@ -2,6 +2,7 @@
 
 #include "ZentoCapture/BundleCompletion.h"
 #include "ZentoCapture/MonotonicClock.h"
+#include "ZentoCore/FileIO.h"
 #include "ZentoCore/SessionBundle.h"
 
 #include <algorithm>

@@ -35,7 +35,8 @@ ZentoImaging ZentoCore
 ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
-Zento/Model ZentoCore|ZentoEngine|ZentoRender|ZentoCapture|Zento/Music
+Zento/Timeline ZentoCore
+Zento/Model ZentoCore|ZentoEngine|ZentoMedia|ZentoImaging|ZentoCapture|ZentoRender|Zento/Timeline|Zento/Music
 Zento/Music ZentoCore|ZentoNet|ZentoMedia
 Zento/Desktop ZentoCore|ZentoCapture|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging

@@ -67,7 +67,7 @@ public:
         , m_reader(bundle.screenMovieURL())
         , m_webcam(plan.webcam, bundle.url)
         , m_compositor(plan.output, plan.style, m_reader.naturalSize())
-        , m_sequence(plan, bundle.events, curve, m_reader.naturalSize())
+        , m_sequence(plan, bundle.events, curve, m_reader.naturalSize(), 1 / plan.output.fps)
     {
     }
 

@@ -3,8 +3,9 @@
 //
 //   sync_check ZENTO [SECONDS]
 //
-// Everything happens on a private desktop. The flashes are the background of its screen, and the
-// picture of a camera; the beeps are played to the default output, and to what a microphone hears.
+// Everything happens on a private desktop. A flash that a busy machine painted late counts from
+// when it was painted. The flashes are the background of its screen, and the picture of a camera;
+// the beeps are played to the default output, and to what a microphone hears.
 
 #include "SoundStage/FakeCamera.h"
 #include "SoundStage/PrivateSound.h"
@@ -15,7 +16,10 @@
 #include "Zento/Demo/RootBackground.h"
 #include "Zento/Demo/Waiting.h"
 #include "Zento/Demo/XConnection.h"
+#include "ZentoCapture/Journal.h"
 #include "ZentoCapture/MonotonicClock.h"
+#include "ZentoCore/Error.h"
+#include "ZentoCore/FileIO.h"
 #include "ZentoCore/SessionBundle.h"
 
 #include <algorithm>
@@ -52,7 +56,10 @@ bool waitFor(double time, const std::stop_token& stop)
     return sleepUntil(SteadyTime(std::chrono::duration_cast<SteadyTime::duration>(since)), stop);
 }
 
-void flashScreen(const std::string& display, const std::stop_token& stop)
+/// How late each flash was painted, by the second of CLOCK_MONOTONIC it was due at.
+using Lateness = std::map<double, double>;
+
+void flashScreen(const std::string& display, Lateness& lateness, const std::stop_token& stop)
 {
     constexpr VerticalGradient kWhite{0xFFFFFF, 0xFFFFFF};
     constexpr VerticalGradient kBlack{0x000000, 0x000000};
@@ -61,6 +68,7 @@ void flashScreen(const std::string& display, const std::stop_token& stop)
         if (!waitFor(next, stop)) {
             return;
         }
+        lateness[next] = monotonicSeconds() - next;
         paintRootBackground(connection, kWhite);
         if (!waitFor(next + kFlashSeconds, stop)) {
             return;
@@ -73,7 +81,7 @@ void flashScreen(const std::string& display, const std::stop_token& stop)
 std::vector<std::uint8_t> cameraPicture(double time)
 {
     const double since = time - std::floor(time / kPeriod) * kPeriod;
-    constexpr std::size_t kPixels = 1280 * 720;
+    constexpr std::size_t kPixels = std::size_t{1280} * 720;
     std::vector<std::uint8_t> bytes(kPixels, since < kFlashSeconds ? 235 : 16);
     bytes.resize(kPixels * 3 / 2, 128);
     return bytes;
@@ -81,11 +89,35 @@ std::vector<std::uint8_t> cameraPicture(double time)
 
 struct Recorded {
     std::filesystem::path bundle;
+    double epoch = 0;                      // seconds of CLOCK_MONOTONIC
+    double ends = 0;                       // seconds that starting and stopping took together
     std::map<std::string, double> threads; // processor seconds
 };
 
+/// The recording that is there, complete or not.
+std::filesystem::path bundleIn(const std::filesystem::path& home)
+{
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(home)) {
+        if (entry.path().extension() == ".zento") {
+            return entry.path();
+        }
+    }
+    return {};
+}
+
+/// As the journal of a recording that runs tells it; 0 if it does not yet.
+double epochOf(const std::filesystem::path& bundle)
+{
+    try {
+        return decodeJournal(readFile(journalURL(bundle))).epoch.value_or(0);
+    } catch (const Error&) {
+        return 0;
+    }
+}
+
 Recorded record(PrivateDesktop& desktop, const std::string& zento, double seconds)
 {
+    const double begin = monotonicSeconds();
     const pid_t process = desktop.start(
         {zento,
          "record",
@@ -100,14 +132,26 @@ Recorded record(PrivateDesktop& desktop, const std::string& zento, double second
         if (!times.empty() && times.size() + 2 >= recorded.threads.size()) {
             recorded.threads = times;
         }
-        sleepFor(0.2, {});
-    }
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(desktop.home().path())) {
-        if (entry.path().extension() == ".zento") {
-            recorded.bundle = entry.path();
+        sleepFor(monotonicSeconds() - begin < seconds ? 0.2 : 0.005, {});
+        if (recorded.epoch == 0) {
+            recorded.bundle = bundleIn(desktop.home().path());
+            recorded.epoch = epochOf(recorded.bundle);
         }
     }
+    recorded.ends = monotonicSeconds() - begin - seconds;
     return recorded;
+}
+
+/// When the flashes of the screen would lie in its movie had each been painted in time.
+std::vector<double> punctualFlashes(const Recorded& recorded, const Lateness& lateness)
+{
+    auto result = flashes(recorded.bundle / "screen.mov");
+    for (double& flash : result) {
+        const double due = std::round((recorded.epoch + flash) / kPeriod) * kPeriod;
+        const auto found = lateness.find(due);
+        flash -= found == lateness.end() ? 0 : found->second;
+    }
+    return result;
 }
 
 /// How much later than each flash of the screen the nearest event of a track comes, by the flash.
@@ -194,10 +238,10 @@ void reportSteadiness(const char* name, const std::vector<double>& events)
         1000 * last);
 }
 
-bool analyse(const Recorded& recorded, double seconds)
+bool analyse(const Recorded& recorded, const Lateness& lateness, double seconds)
 {
     const SessionBundle bundle = SessionBundle::load(recorded.bundle);
-    const auto screen = flashes(bundle.screenMovieURL());
+    const auto screen = punctualFlashes(recorded, lateness);
     std::printf(
         "\n%.0f s recorded, %zu flashes. Milliseconds from a flash of the screen to what belongs "
         "to "
@@ -239,6 +283,7 @@ bool analyse(const Recorded& recorded, double seconds)
     reportSteadiness("system audio", beeps(bundle.systemAudioURL()));
     reportSteadiness("microphone", beeps(bundle.narrationURL()));
     reportSteadiness("camera", flashes(bundle.webcamURL()));
+    std::printf("\nstarting and stopping took %.2f s together\n", recorded.ends);
     std::printf("\nprocessor time by thread, in hundredths of a core:\n");
     for (const auto& [name, time] : recorded.threads) {
         std::printf("  %-16s %6.2f\n", name.c_str(), 100 * time / seconds);
@@ -257,9 +302,13 @@ int run(const std::string& zento, double seconds)
     const test::SoundPlayer voice("mic-feed", beep);
     const test::FakeCamera camera(
         "camera", {}, [](int, double time) { return cameraPicture(time); });
-    const std::jthread screen(
-        [display = desktop.display()](const std::stop_token& stop) { flashScreen(display, stop); });
-    return analyse(record(desktop, zento, seconds), seconds) ? 0 : 1;
+    Lateness lateness;
+    std::jthread screen(
+        [&](const std::stop_token& stop) { flashScreen(desktop.display(), lateness, stop); });
+    const Recorded recorded = record(desktop, zento, seconds);
+    screen.request_stop();
+    screen.join();
+    return analyse(recorded, lateness, seconds) ? 0 : 1;
 }
 
 } // namespace

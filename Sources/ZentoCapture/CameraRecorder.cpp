@@ -47,7 +47,7 @@ chosenCamera(PipeWireLoop& loop, const std::optional<std::string>& deviceID)
 }
 
 /// There must be no old file, also where the recording then fails.
-const std::filesystem::path& removed(const std::filesystem::path& file)
+std::filesystem::path removed(std::filesystem::path file)
 {
     std::error_code ignored;
     std::filesystem::remove(file, ignored);
@@ -95,8 +95,8 @@ void CameraRecorder::State::append(const CameraFrame& frame) noexcept
         if (writer.append(frame.picture, time)) {
             hasPicture = true;
         }
-        if (hasPicture) {
-            startTime = *clock.start();
+        if (const auto start = clock.start(); start && hasPicture) {
+            startTime = *start;
         }
     } catch (const std::exception&) {
         hasFailed = true;

@@ -104,6 +104,9 @@ void CaptureSession::stop()
     SessionBundle bundle{
         .url = m_bundleURL, .meta = meta(*epoch), .events = m_log->finished(*epoch)};
     m_sideRecorders.stop(*epoch, bundle.meta);
+    if (journal) {
+        journal->finish();
+    }
     complete(bundle);
     journal.reset();
     removeJournal(m_bundleURL);
@@ -207,8 +210,8 @@ void CaptureSession::startJournal()
 FrameVerdict CaptureSession::handle(const CapturedFrame& frame)
 {
     const FrameVerdict verdict = m_intake.handle(frame);
-    if (m_journal && m_intake.epoch()) {
-        m_journal->setEpoch(*m_intake.epoch());
+    if (const auto epoch = m_intake.epoch(); m_journal && epoch) {
+        m_journal->setEpoch(*epoch);
     }
     if (verdict == FrameVerdict::Refused && m_writer->hasFailed()) {
         reportFailedWriter();

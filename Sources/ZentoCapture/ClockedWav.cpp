@@ -67,7 +67,7 @@ std::optional<double> ClockedWav::startTime() const
 void ClockedWav::write(const TimedSound& sound)
 {
     if (!m_file) {
-        m_file.emplace(
+        m_file = std::make_unique<File>(
             m_path,
             WavFormat{
                 .sampleRate = sound.sampleRate,

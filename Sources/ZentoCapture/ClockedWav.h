@@ -7,6 +7,7 @@
 #include <atomic>
 #include <filesystem>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -61,7 +62,7 @@ private:
     void writeStretched(AudioBlock block, int stretch);
 
     std::filesystem::path m_path;
-    std::optional<File> m_file;
+    std::unique_ptr<File> m_file; // none before the first sound
     std::atomic<double> m_startTime = std::numeric_limits<double>::quiet_NaN(); // not yet
     bool m_hasFailed = false;
     std::vector<std::vector<float>> m_planes; // scratch

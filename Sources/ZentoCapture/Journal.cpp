@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -20,6 +21,11 @@ namespace {
 
 // What a cut may cost of the log; the movie's fragments are as long.
 constexpr std::chrono::milliseconds kInterval(500);
+
+// "events.jsonl" is about as long as the journal; what comes on top is "meta.json" and the news of
+// the time until somebody notices that the disk is full.
+constexpr std::int64_t kRoomFactor = 2;
+constexpr std::int64_t kSpareRoom = 128 << 10;
 
 FileDescriptor open(const std::filesystem::path& path, int flags)
 {
@@ -63,6 +69,14 @@ std::optional<FileDescriptor> lockJournal(const std::filesystem::path& bundle)
     return lock(file) ? std::optional(std::move(file)) : std::nullopt;
 }
 
+void giveRoomBack(const FileDescriptor& journal) noexcept
+{
+    struct stat status{};
+    if (::fstat(journal.get(), &status) == 0) {
+        [[maybe_unused]] const int ignored = ::ftruncate(journal.get(), status.st_size);
+    }
+}
+
 Journal::Journal(const std::filesystem::path& bundle, const SessionMeta& facts, NewsSource news)
     : m_path(journalURL(bundle))
     , m_file(open(m_path, O_CREAT | O_TRUNC | O_APPEND))
@@ -73,7 +87,19 @@ Journal::Journal(const std::filesystem::path& bundle, const SessionMeta& facts, 
     m_thread = std::jthread([this](const std::stop_token& stop) { run(stop); });
 }
 
-Journal::~Journal() = default;
+Journal::~Journal()
+{
+    finish();
+}
+
+void Journal::finish()
+{
+    if (m_thread.joinable()) {
+        m_thread.request_stop();
+        m_thread.join();
+        giveRoomBack(m_file);
+    }
+}
 
 void Journal::setEpoch(double hostTime)
 {
@@ -121,10 +147,23 @@ void Journal::append(const std::string& text)
     if (m_hasFailed || text.empty()) {
         return;
     }
+    m_size += static_cast<std::int64_t>(text.size());
+    keepRoom(kRoomFactor * m_size + kSpareRoom);
     if (const int errorNumber = write(m_file.get(), text); errorNumber != 0) {
         const Error error = systemError("cannot write", m_path.string(), errorNumber);
         std::cerr << "warning: the recording's journal: " << error.what() << '\n';
         m_hasFailed = true;
+    }
+}
+
+/// Where the filesystem cannot, or has no more, the journal goes on without.
+void Journal::keepRoom(std::int64_t byteCount)
+{
+    if (byteCount > m_roomEnd) {
+        const std::int64_t end = byteCount + kSpareRoom; // not for every line
+        if (::fallocate(m_file.get(), FALLOC_FL_KEEP_SIZE, 0, end) == 0) {
+            m_roomEnd = end;
+        }
     }
 }
 

@@ -4,6 +4,7 @@
 #include "ZentoCore/FileDescriptor.h"
 
 #include <condition_variable>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -18,6 +19,9 @@ namespace zento {
 /// "journal.jsonl" of a bundle: it is there exactly as long as the bundle is not complete.
 std::filesystem::path journalURL(const std::filesystem::path& bundle);
 
+/// Gives back the room that a journal which was cut short still has beyond its end.
+void giveRoomBack(const FileDescriptor& journal) noexcept;
+
 /// Holds a bundle's journal for one program, which works on the bundle meanwhile; the system lets
 /// go of it when the program ends in whatever way.
 ///
@@ -29,9 +33,12 @@ std::optional<FileDescriptor> lockJournal(const std::filesystem::path& bundle);
 /// one whose process was killed: appended twice a second, on the thread "capture.journal", and sent
 /// on to the disk.
 ///
+/// Room for what is made of it in the end is set aside on the disk, so that the bundle of a
+/// recording that filled the disk can be completed.
+///
 /// A journal that cannot be written costs a warning, never the recording.
 ///
-/// Threading: safe.
+/// Threading: `finish` and the destructor by one thread, all else is safe.
 class Journal {
 public:
     struct News {
@@ -44,7 +51,7 @@ public:
     /// thread. Throws the system's error.
     Journal(const std::filesystem::path& bundle, const SessionMeta& facts, NewsSource news);
 
-    /// Appends what there is and leaves the file, for a recovery.
+    /// Finishes it and leaves the file, for a recovery.
     ~Journal();
     Journal(const Journal&) = delete;
     Journal& operator=(const Journal&) = delete;
@@ -52,14 +59,21 @@ public:
     /// The first call counts.
     void setEpoch(double hostTime);
 
+    /// Appends what there is, and nothing later, and gives back the room that was set aside. The
+    /// file stays held.
+    void finish();
+
 private:
     void run(const std::stop_token& stop);
     void append(const std::string& text);
+    void keepRoom(std::int64_t byteCount);
     std::string text(const News& news);
 
     std::filesystem::path m_path;
     FileDescriptor m_file; // held locked to the end
     bool m_hasFailed = false;
+    std::int64_t m_size = 0;    // of the file
+    std::int64_t m_roomEnd = 0; // what was set aside ends here
     NewsSource m_news;
     std::map<SideFile, double> m_toldStarts; // the journal's thread alone
     std::mutex m_mutex;                      // guards the three below

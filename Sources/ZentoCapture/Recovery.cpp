@@ -8,6 +8,7 @@
 #include "ZentoMedia/WavRecovery.h"
 
 #include <cerrno>
+#include <map>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -90,16 +91,17 @@ std::optional<double>& offsetOf(SideFile file, SessionMeta& meta)
 /// Keeps the side files that are of use, as the metadata then says, and removes the others.
 void finishSideFiles(
     const std::filesystem::path& bundle,
-    const JournalContents& journal,
+    const std::map<SideFile, double>& starts,
+    double epoch,
     SessionMeta& meta,
     Recovery& recovery,
     const std::stop_token& stop)
 {
     for (const SideFile file : {SideFile::Narration, SideFile::Webcam, SideFile::SystemAudio}) {
         const auto path = bundle / fileName(file);
-        const auto start = journal.starts.find(file);
-        if (start != journal.starts.end() && finishSideFile(path, file, stop)) {
-            offsetOf(file, meta) = start->second - *journal.epoch;
+        const auto start = starts.find(file);
+        if (start != starts.end() && finishSideFile(path, file, stop)) {
+            offsetOf(file, meta) = start->second - epoch;
             continue;
         }
         std::error_code ignored;
@@ -119,13 +121,13 @@ std::optional<std::string> givenTitle(const SessionBundle& bundle)
     }
 }
 
-std::vector<InputEvent> finishedEvents(const JournalContents& journal)
+std::vector<InputEvent> finishedEvents(const std::vector<InputEvent>& events, double epoch)
 {
     EventLog log;
-    for (const InputEvent& event : journal.events) {
+    for (const InputEvent& event : events) {
         log.append(event);
     }
-    return log.finished(*journal.epoch);
+    return log.finished(epoch);
 }
 
 } // namespace
@@ -149,6 +151,7 @@ Recovery recover(const std::filesystem::path& bundle, const std::stop_token& sto
     }
     const FileDescriptor hold = held(bundle);
     const JournalContents journal = journalOf(bundle);
+    const double epoch = journal.epoch.value_or(0); // it has one
     SessionBundle result{.url = bundle, .meta = journal.meta};
     MovieRecovery movie(result.screenMovieURL(), stop);
     movie.finish();
@@ -158,9 +161,10 @@ Recovery recover(const std::filesystem::path& bundle, const std::stop_token& sto
         .frameCount = movie.frameCount(),
         .duration = movie.lastTime()};
     result.meta.duration = recovery.duration;
-    finishSideFiles(bundle, journal, result.meta, recovery, stop);
+    finishSideFiles(bundle, journal.starts, epoch, result.meta, recovery, stop);
     result.meta.title = givenTitle(result);
-    result.events = finishedEvents(journal);
+    result.events = finishedEvents(journal.events, epoch);
+    giveRoomBack(hold);
     complete(result);
     removeJournal(bundle);
     return recovery;

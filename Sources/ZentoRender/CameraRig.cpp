@@ -1,6 +1,7 @@
 #include "ZentoRender/CameraRig.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace zento {
@@ -32,32 +33,35 @@ CameraRig::CameraRig(std::vector<CameraKeyframe> keyframes, double sourceWidth, 
         m_keyframes.empty()
             ? CameraKeyframe{.tOut = 0, .center = {sourceWidth * 0.5, sourceHeight * 0.5}}
             : m_keyframes.front();
-    m_cx = springAt(start.center.x, kPanOmega);
-    m_cy = springAt(start.center.y, kPanOmega);
-    m_zoom = springAt(start.zoom, kZoomOmega);
+    m_springs.cx = springAt(start.center.x, kPanOmega);
+    m_springs.cy = springAt(start.center.y, kPanOmega);
+    m_springs.zoom = springAt(start.zoom, kZoomOmega);
 }
 
 CameraRig::State CameraRig::step(double tOut, double dt)
 {
     if (const CameraKeyframe* goal = target(tOut)) {
-        m_cx.step(goal->center.x, dt);
-        m_cy.step(goal->center.y, dt);
-        m_zoom.step(goal->zoom, dt);
+        m_springs.cx.step(goal->center.x, dt);
+        m_springs.cy.step(goal->center.y, dt);
+        m_springs.zoom.step(goal->zoom, dt);
     }
-    return {.center = {m_cx.value, m_cy.value}, .zoom = std::max(m_zoom.value, kMinimumZoom)};
+    return state();
 }
 
+CameraRig::State CameraRig::state() const
+{
+    return {
+        .center = {m_springs.cx.value, m_springs.cy.value},
+        .zoom = std::max(m_springs.zoom.value, kMinimumZoom)};
+}
+
+/// The last one that has begun, or else the first.
 const CameraKeyframe* CameraRig::target(double time) const
 {
     if (m_keyframes.empty())
         return nullptr;
-    const CameraKeyframe* inForce = &m_keyframes.front();
-    for (const CameraKeyframe& keyframe : m_keyframes) {
-        if (keyframe.tOut > time)
-            break;
-        inForce = &keyframe;
-    }
-    return inForce;
+    const auto later = std::ranges::upper_bound(m_keyframes, time, {}, &CameraKeyframe::tOut);
+    return later == m_keyframes.begin() ? &m_keyframes.front() : &*std::prev(later);
 }
 
 } // namespace zento

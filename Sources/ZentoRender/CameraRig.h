@@ -21,7 +21,8 @@ struct Spring {
 /// keyframe that is in force.
 ///
 /// A rig is driven once per frame and cannot seek. The path depends on the step, so a camera at a
-/// given time is reached by replaying the same steps from the start.
+/// given time is reached by replaying the same steps from the start, or from springs that were kept
+/// on the way.
 ///
 /// Threading: a value; every user owns a copy.
 class CameraRig {
@@ -32,6 +33,13 @@ public:
         bool operator==(const State&) const = default;
     };
 
+    /// All that a step changes: what is put back goes on to the bit as it did before.
+    struct Springs {
+        Spring cx;
+        Spring cy;
+        Spring zoom; // not floored: only the reported zoom is
+    };
+
     /// Keyframes in any order. The springs start at rest on the earliest one, so that a film never
     /// opens with a move; without keyframes they rest in the middle of the source at zoom 1.
     CameraRig(std::vector<CameraKeyframe> keyframes, double sourceWidth, double sourceHeight);
@@ -39,13 +47,16 @@ public:
     /// Advances by `dt` seconds towards the keyframe in force at `tOut`.
     State step(double tOut, double dt);
 
+    const Springs& springs() const { return m_springs; }
+    void putBack(const Springs& springs) { m_springs = springs; }
+
+    State state() const;
+
 private:
     const CameraKeyframe* target(double time) const;
 
     std::vector<CameraKeyframe> m_keyframes; // ascending by tOut, in the order given where equal
-    Spring m_cx;
-    Spring m_cy;
-    Spring m_zoom; // not floored: only the reported zoom is
+    Springs m_springs;
 };
 
 } // namespace zento

@@ -21,6 +21,13 @@ struct ScheduledFrame {
     std::optional<VideoFrame> webcam;
 };
 
+/// When a frame of the main part is.
+struct FrameTime {
+    double step = 0;       // seconds: when the camera takes its step; the frame's own in an export
+    double tOut = 0;       // seconds within the main part
+    double sourceTime = 0; // seconds
+};
+
 /// Turns the frames of the main part into layers, one after the other in film order: it carries
 /// what a frame hands on to the next one, the camera's movement, its motion and the pointer's
 /// idleness.
@@ -28,16 +35,45 @@ struct ScheduledFrame {
 /// Threading: one thread at a time.
 class FrameSequence {
 public:
+    /// What a frame hands on to the next one.
+    struct State {
+        CameraRig::Springs springs;
+        PointerIdleness idleness;
+        std::optional<ShownCard> shown; // in the frame before
+    };
+
+    /// `secondsPerFrame`: of the camera's step.
     FrameSequence(
         const EditPlan& plan,
         const std::vector<InputEvent>& events,
         const RemapCurve& curve,
-        VideoSize source);
+        VideoSize source,
+        double secondsPerFrame);
 
+    /// The next frame of an export.
     FrameLayers next(ScheduledFrame scheduled);
 
+    /// The next frame, its camera step apart from its time.
+    FrameLayers next(ScheduledFrame scheduled, double step);
+
+    /// Goes past a frame as `next` does.
+    void skip(const FrameTime& time);
+
+    /// As at the start; later springs may be put in.
+    const State& start() const { return m_start; }
+    void putBack(const State& state);
+
+    /// What the pointer's idleness at a frame depends on is within this time before it.
+    static constexpr double kMemory = PointerIdleness::kMemory;
+
 private:
-    std::optional<CursorState> cursor(double tOut, double sourceTime);
+    struct Moved {
+        CameraRig::State camera;
+        std::optional<Motion> motion;
+        std::optional<CursorState> cursor;
+    };
+    Moved advance(const FrameTime& time);
+    std::optional<CursorState> cursor(const FrameTime& time);
 
     OutputSpec m_output;
     StyleSpec m_style;
@@ -52,6 +88,7 @@ private:
     CameraRig m_rig;
     PointerIdleness m_idleness;
     std::optional<ShownCard> m_shown; // in the frame before
+    State m_start;
 };
 
 } // namespace zento

@@ -7,10 +7,11 @@
 namespace zento {
 namespace {
 
-constexpr double kPulseReach = 0.15;      // seconds
-constexpr double kRippleDuration = 0.45;  // seconds
-constexpr double kIdleBeforeFade = 1.5;   // seconds
-constexpr double kIdleFade = 0.4;         // seconds
+constexpr double kPulseReach = 0.15;     // seconds
+constexpr double kRippleDuration = 0.45; // seconds
+constexpr double kIdleBeforeFade = 1.5;  // seconds
+constexpr double kIdleFade = 0.4;        // seconds
+static_assert(kIdleBeforeFade + kIdleFade < PointerIdleness::kMemory);
 constexpr double kActivityDistance = 3.0; // source pixels
 constexpr double kChapterDuration = 2.8;  // seconds
 

@@ -81,6 +81,9 @@ std::optional<FrameText> chapterAt(std::span<const ChapterMarker> chapters, doub
 /// Threading: a value. Step it once per frame that has a pointer, in film order.
 class PointerIdleness {
 public:
+    /// Activity longer ago than this, in seconds, has no influence any more.
+    static constexpr double kMemory = 1.95;
+
     /// The opacity at `tOut`. `pos` is in source pixels; a move of more than 3 of them since the
     /// step before, or a click pulse, is activity.
     double step(double tOut, Vec2 pos, double pulse);

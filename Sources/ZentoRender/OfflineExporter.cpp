@@ -223,7 +223,7 @@ void OfflineExporter::writeFilm(
     WebcamSource webcam(m_plan.webcam, m_bundle.url);
     const VideoSize sourceSize = reader.naturalSize();
     FrameCompositor compositor(m_plan.output, m_plan.style, sourceSize);
-    FrameSequence sequence(m_plan, m_bundle.events, curve, sourceSize);
+    FrameSequence sequence(m_plan, m_bundle.events, curve, sourceSize, 1 / m_plan.output.fps);
     FilmWriter writer(to, filmFormat(m_plan.output));
 
     DecodedFrames decoded(kQueuedFrames);

@@ -1,16 +1,10 @@
 #include "ZentoRender/SourceReader.h"
 
+#include "ZentoMedia/PictureTimes.h"
+
 #include <utility>
 
 namespace zento {
-namespace {
-
-/// A time that was computed falls short of a frame's own by a rounding error or not, as it happens:
-/// without this, a recording at the film's own rate stutters. A recording's clock ticks in 17 µs.
-constexpr double kRoundingAllowance = 1e-6; // seconds
-
-} // namespace
-
 SourceReader::SourceReader(const std::filesystem::path& movie)
     : m_decoder(movie)
 {

@@ -8,7 +8,7 @@
 namespace zento::test {
 
 /// Plays to an output what a function of the time says: at every sample's own time, in seconds of
-/// CLOCK_MONOTONIC, in all channels alike.
+/// CLOCK_MONOTONIC, or a cycle of the service's later (2.7 ms), in all channels alike.
 ///
 /// Threading: the function runs on the sound service's real-time thread.
 class SoundPlayer {

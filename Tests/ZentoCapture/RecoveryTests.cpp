@@ -1,4 +1,5 @@
 #include "FakeDesktop.h"
+#include "TestSupport/DiskLimits.h"
 #include "TestSupport/NumberedMovie.h"
 #include "TestSupport/Sounds.h"
 #include "TestSupport/TemporaryFolder.h"
@@ -20,6 +21,7 @@
 #include <map>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace zento {
@@ -129,7 +131,7 @@ protected:
     test::TemporaryFolder m_folder;
 
 private:
-    std::vector<std::uint8_t> m_pixels = std::vector<std::uint8_t>(640 * 480 * 4);
+    std::vector<std::uint8_t> m_pixels = std::vector<std::uint8_t>(std::size_t{640} * 480 * 4);
 };
 
 TEST_F(RecoveryTest, aKilledRecordingBecomesWhatAStopWouldHaveMade)
@@ -275,6 +277,36 @@ TEST_F(RecoveryTest, aCameraIsFinishedLikeTheScreen)
     EXPECT_TRUE(recover(bundle()).lost.empty());
     EXPECT_EQ(SessionBundle::load(bundle()).meta.webcamOffset, 1);
     EXPECT_EQ(readFile(bundle() / "webcam.mov"), readFile(bundle() / "screen.mov"));
+}
+
+/// What a journal has set aside on a disk of its own, against its length: while it grows, and when
+/// it is finished.
+std::string roomOf(const fs::path& disk)
+{
+    const auto used = [&] {
+        const auto space = fs::space(disk);
+        return space.capacity - space.available;
+    };
+    Journal journal(disk, {.pixelWidth = 2, .pixelHeight = 4}, [told = false]() mutable {
+        Journal::News news;
+        news.events.events.resize(std::exchange(told, true) ? 0 : 5000);
+        return news;
+    });
+    const auto length = [&] { return fs::file_size(journalURL(disk)); };
+    const bool isLong = eventually([&] { return length() > 100'000; });
+    std::string result = isLong && used() > 2 * length() ? "twice" : "no room";
+    journal.finish();
+    result += used() < length() + 10'000 ? ", given back" : ", not given back";
+    return result;
+}
+
+TEST(JournalTest, keepsRoomForTheEventsOfABundleUntilItIsFinished)
+{
+    const auto room = test::onSmallDisk(8 << 20, roomOf);
+    if (!room) {
+        GTEST_SKIP() << "no filesystem of its own for a process here";
+    }
+    EXPECT_EQ(room.value_or(""), "twice, given back");
 }
 
 TEST(JournalTest, tornAnywhereItGivesWhatCameBefore)

@@ -82,7 +82,7 @@ TEST(MotionTest, ASequenceOfFramesCarriesItFromFrameToFrame)
     plan.camera = {{0, {320, 180}, 1}, {0.1, {200, 100}, 2}};
     plan.timeRemap = {{0, 1, 1}, {5, 6, 1}};
     const RemapCurve curve(plan.timeRemap);
-    FrameSequence sequence(plan, {}, curve, {640, 360});
+    FrameSequence sequence(plan, {}, curve, {640, 360}, 1.0 / 60);
     const VideoFrame frame(YuvPlanes<const std::uint8_t>{}, nullptr, 0, 0);
     std::optional<CameraRig::State> previous;
     int cuts = 0;

@@ -104,7 +104,7 @@ TEST(TextFrameTest, TheSequenceOfFramesSaysWhatThePlanSays)
     plan.keystrokes = {{1, 2, "K"}};
     plan.captions = {{0.5, 1, "W"}};
     plan.chapters = {{0.8, "C"}};
-    FrameSequence sequence(plan, {}, RemapCurve({{0, 9, 2}}), kSource);
+    FrameSequence sequence(plan, {}, RemapCurve({{0, 9, 2}}), kSource, 1.0 / 60);
     const auto at = [&](double tOut) {
         return sequence.next({.tOut = tOut, .sourceTime = 2 * tOut, .frame = plainLayers().source});
     };

@@ -30,10 +30,9 @@ auto analysis(const std::filesystem::path& file, Decode decode)
 }
 
 /// With captions off the stretches stay, so that speech is still protected, but have no text.
-std::vector<TranscriptSegment> transcript(const SessionBundle& bundle, const AppSettings& settings)
+std::vector<TranscriptSegment>
+spokenSegments(std::vector<TranscriptSegment> segments, const AppSettings& settings)
 {
-    auto segments = analysis(bundle.transcriptURL(), decodeTranscript)
-                        .value_or(std::vector<TranscriptSegment>{});
     if (!settings.showCaptions) {
         for (TranscriptSegment& segment : segments) {
             segment.text.clear();
@@ -42,21 +41,18 @@ std::vector<TranscriptSegment> transcript(const SessionBundle& bundle, const App
     return segments;
 }
 
-std::optional<NarrationPlan>
-soundTrack(const std::filesystem::path& file, std::optional<double> offset, double gainDb)
+std::optional<NarrationPlan> soundTrack(
+    bool exists, const std::filesystem::path& file, std::optional<double> offset, double gainDb)
 {
-    if (!isThere(file)) {
+    if (!exists) {
         return std::nullopt;
     }
     return NarrationPlan{file.string(), offset.value_or(0), gainDb};
 }
 
-std::optional<WebcamPlan> webcam(const SessionBundle& bundle, const AppSettings& settings)
+WebcamPlan webcam(const SessionBundle& bundle, const AppSettings& settings)
 {
-    if (!isThere(bundle.webcamURL())) {
-        return std::nullopt;
-    }
-    return WebcamPlan{
+    return {
         .file = bundle.webcamURL().string(),
         .offset = bundle.meta.webcamOffset.value_or(0),
         .corner = settings.webcamCorner,
@@ -91,8 +87,23 @@ std::optional<VideoCopy> loadVideoCopy(const SessionBundle& bundle)
     return analysis(bundle.copyURL(), decodeVideoCopy);
 }
 
-EditPlanner::PlanInput gatherPlanInput(
+BundleAnalyses loadAnalyses(const SessionBundle& bundle)
+{
+    return {
+        .framingHints =
+            analysis(bundle.framingURL(), decodeFramingHints).value_or(std::vector<FramingHint>{}),
+        .transcript = analysis(bundle.transcriptURL(), decodeTranscript)
+                          .value_or(std::vector<TranscriptSegment>{}),
+        .semantics = analysis(bundle.semanticsURL(), decodeSemanticNotes),
+        .hasNarration = isThere(bundle.narrationURL()),
+        .hasSystemAudio = isThere(bundle.systemAudioURL()),
+        .hasWebcam = isThere(bundle.webcamURL()),
+        .hasMusic = isThere(bundle.musicURL())};
+}
+
+EditPlanner::PlanInput planInput(
     const SessionBundle& bundle,
+    const BundleAnalyses& analyses,
     const AppSettings& settings,
     const SavedOverrides& edits,
     const std::optional<std::string>& desktopImage)
@@ -104,18 +115,34 @@ EditPlanner::PlanInput gatherPlanInput(
     input.overrides = edits.overrides(bundle.meta.duration);
     input.output = settings.outputSpec();
     input.style = settings.styleSpec(desktopImage);
-    input.framingHints =
-        analysis(bundle.framingURL(), decodeFramingHints).value_or(std::vector<FramingHint>{});
-    input.transcript = transcript(bundle, settings);
-    input.narration =
-        soundTrack(bundle.narrationURL(), bundle.meta.narrationOffset, settings.narrationGainDb);
+    input.framingHints = analyses.framingHints;
+    input.transcript = spokenSegments(analyses.transcript, settings);
+    input.narration = soundTrack(
+        analyses.hasNarration,
+        bundle.narrationURL(),
+        bundle.meta.narrationOffset,
+        settings.narrationGainDb);
     if (settings.semanticEdit) {
-        input.semantics = analysis(bundle.semanticsURL(), decodeSemanticNotes);
+        input.semantics = analyses.semantics;
     }
-    input.webcam = webcam(bundle, settings);
+    if (analyses.hasWebcam) {
+        input.webcam = webcam(bundle, settings);
+    }
     input.systemAudio = soundTrack(
-        bundle.systemAudioURL(), bundle.meta.systemAudioOffset, settings.systemAudioGainDb);
+        analyses.hasSystemAudio,
+        bundle.systemAudioURL(),
+        bundle.meta.systemAudioOffset,
+        settings.systemAudioGainDb);
     return input;
+}
+
+EditPlanner::PlanInput gatherPlanInput(
+    const SessionBundle& bundle,
+    const AppSettings& settings,
+    const SavedOverrides& edits,
+    const std::optional<std::string>& desktopImage)
+{
+    return planInput(bundle, loadAnalyses(bundle), settings, edits, desktopImage);
 }
 
 std::optional<EditPlanner::MusicInfo>

@@ -9,6 +9,7 @@
 #include <optional>
 #include <stop_token>
 #include <string>
+#include <vector>
 
 namespace zento {
 
@@ -18,6 +19,31 @@ SavedOverrides loadSavedOverrides(const SessionBundle& bundle);
 
 /// The bundle's "copy.json", or nothing where it is missing or does not decode. Blocks on a file.
 std::optional<VideoCopy> loadVideoCopy(const SessionBundle& bundle);
+
+/// What the analyses left in a bundle, and which tracks it has.
+struct BundleAnalyses {
+    std::vector<FramingHint> framingHints;
+    std::vector<TranscriptSegment> transcript;
+    std::optional<SemanticNotes> semantics;
+    bool hasNarration = false;
+    bool hasSystemAudio = false;
+    bool hasWebcam = false;
+    bool hasMusic = false;
+    bool operator==(const BundleAnalyses&) const = default;
+};
+
+/// Analyses that are missing or do not decode are left out; none is run. A track exists when its
+/// file does. Blocks on files.
+BundleAnalyses loadAnalyses(const SessionBundle& bundle);
+
+/// Everything the plan of a bundle is made from but its music. The result views `bundle.events`, so
+/// the bundle must outlive it. Pure.
+EditPlanner::PlanInput planInput(
+    const SessionBundle& bundle,
+    const BundleAnalyses& analyses,
+    const AppSettings& settings,
+    const SavedOverrides& edits,
+    const std::optional<std::string>& desktopImage);
 
 /// Everything the plan of a bundle is made from, gathered from its files and the settings.
 ///

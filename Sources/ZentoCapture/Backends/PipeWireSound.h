@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -22,9 +23,8 @@ public:
         const std::optional<std::string>& target,
         const std::filesystem::path& file)
         : m_wav(file)
-        , m_stream(std::in_place, loop, source, target, [this](const TimedSound& sound) {
-            m_wav.append(sound);
-        })
+        , m_stream(std::make_unique<PipeWireAudioStream>(
+              loop, source, target, [this](const TimedSound& sound) { m_wav.append(sound); }))
     {
     }
 
@@ -42,7 +42,7 @@ public:
 
 private:
     ClockedWav m_wav;
-    std::optional<PipeWireAudioStream> m_stream; // goes first: it feeds the file
+    std::unique_ptr<PipeWireAudioStream> m_stream; // goes first: it feeds the file
 };
 
 } // namespace zento

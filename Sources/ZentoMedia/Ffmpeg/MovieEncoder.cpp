@@ -45,7 +45,9 @@ std::unique_ptr<TrackFile> makeTrackFile(
 {
     if (form == MovieForm::QuickTime)
         return std::make_unique<GrowingMovie>(path, format, errorCode);
-    const Container container = form == MovieForm::Mp4 ? Container::Mp4 : Container::M4a;
+    const Container container = form == MovieForm::M4a        ? Container::M4a
+                                : form == MovieForm::Mp4Cache ? Container::Mp4Cache
+                                                              : Container::Mp4;
     return std::make_unique<PlainTrackFile>(path, container, format, errorCode);
 }
 

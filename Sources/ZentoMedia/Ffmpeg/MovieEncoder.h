@@ -12,7 +12,7 @@ namespace zento::ffmpeg {
 
 /// What becomes of a track: a `QuickTime` movie that can be read while it grows (`GrowingMovie`),
 /// or a `Container` of `MovieFile`.
-enum class MovieForm { QuickTime, Mp4, M4a };
+enum class MovieForm { QuickTime, Mp4, Mp4Cache, M4a };
 
 /// An encoder and the movie file of one track that it feeds.
 ///

@@ -10,7 +10,7 @@ namespace {
 
 const char* muxerName(Container container)
 {
-    return container == Container::Mp4 ? "mp4" : "ipod";
+    return container == Container::M4a ? "ipod" : "mp4";
 }
 
 } // namespace

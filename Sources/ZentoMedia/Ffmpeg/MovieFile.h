@@ -9,8 +9,9 @@
 
 namespace zento::ffmpeg {
 
-/// `Mp4` has its index in front; `M4a` is sound alone.
-enum class Container { Mp4, M4a };
+/// `Mp4` has its index in front, `Mp4Cache` behind, which saves moving gigabytes that never leave
+/// the disk; `M4a` is sound alone.
+enum class Container { Mp4, Mp4Cache, M4a };
 
 /// A movie file in the making: tracks, header, packets, then the index.
 ///

@@ -1,0 +1,75 @@
+#include "Zento/Model/PlannedFilm.h"
+
+#include "ZentoEngine/EditPlanner.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zento {
+
+namespace {
+
+constexpr double kPreviewLines = 720;
+
+std::shared_ptr<const RemapCurve> curveOf(const EditPlan& plan)
+{
+    return std::make_shared<const RemapCurve>(plan.timeRemap);
+}
+
+} // namespace
+
+double PlannedFilm::toTimeline(double tOut) const
+{
+    return timelineCurve->outputTime(film->curve->sourceTime(tOut));
+}
+
+double PlannedFilm::fromTimeline(double stripTime) const
+{
+    const double source = timelineCurve->sourceTime(stripTime);
+    return std::clamp(film->curve->outputTime(source), 0.0, duration);
+}
+
+OutputSpec previewOutput(const AppSettings& settings)
+{
+    const OutputSpec film = settings.outputSpec();
+    const double aspect = static_cast<double>(film.width) / film.height;
+    return {
+        .width = 2 * static_cast<int>(aspect * kPreviewLines * 0.5),
+        .height = static_cast<int>(kPreviewLines),
+        .fps = film.fps};
+}
+
+PlannedFilm planFilm(const FilmSources& sources)
+{
+    const SessionBundle& bundle = *sources.bundle;
+    EditPlanner::PlanInput input =
+        planInput(bundle, *sources.analyses, sources.settings, sources.edits, sources.desktopImage);
+    input.output = previewOutput(sources.settings);
+    input.music = sources.music;
+    if (input.music) {
+        input.music->start = sources.edits.musicStart;
+        input.music->end = sources.edits.musicEnd;
+    }
+    auto plan = std::make_shared<const EditPlan>(EditPlanner::plan(input));
+    auto curve = curveOf(*plan);
+    PlannedFilm planned = {.timelinePlan = plan, .timelineCurve = curve};
+    if (!input.overrides.removedRanges.empty()) {
+        input.overrides.removedRanges.clear();
+        planned.timelinePlan = std::make_shared<const EditPlan>(EditPlanner::plan(input));
+        planned.timelineCurve = curveOf(*planned.timelinePlan);
+    }
+    planned.duration = curve->outputDuration();
+    planned.timelineDuration = planned.timelineCurve->outputDuration();
+    planned.zoomBars = zoomBars(
+        *planned.timelinePlan, *planned.timelineCurve, planned.timelineDuration, input.overrides);
+    planned.cuts = cutTimes(planned.timelinePlan->timeRemap);
+    planned.words = timelineWords(sources.analyses->transcript, planned.timelineCurve.get());
+    planned.film = std::make_shared<const PreviewFilm>(PreviewFilm{
+        .plan = std::move(plan),
+        .curve = std::move(curve),
+        .events = {sources.bundle, &bundle.events},
+        .master = {bundle.meta.pixelWidth, bundle.meta.pixelHeight}});
+    return planned;
+}
+
+} // namespace zento

@@ -36,9 +36,9 @@ ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
 Zento/Timeline ZentoCore
-Zento/Model ZentoCore|ZentoEngine|ZentoMedia|ZentoImaging|ZentoCapture|ZentoRender|Zento/Timeline|Zento/Music
+Zento/Model ZentoCore|ZentoMedia|ZentoImaging|ZentoEngine|ZentoCapture|ZentoRender|Zento/Timeline|Zento/Music
 Zento/Music ZentoCore|ZentoNet|ZentoMedia
-Zento/Desktop ZentoCore|ZentoCapture|Zento/Model
+Zento/Desktop ZentoCore|ZentoCapture|ZentoRender|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES
 exit $bad

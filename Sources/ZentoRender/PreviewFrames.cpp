@@ -36,7 +36,11 @@ public:
 
     void close() { m_seeker.reset(); }
 
-    std::optional<VideoFrame> frame(double t) { return m_seeker->frame(t); }
+    std::optional<VideoFrame>
+    frame(double t, VideoSeeker::Accuracy accuracy = VideoSeeker::Accuracy::Exact)
+    {
+        return m_seeker->frame(t, accuracy);
+    }
 
 private:
     std::filesystem::path m_path;
@@ -56,7 +60,8 @@ struct PreviewFrames::State {
     std::optional<FrameReplay> replay;
 
     void take(const std::shared_ptr<const PreviewFilm>& newFilm);
-    std::optional<VideoFrame> webcamFrame(const PreviewSource& source, double sourceTime);
+    std::optional<VideoFrame>
+    webcamFrame(const PreviewSource& source, double sourceTime, PreviewDetail detail);
     void forgetLast();
 };
 
@@ -68,7 +73,10 @@ PreviewFrames::PreviewFrames()
 PreviewFrames::~PreviewFrames() = default;
 
 std::shared_ptr<const Picture> PreviewFrames::frame(
-    const std::shared_ptr<const PreviewFilm>& film, const PreviewSource& source, double tOut)
+    const std::shared_ptr<const PreviewFilm>& film,
+    const PreviewSource& source,
+    double tOut,
+    PreviewDetail detail)
 {
     State& state = *m_state;
     if (state.screen.open(source.screen))
@@ -82,7 +90,7 @@ std::shared_ptr<const Picture> PreviewFrames::frame(
             ErrorCode::kReadingFailed,
             source.screen.string() + " has no picture that can be read at "
                 + std::to_string(sourceTime) + " s");
-    auto webcam = state.webcamFrame(source, sourceTime);
+    auto webcam = state.webcamFrame(source, sourceTime, detail);
     return state.compositor->compose(state.replay->layers(t, *std::move(frame), std::move(webcam)));
 }
 
@@ -108,8 +116,8 @@ void PreviewFrames::State::take(const std::shared_ptr<const PreviewFilm>& newFil
     film = newFilm;
 }
 
-std::optional<VideoFrame>
-PreviewFrames::State::webcamFrame(const PreviewSource& source, double sourceTime)
+std::optional<VideoFrame> PreviewFrames::State::webcamFrame(
+    const PreviewSource& source, double sourceTime, PreviewDetail detail)
 {
     const std::optional<WebcamPlan>& plan = film->plan->webcam;
     if (!plan)
@@ -117,7 +125,10 @@ PreviewFrames::State::webcamFrame(const PreviewSource& source, double sourceTime
     try {
         if (webcam.open(webcamPath(*plan, source.bundle)))
             forgetLast();
-        return webcam.frame(std::max(sourceTime - plan->offset, 0.0));
+        return webcam.frame(
+            std::max(sourceTime - plan->offset, 0.0),
+            detail == PreviewDetail::Exact ? VideoSeeker::Accuracy::Exact
+                                           : VideoSeeker::Accuracy::Nearby);
     } catch (const Error&) {
         return std::nullopt;
     }

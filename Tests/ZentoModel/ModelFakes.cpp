@@ -146,6 +146,18 @@ void ModelTest::makeModel()
         .capture = m_captureWorker,
         .exports = m_exports,
         .probes = m_probes,
+        .editor =
+            {.edits = m_edits,
+             .analyses = m_analyses,
+             .proxies = m_edits,
+             .pictures = m_analyses,
+             .sounds = m_analyses,
+             .makeProxy =
+                 [](const std::filesystem::path& bundle, const auto&, const auto&) {
+                     return bundle / "proxy.mp4";
+                 },
+             .makeComposer = [](auto) { return std::make_unique<SilentComposer>(); },
+             .desktopImage = [] { return std::optional<std::string>(); }},
         .fileServices = m_services,
         .hotkeys = m_hotkeys,
         .defaults = *m_defaults,

@@ -86,6 +86,20 @@ AppServices ApplicationHost::services()
         .capture = m_capture,
         .exports = m_exports,
         .probes = m_probes,
+        .editor =
+            {.edits = m_edits,
+             .analyses = m_analyses,
+             .proxies = m_proxies,
+             .pictures = m_pictures,
+             .sounds = m_sounds,
+             .makeProxy = [this](
+                              const std::filesystem::path& bundle,
+                              const ProxyStore::Progress& onProgress,
+                              const std::stop_token& stop) {
+                 return m_proxyStore.ensure(bundle, onProgress, stop);
+             },
+             .makeComposer = threadedComposer,
+             .desktopImage = desktopImage},
         .fileServices = m_fileServices,
         .hotkeys = m_hotkeys,
         .defaults = m_defaults,

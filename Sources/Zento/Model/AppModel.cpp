@@ -60,6 +60,7 @@ AppModel::AppModel(AppServices services)
           .displayOf = m_services.displayOf,
           .excludedWindows = [this] { return excludedWindows(); },
       })
+    , m_editor(m_services.clock, m_settings, m_services.editor)
     , m_export({
           .clock = m_services.clock,
           .worker = m_services.exports,
@@ -69,6 +70,11 @@ AppModel::AppModel(AppServices services)
           .flow = m_recording,
           .messages = m_messages,
           .makers = m_services.makers,
+          .saveEdits =
+              [this](std::function<void()> saved) {
+                  m_exportedVersion = m_editor.session()->version();
+                  m_editor.session()->flush(std::move(saved));
+              },
       })
     , m_sharing({
           .library = m_library,
@@ -94,12 +100,39 @@ AppModel::AppModel(AppServices services)
     , m_showInspector(m_services.defaults.value(kShowInspectorKey, true).toBool())
     , m_showWelcome(!m_services.defaults.value(kWelcomeShownKey, false).toBool())
 {
+    connectEditor();
     m_shortcuts.onHotkey = [this](ShortcutAction action) {
         run(QString::fromLatin1(shortcutEntry(action).id.data()));
     };
 }
 
 AppModel::~AppModel() = default;
+
+void AppModel::connectEditor()
+{
+    EditSession* const session = m_editor.session();
+    connect(&m_library, &RecordingLibrary::selectedChanged, session, [this, session] {
+        session->open(m_library.selected());
+    });
+    connect(session, &EditSession::historyChanged, this, &AppModel::historyChanged);
+    connect(&m_export, &FilmExport::filmWritten, session, [this, session](const QString& path) {
+        if (path == session->path()) {
+            session->rendered(m_exportedVersion);
+        }
+    });
+}
+
+QString AppModel::undoText()
+{
+    const QString name = m_editor.session()->undoName();
+    return name.isEmpty() ? tr("Undo") : tr("Undo %1").arg(name);
+}
+
+QString AppModel::redoText()
+{
+    const QString name = m_editor.session()->redoName();
+    return name.isEmpty() ? tr("Redo") : tr("Redo %1").arg(name);
+}
 
 void AppModel::start()
 {
@@ -348,8 +381,10 @@ void AppModel::openFromSearch(const QString& identifier)
 void AppModel::shutDown(std::function<void()> done)
 {
     m_recording.finish([this, done = std::move(done)]() mutable {
-        m_export.finish(
-            [this, done = std::move(done)]() mutable { m_settings.flush(std::move(done)); });
+        m_export.finish([this, done = std::move(done)]() mutable {
+            m_editor.session()->flush(
+                [this, done = std::move(done)]() mutable { m_settings.flush(std::move(done)); });
+        });
     });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Zento/Model/Editor.h"
 #include "Zento/Model/FilmExport.h"
 #include "Zento/Model/Messages.h"
 #include "Zento/Model/Permissions.h"
@@ -38,6 +39,7 @@ struct AppServices {
     Worker& capture; // recordings
     Worker& exports; // films
     Worker& probes;  // what may take long to answer: permissions, windows
+    EditorServices editor;
     FileServices& fileServices;
     GlobalHotkeys& hotkeys;
     QSettings& defaults;
@@ -79,6 +81,12 @@ class AppModel : public QObject {
     Q_PROPERTY(zento::UpdateCheck* updates READ updates CONSTANT)
     Q_PROPERTY(zento::FilmExport* filmExport READ filmExport CONSTANT)
     Q_PROPERTY(zento::WindowList* windows READ windows CONSTANT)
+    Q_PROPERTY(zento::Editor* editor READ editor CONSTANT)
+    Q_PROPERTY(bool canUndo READ canUndo NOTIFY historyChanged)
+    Q_PROPERTY(bool canRedo READ canRedo NOTIFY historyChanged)
+    /// With the name of the step: "Undo Trim".
+    Q_PROPERTY(QString undoText READ undoText NOTIFY historyChanged)
+    Q_PROPERTY(QString redoText READ redoText NOTIFY historyChanged)
     /// State of the window that is kept from run to run.
     Q_PROPERTY(bool showInspector READ showInspector WRITE setShowInspector NOTIFY viewChanged)
     Q_PROPERTY(QString inspectorTab READ inspectorTab WRITE setInspectorTab NOTIFY viewChanged)
@@ -106,6 +114,13 @@ public:
     UpdateCheck* updates() { return &m_updates; }
     FilmExport* filmExport() { return &m_export; }
     WindowList* windows() { return &m_windows; }
+    Editor* editor() { return &m_editor; }
+    bool canUndo() { return m_editor.session()->canUndo(); }
+    bool canRedo() { return m_editor.session()->canRedo(); }
+    QString undoText();
+    QString redoText();
+    Q_INVOKABLE void undo() { m_editor.session()->undo(); }
+    Q_INVOKABLE void redo() { m_editor.session()->redo(); }
 
     bool showInspector() const { return m_showInspector; }
     QString inspectorTab() const { return m_inspectorTab; }
@@ -168,6 +183,7 @@ public:
     void shutDown(std::function<void()> done);
 
 Q_SIGNALS:
+    void historyChanged();
     void viewChanged();
     void panelChanged();
     void installedActionsChanged();
@@ -182,6 +198,7 @@ private:
     Permissions m_permissions;
     RecordingLibrary m_library;
     RecordingFlow m_recording;
+    Editor m_editor;
     FilmExport m_export;
     Sharing m_sharing;
     Shortcuts m_shortcuts;
@@ -195,6 +212,9 @@ private:
     bool m_showWelcome = false;
     Panel m_panel = Panel::NoPanel;
 
+    std::uint64_t m_exportedVersion = 0; // of the edit that is exported
+
+    void connectEditor();
     std::vector<std::uint32_t> excludedWindows() const;
     void tellTakenHotkeys();
 };

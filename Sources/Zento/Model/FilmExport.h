@@ -70,6 +70,8 @@ public:
         RecordingFlow& flow; // keeps the phase and the progress
         Messages& messages;
         FilmMakers makers;
+        /// Has what is edited in the recording's folder, then calls back; may be empty.
+        std::function<void(std::function<void()> saved)> saveEdits = {};
     };
 
     explicit FilmExport(Ports ports);
@@ -95,6 +97,8 @@ public:
 
 Q_SIGNALS:
     void sessionChanged();
+    /// The film of the bundle at `path` is complete.
+    void filmWritten(const QString& path);
     void progressed();
     void destinationChanged();
 
@@ -111,6 +115,7 @@ private:
 
     std::filesystem::path takeDestination(const std::filesystem::path& usual);
     void beginStep(RecordingFlow::Phase phase);
+    void saveAndMakeFilm();
     void makeFilm();
     void makeGif();
     void showProgress();

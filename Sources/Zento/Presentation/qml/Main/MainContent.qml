@@ -24,6 +24,29 @@ FocusScope {
     }
 
     focus: true
+    Keys.onPressed: event => {
+        const preview = App.editor ? App.editor.preview : null
+        const shift = event.modifiers & Qt.ShiftModifier
+        event.accepted = preview !== null && (event.modifiers & ~Qt.ShiftModifier) === Qt.NoModifier
+        if (!event.accepted)
+            return
+        if (event.key === Qt.Key_Space)
+            preview.togglePlaying()
+        else if (event.key === Qt.Key_Left || event.key === Qt.Key_Right) {
+            const forwards = event.key === Qt.Key_Right ? 1 : -1
+            if (shift)
+                preview.skip(5 * forwards)
+            else
+                preview.step(forwards)
+        } else if (event.key === Qt.Key_Home)
+            preview.seekToStart()
+        else if (event.key === Qt.Key_End)
+            preview.seekToEnd()
+        else if (event.key === Qt.Key_Z)
+            App.editor.timeline.addZoomAtPlayhead()
+        else
+            event.accepted = false
+    }
     Header {
         id: header
 
@@ -65,6 +88,7 @@ FocusScope {
             anchors.bottom: timelineSlot.top
             anchors.bottomMargin: 8
             width: parent.width
+            onExportRequested: content.openExport()
         }
         TimelineSlot {
             id: timelineSlot

@@ -158,6 +158,8 @@ void ModelTest::makeModel()
                  },
              .makeComposer = [](auto) { return std::make_unique<SilentComposer>(); },
              .desktopImage = [] { return std::optional<std::string>(); }},
+        .music = m_files,
+        .musicSources = {},
         .fileServices = m_services,
         .hotkeys = m_hotkeys,
         .defaults = *m_defaults,

@@ -61,6 +61,12 @@ AppModel::AppModel(AppServices services)
           .excludedWindows = [this] { return excludedWindows(); },
       })
     , m_editor(m_services.clock, m_settings, m_services.editor)
+    , m_music({
+          .clock = m_services.clock,
+          .worker = m_services.music,
+          .messages = m_messages,
+          .sources = m_services.musicSources,
+      })
     , m_export({
           .clock = m_services.clock,
           .worker = m_services.exports,
@@ -113,7 +119,9 @@ void AppModel::connectEditor()
     EditSession* const session = m_editor.session();
     connect(&m_library, &RecordingLibrary::selectedChanged, session, [this, session] {
         session->open(m_library.selected());
+        m_music.open(m_library.selected());
     });
+    connect(&m_music, &RecordingMusic::fileChanged, session, &EditSession::reloadMusic);
     connect(session, &EditSession::historyChanged, this, &AppModel::historyChanged);
     connect(&m_export, &FilmExport::filmWritten, session, [this, session](const QString& path) {
         if (path == session->path()) {

@@ -7,6 +7,7 @@
 #include "Zento/Model/Question.h"
 #include "Zento/Model/RecordingFlow.h"
 #include "Zento/Model/RecordingLibrary.h"
+#include "Zento/Model/RecordingMusic.h"
 #include "Zento/Model/SettingsModel.h"
 #include "Zento/Model/Sharing.h"
 #include "Zento/Model/Shortcuts.h"
@@ -40,6 +41,8 @@ struct AppServices {
     Worker& exports; // films
     Worker& probes;  // what may take long to answer: permissions, windows
     EditorServices editor;
+    Worker& music; // fetches and copies it
+    RecordingMusic::Sources musicSources;
     FileServices& fileServices;
     GlobalHotkeys& hotkeys;
     QSettings& defaults;
@@ -82,6 +85,7 @@ class AppModel : public QObject {
     Q_PROPERTY(zento::FilmExport* filmExport READ filmExport CONSTANT)
     Q_PROPERTY(zento::WindowList* windows READ windows CONSTANT)
     Q_PROPERTY(zento::Editor* editor READ editor CONSTANT)
+    Q_PROPERTY(zento::RecordingMusic* music READ music CONSTANT)
     Q_PROPERTY(bool canUndo READ canUndo NOTIFY historyChanged)
     Q_PROPERTY(bool canRedo READ canRedo NOTIFY historyChanged)
     /// With the name of the step: "Undo Trim".
@@ -115,6 +119,7 @@ public:
     FilmExport* filmExport() { return &m_export; }
     WindowList* windows() { return &m_windows; }
     Editor* editor() { return &m_editor; }
+    RecordingMusic* music() { return &m_music; }
     bool canUndo() { return m_editor.session()->canUndo(); }
     bool canRedo() { return m_editor.session()->canRedo(); }
     QString undoText();
@@ -199,6 +204,7 @@ private:
     RecordingLibrary m_library;
     RecordingFlow m_recording;
     Editor m_editor;
+    RecordingMusic m_music;
     FilmExport m_export;
     Sharing m_sharing;
     Shortcuts m_shortcuts;

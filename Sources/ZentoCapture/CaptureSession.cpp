@@ -2,6 +2,7 @@
 
 #include "ZentoCapture/BundleCompletion.h"
 #include "ZentoCapture/MonotonicClock.h"
+#include "ZentoCore/FileIO.h"
 #include "ZentoCore/SessionBundle.h"
 
 #include <algorithm>
@@ -44,15 +45,6 @@ std::optional<std::uint32_t> targetDisplay(
         return displayID(area->rect.center(), displays);
     }
     return displayIDUnderCursor(desktop, displays);
-}
-
-void createFolder(const std::filesystem::path& path)
-{
-    std::error_code error;
-    std::filesystem::create_directories(path, error);
-    if (error) {
-        throw systemError("could not create", path.string(), error.value());
-    }
 }
 
 } // namespace
@@ -195,7 +187,7 @@ CaptureSession::prepare(const DisplayInfo& display, const std::optional<WindowIn
 
 void CaptureSession::startWriter()
 {
-    createFolder(m_bundleURL);
+    makeFolder(m_bundleURL);
     const auto path = m_bundleURL / "screen.mov";
     std::error_code ignored;
     std::filesystem::remove(path, ignored);

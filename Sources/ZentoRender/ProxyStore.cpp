@@ -1,6 +1,7 @@
 #include "ZentoRender/ProxyStore.h"
 
 #include "ZentoCore/Error.h"
+#include "ZentoCore/ScratchFile.h"
 #include "ZentoCore/Uuid.h"
 #include "ZentoImaging/Scale.h"
 #include "ZentoMedia/ProxyWriter.h"
@@ -8,7 +9,6 @@
 #include "ZentoMedia/VideoSeeker.h"
 #include "ZentoRender/BoundedQueue.h"
 #include "ZentoRender/CanvasPool.h"
-#include "ZentoRender/ScratchFile.h"
 
 #include <pthread.h>
 

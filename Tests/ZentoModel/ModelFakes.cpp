@@ -152,12 +152,13 @@ void ModelTest::makeModel()
              .proxies = m_edits,
              .pictures = m_analyses,
              .sounds = m_analyses,
-             .makeProxy =
-                 [](const std::filesystem::path& bundle, const auto&, const auto&) {
-                     return bundle / "proxy.mp4";
-                 },
+             .makeProxy = [](const std::filesystem::path& bundle,
+                             const auto&,
+                             const auto&) { return bundle / "proxy.mp4"; },
              .makeComposer = [](auto) { return std::make_unique<SilentComposer>(); },
              .desktopImage = [] { return std::optional<std::string>(); }},
+        .music = m_files,
+        .musicSources = {},
         .fileServices = m_services,
         .hotkeys = m_hotkeys,
         .defaults = *m_defaults,

@@ -94,14 +94,18 @@ AppServices ApplicationHost::services()
              .proxies = m_proxies,
              .pictures = m_pictures,
              .sounds = m_sounds,
-             .makeProxy = [this](
-                              const std::filesystem::path& bundle,
-                              const ProxyStore::Progress& onProgress,
-                              const std::stop_token& stop) {
-                 return m_proxyStore.ensure(bundle, onProgress, stop);
-             },
+             .makeProxy =
+                 [this](
+                     const std::filesystem::path& bundle,
+                     const ProxyStore::Progress& onProgress,
+                     const std::stop_token& stop) {
+                     return m_proxyStore.ensure(bundle, onProgress, stop);
+                 },
              .makeComposer = threadedComposer,
              .desktopImage = desktopImage},
+        .music = m_musicWorker,
+        .musicSources =
+            musicSources({.api = ZENTO_MUSIC_API, .site = ZENTO_MUSIC_SITE, .ownSite = ZENTO_SITE}),
         .fileServices = m_fileServices,
         .hotkeys = m_hotkeys,
         .defaults = m_defaults,

@@ -79,6 +79,12 @@ AppModel::AppModel(AppServices services)
           .excludedWindows = [this] { return excludedWindows(); },
       })
     , m_editor(m_services.clock, m_settings, m_services.editor)
+    , m_music({
+          .clock = m_services.clock,
+          .worker = m_services.music,
+          .messages = m_messages,
+          .sources = m_services.musicSources,
+      })
     , m_export({
           .clock = m_services.clock,
           .worker = m_services.exports,
@@ -121,9 +127,7 @@ AppModel::AppModel(AppServices services)
     connect(&m_permissions, &Permissions::changed, this, &AppModel::refreshDevices);
     connect(&m_library, &RecordingLibrary::refreshed, this, &AppModel::refreshFreeSpace);
     connectEditor();
-    m_shortcuts.onHotkey = [this](ShortcutAction action) {
-        run(latin(shortcutEntry(action).id));
-    };
+    m_shortcuts.onHotkey = [this](ShortcutAction action) { run(latin(shortcutEntry(action).id)); };
 }
 
 AppModel::~AppModel() = default;
@@ -133,7 +137,9 @@ void AppModel::connectEditor()
     EditSession* const session = m_editor.session();
     connect(&m_library, &RecordingLibrary::selectedChanged, session, [this, session] {
         session->open(m_library.selected());
+        m_music.open(m_library.selected());
     });
+    connect(&m_music, &RecordingMusic::fileChanged, session, &EditSession::reloadMusic);
     connect(session, &EditSession::historyChanged, this, &AppModel::historyChanged);
     connect(&m_export, &FilmExport::filmWritten, session, [this, session](const QString& path) {
         if (path == session->path()) {

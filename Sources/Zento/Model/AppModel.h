@@ -7,6 +7,7 @@
 #include "Zento/Model/Question.h"
 #include "Zento/Model/RecordingFlow.h"
 #include "Zento/Model/RecordingLibrary.h"
+#include "Zento/Model/RecordingMusic.h"
 #include "Zento/Model/SettingsModel.h"
 #include "Zento/Model/Sharing.h"
 #include "Zento/Model/Shortcuts.h"
@@ -41,6 +42,8 @@ struct AppServices {
     Worker& exports; // films
     Worker& probes;  // what may take long to answer: permissions, windows
     EditorServices editor;
+    Worker& music; // fetches and copies it
+    RecordingMusic::Sources musicSources;
     FileServices& fileServices;
     GlobalHotkeys& hotkeys;
     QSettings& defaults;
@@ -86,6 +89,7 @@ class AppModel : public QObject {
     Q_PROPERTY(zento::Editor* editor READ editor CONSTANT)
     /// Everything is written and the program is about to end: windows may close.
     Q_PROPERTY(bool isEnding READ isEnding)
+    Q_PROPERTY(zento::RecordingMusic* music READ music CONSTANT)
     Q_PROPERTY(bool canUndo READ canUndo NOTIFY historyChanged)
     Q_PROPERTY(bool canRedo READ canRedo NOTIFY historyChanged)
     /// With the name of the step: "Undo Trim".
@@ -127,6 +131,7 @@ public:
     WindowList* windows() { return &m_windows; }
     Editor* editor() { return &m_editor; }
     bool isEnding() const { return m_isEnding; }
+    RecordingMusic* music() { return &m_music; }
     bool canUndo() { return m_editor.session()->canUndo(); }
     bool canRedo() { return m_editor.session()->canRedo(); }
     QString undoText();
@@ -217,6 +222,7 @@ private:
     RecordingLibrary m_library;
     RecordingFlow m_recording;
     Editor m_editor;
+    RecordingMusic m_music;
     FilmExport m_export;
     Sharing m_sharing;
     Shortcuts m_shortcuts;

@@ -13,6 +13,10 @@ FocusScope {
 
     signal libraryToggled()
 
+    function openMusic(way) {
+        musicSheet.way = way
+        musicSheet.open()
+    }
     function openExport() {
         if (App.library.selectedItem.path !== undefined && App.recording.phase === Phase.Idle)
             exportSheet.open()
@@ -117,6 +121,7 @@ FocusScope {
         tab: App.model.inspectorTab
         onPicked: tab => App.model.inspectorTab = tab
         onAboutRequested: content.openAbout()
+        onMusicRequested: way => content.openMusic(way)
     }
     WelcomeSheet {
         visible: App.model.showWelcome
@@ -124,6 +129,7 @@ FocusScope {
         onRecordRequested: App.recording.recordDisplay()
     }
     ExportSheet { id: exportSheet }
+    MusicSheet { id: musicSheet }
     QuestionSheet {}
     AboutWindow { id: about }
     WindowShortcuts {

@@ -62,7 +62,7 @@ struct PreviewFrames::State {
     void take(const std::shared_ptr<const PreviewFilm>& newFilm);
     std::optional<VideoFrame>
     webcamFrame(const PreviewSource& source, double sourceTime, PreviewDetail detail);
-    void forgetLast();
+    void forgetLast() const;
 };
 
 PreviewFrames::PreviewFrames()
@@ -135,7 +135,7 @@ std::optional<VideoFrame> PreviewFrames::State::webcamFrame(
 }
 
 /// Pictures of another decoder may have the identity of one that was drawn.
-void PreviewFrames::State::forgetLast()
+void PreviewFrames::State::forgetLast() const
 {
     if (compositor)
         compositor->forgetLast();

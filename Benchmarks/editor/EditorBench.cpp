@@ -131,6 +131,7 @@ public:
               {.clock = m_clock,
                .edits = m_edits,
                .analyses = m_analyses,
+               .speech = m_analyses,
                .settings = m_settings,
                .desktopImage = [] { return std::optional<std::string>(); }})
         , m_preview(

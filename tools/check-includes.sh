@@ -35,6 +35,7 @@ ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
 Zento/Timeline ZentoCore
 Zento/Model ZentoCore|ZentoEngine|ZentoMedia|ZentoImaging|ZentoCapture|ZentoRender|Zento/Timeline
+Zento/Screenshot ZentoCore|ZentoImaging|ZentoCapture|ZentoRender|Zento/Model
 Zento/Desktop ZentoCore|ZentoCapture|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES

@@ -75,7 +75,7 @@ QtObject {
             panelWidth: 920
             panelHeight: 562
             panelY: (display.height - 562) / 2
-            title: qsTr("Choose a window to record")
+            title: App.model.picksForShot ? qsTr("Choose a window to shoot") : qsTr("Choose a window to record")
             onClosing: App.model.panel = FloatingPanel.NoPanel
             Loader {
                 anchors.fill: parent
@@ -123,6 +123,7 @@ QtObject {
                 }
                 AreaPicker {
                     anchors.fill: parent
+                    purpose: App.model.picksForShot ? qsTr("Drag over the part to shoot") : qsTr("Drag over the part to record")
                     onPicked: area => App.model.finishArea(Qt.rect(area.x + shade.x, area.y + shade.y, area.width, area.height))
                     onCancelled: App.model.cancelArea()
                 }

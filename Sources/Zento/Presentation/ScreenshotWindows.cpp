@@ -1,0 +1,50 @@
+#include "Zento/Presentation/ScreenshotWindows.h"
+
+#include "Zento/Presentation/Appearance.h"
+#include "Zento/Presentation/Engine.h"
+#include "Zento/Screenshot/ScreenshotEditor.h"
+#include "ZentoCore/Error.h"
+
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickWindow>
+
+namespace zento {
+
+ScreenshotWindows::ScreenshotWindows() = default;
+
+ScreenshotWindows::~ScreenshotWindows() = default;
+
+void ScreenshotWindows::open(ScreenshotEditor* editor)
+{
+    if (!m_engine) {
+        m_engine = std::make_unique<QQmlEngine>();
+        prepareEngine(*m_engine, nullptr);
+        appearance(*m_engine)->followDesktop();
+        QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
+        m_component = std::make_unique<QQmlComponent>(
+            m_engine.get(),
+            QUrl(QStringLiteral("qrc:/qt/qml/Zento/qml/Screenshot/ScreenshotWindow.qml")));
+    }
+    QObject* const window = m_component->createWithInitialProperties(
+        {{QStringLiteral("editor"), QVariant::fromValue<QObject*>(editor)}});
+    if (!window)
+        throw Error(
+            ErrorCode::kUndecodable,
+            "The screenshot's window could not be made: "
+                + m_component->errorString().toStdString());
+    ++m_openCount;
+    window->setParent(this);
+    connect(editor, &QObject::destroyed, window, &QObject::deleteLater);
+    connect(editor, &ScreenshotEditor::closed, this, [this] {
+        if (--m_openCount == 0)
+            Q_EMIT lastClosed();
+    });
+    if (auto* const shown = qobject_cast<QQuickWindow*>(window)) {
+        shown->show();
+        shown->raise();
+        shown->requestActivate();
+    }
+}
+
+} // namespace zento

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QObject>
+
+#include <memory>
+
+class QQmlComponent;
+class QQmlEngine;
+
+namespace zento {
+
+class ScreenshotEditor;
+
+/// A window for every screenshot that is being edited.
+///
+/// Threading: the main thread. Errors: QML that does not load throws `Error`.
+class ScreenshotWindows : public QObject {
+    Q_OBJECT
+
+public:
+    ScreenshotWindows();
+    ~ScreenshotWindows() override;
+
+    /// Shows the editor in front of everything else; the window that the user closes closes it.
+    void open(ScreenshotEditor* editor);
+
+Q_SIGNALS:
+    void lastClosed();
+
+private:
+    std::unique_ptr<QQmlEngine> m_engine; // made for the first
+    std::unique_ptr<QQmlComponent> m_component;
+    int m_openCount = 0;
+};
+
+} // namespace zento

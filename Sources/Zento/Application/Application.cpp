@@ -9,19 +9,25 @@
 #include "Zento/Presentation/Windows.h"
 #include "Zento/Screenshot/Screenshots.h"
 #include "ZentoCapture/Desktop.h"
+#include "ZentoCapture/ScrollWheel.h"
+#include "ZentoCapture/ScrollingCapture.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QTemporaryDir>
 
+#include <chrono>
 #include <exception>
 #include <iostream>
+#include <thread>
 #include <utility>
 #include <vector>
 
 namespace zento {
 
 namespace {
+
+constexpr std::chrono::milliseconds kSettleTime{450}; // of a page after a step
 
 void setNames()
 {
@@ -35,6 +41,18 @@ std::vector<ShotPresets::Picture> desktopPictures()
     for (const Wallpaper& wallpaper : WallpaperCatalog::wallpapers(WallpaperCatalog::folders()))
         pictures.push_back({wallpaper.path, wallpaper.name});
     return pictures;
+}
+
+/// Blocks until the page has ended.
+ScrolledShot shootScrolling(const Rect& area)
+{
+    const auto desktop = openDesktop();
+    const auto wheel = openScrollWheel();
+    return ScrollingCapture::run(
+        area,
+        {.shoot = [&] { return ScreenshotTool::capture(*desktop, Target::Area{area}); },
+         .wheel = *wheel,
+         .settle = [] { std::this_thread::sleep_for(kSettleTime); }});
 }
 
 /// The threads of screenshots, and what connects them to the application.
@@ -52,6 +70,7 @@ struct ScreenshotParts {
                        const auto desktop = openDesktop();
                        return ScreenshotTool::capture(*desktop, target);
                    },
+               .shootScrolling = shootScrolling,
                .desktopImage = desktopImage,
                .wallpapers = desktopPictures})
     {

@@ -93,7 +93,7 @@ ScreenshotEditor::ScreenshotEditor(Shot shot, EditorPorts ports, QObject* parent
     : QObject(parent)
     , m_shot(std::move(shot))
     , m_ports(std::move(ports))
-    , m_editing(sizeOf(m_shot))
+    , m_editing(sizeOf(m_shot), m_ports.document)
     , m_groups(ShotPresets::groups(
           m_ports.style, ShotPresets::wallpapers(m_ports.desktop, m_ports.wallpapers)))
     , m_style(m_groups.front().presets.front().style)

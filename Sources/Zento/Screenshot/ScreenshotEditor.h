@@ -35,6 +35,8 @@ struct EditorPorts {
     std::vector<ShotPresets::Picture> wallpapers;
     QString exportFolder; // keeps what was dragged out or shared
     QString saveTo;       // a file that "Save" writes without asking; empty asks
+    QString doubt;        // a sentence about the shot itself; empty without one
+    ShotDocument document; // what is on it already
 };
 
 /// One screenshot with its editor: what the window shows and does. Places are points of the view.
@@ -109,13 +111,10 @@ public:
     QRectF pictureFrame() const;
     QString savedNote() const { return m_savedNote; }
     QString saveTo() const { return m_ports.saveTo; }
-    QString doubt() const { return m_doubt; }
+    QString doubt() const { return m_ports.doubt; }
 
     const ShotEditing& editing() const { return m_editing; }
     const ShotStyle& style() const { return m_style; }
-
-    /// Before the window shows it.
-    void setDoubt(const QString& sentence) { m_doubt = sentence; }
 
     void setTool(const QString& id); // an unknown one is ignored
     void setColor(const QString& color);
@@ -201,7 +200,6 @@ private:
     int m_outputsUnderWay = 0;
     bool m_isClosed = false;
     QString m_savedNote;
-    QString m_doubt;
 };
 
 } // namespace zento

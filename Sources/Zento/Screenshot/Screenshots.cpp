@@ -10,6 +10,44 @@ namespace {
 /// What a window that hides takes to be gone from the screen, fading included.
 constexpr std::chrono::milliseconds kOutOfSight{300};
 
+/// A line across the page at every seam in doubt, which the user can delete.
+std::vector<Annotation> seamMarks(const ScrolledShot& shot)
+{
+    std::vector<Annotation> marks;
+    for (const ScrollSeam& seam : shot.seams) {
+        const auto y = static_cast<double>(seam.y);
+        marks.push_back(
+            {.kind = Annotation::Kind::Line,
+             .start = {0, y},
+             .end = {static_cast<double>(shot.shot.image->width()), y}});
+    }
+    return marks;
+}
+
+QString sentence(ScrollDoubt doubt)
+{
+    switch (doubt) {
+    case ScrollDoubt::Repeats:
+        return Screenshots::tr(
+            "The page repeats itself, so a part of it may be missing or there twice. The red line "
+            "shows where.");
+    case ScrollDoubt::Changes:
+        return Screenshots::tr(
+            "The page changed while it scrolled, so it may not fit together. The red line shows "
+            "where.");
+    case ScrollDoubt::LostTrack:
+        return Screenshots::tr(
+            "The page could not be followed any further. It may go on below the red line.");
+    case ScrollDoubt::Footer:
+        return Screenshots::tr(
+            "A bar at the lower edge of the page is in the picture more than once. The red line "
+            "shows where.");
+    case ScrollDoubt::CutShort:
+        return Screenshots::tr("The capture ended early. The page goes on below the red line.");
+    }
+    return {};
+}
+
 } // namespace
 
 Screenshots::Screenshots(AppModel& app, ScreenshotServices services)
@@ -27,48 +65,64 @@ void Screenshots::run(const QString& action)
         return;
     }
     if (action == QLatin1StringView("screenshotScreen")) {
-        shootWithoutUs(Target::Display{});
+        shootWithoutUs(shootingOf(Target::Display{}));
     } else if (action == QLatin1StringView("screenshotWindow")) {
         m_app.pickWindow([this](std::optional<quint32> window) {
             if (window) {
-                shootWithoutUs(Target::Window{*window});
+                shootWithoutUs(shootingOf(Target::Window{*window}));
             }
         });
     } else if (action == QLatin1StringView("screenshotArea")) {
-        const bool wasHidden = m_app.recording()->isApplicationHidden();
-        m_app.pickArea([this, wasHidden](const std::optional<QRectF>& area) {
-            if (area) {
-                shootWithoutUs(
-                    Target::Area{{area->x(), area->y(), area->width(), area->height()}});
-            }
-            m_wasHidden = wasHidden; // by the user, before the picker hid it
+        pickArea([this](const Rect& area) { shootWithoutUs(shootingOf(Target::Area{area})); });
+    } else if (action == QLatin1StringView("scrollingCapture")) {
+        pickArea([this](const Rect& area) {
+            shootWithoutUs([area, scroll = m_services.shootScrolling] { return scroll(area); });
         });
     }
 }
 
-void Screenshots::shootWithoutUs(const CaptureTarget& target)
+void Screenshots::pickArea(std::function<void(const Rect&)> picked)
+{
+    const bool wasHidden = m_app.recording()->isApplicationHidden();
+    m_app.pickArea(
+        [this, wasHidden, picked = std::move(picked)](const std::optional<QRectF>& area) {
+            if (area) {
+                picked({area->x(), area->y(), area->width(), area->height()});
+            }
+            m_wasHidden = wasHidden; // by the user, before the picker hid it
+        });
+}
+
+Screenshots::Shooting Screenshots::shootingOf(const CaptureTarget& target) const
+{
+    return [target, shoot = m_services.shoot] { return ScrolledShot{shoot(target), {}}; };
+}
+
+void Screenshots::shootWithoutUs(Shooting shooting)
 {
     m_isShooting = true;
     m_wasHidden = m_app.recording()->isApplicationHidden();
     m_app.recording()->hideApplication();
-    m_sight = m_services.clock.every(kOutOfSight, [this, target] {
-        const CaptureTarget chosen = target; // the timer goes, and its copy with it
+    m_sight = m_services.clock.every(kOutOfSight, [this, shooting = std::move(shooting)] {
+        const Shooting chosen = shooting; // the timer goes, and its copy with it
         m_sight.reset();
         shoot(chosen);
     });
 }
 
-void Screenshots::shoot(const CaptureTarget& target)
+void Screenshots::shoot(Shooting shooting)
 {
     struct Taken {
-        Shot shot;
+        ScrolledShot shot;
         std::optional<Surroundings> surroundings;
     };
     compute(
         m_services.shooting,
         this,
-        [target, services = m_services, isKnown = m_surroundings.has_value()] {
-            Taken taken{services.shoot(target), {}};
+        [shooting = std::move(shooting),
+         services = m_services,
+         isKnown = m_surroundings.has_value()] {
+            Taken taken{shooting(), {}};
             if (!isKnown) {
                 taken.surroundings = Surroundings{services.desktopImage(), services.wallpapers()};
             }
@@ -97,11 +151,12 @@ void Screenshots::bringBack()
     }
 }
 
-void Screenshots::present(Shot shot, const QString& doubt)
+void Screenshots::present(ScrolledShot shot)
 {
     const Surroundings surroundings = m_surroundings.value_or(Surroundings{});
+    const ShotDocument marks{.annotations = seamMarks(shot), .crop = {}};
     auto* const editor = new ScreenshotEditor(
-        std::move(shot),
+        std::move(shot.shot),
         {.drawing = m_services.drawing,
          .output = m_services.output,
          .files = m_services.files,
@@ -109,9 +164,10 @@ void Screenshots::present(Shot shot, const QString& doubt)
          .desktop = surroundings.desktop,
          .wallpapers = surroundings.wallpapers,
          .exportFolder = m_exports.path(),
-         .saveTo = {}},
+         .saveTo = {},
+         .doubt = shot.seams.empty() ? QString() : sentence(shot.seams.front().doubt),
+         .document = marks},
         this);
-    editor->setDoubt(doubt);
     Q_EMIT opened(editor);
 }
 

@@ -2,6 +2,7 @@
 
 #include "Zento/Model/AppModel.h"
 #include "Zento/Screenshot/ScreenshotEditor.h"
+#include "ZentoCapture/ScrollingCapture.h"
 
 #include <QObject>
 #include <QString>
@@ -9,8 +10,9 @@
 
 #include <functional>
 #include <optional>
-#include <stop_token>
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace zento {
 
@@ -23,12 +25,14 @@ struct ScreenshotServices {
     Clock& clock;
     /// Blocks; on the shooting worker.
     std::function<Shot(const CaptureTarget&)> shoot;
+    /// The same, of a page that is scrolled. Global points.
+    std::function<ScrolledShot(const Rect&)> shootScrolling;
     std::function<std::optional<std::string>()> desktopImage;          // blocks
     std::function<std::vector<ShotPresets::Picture>()> wallpapers;     // blocks
 };
 
-/// Does what the actions "screenshotScreen", "screenshotWindow" and "screenshotArea" ask for: the
-/// application's windows go out of sight, the shot is taken, its editor is opened.
+/// Does what the actions "screenshotScreen", "screenshotWindow", "screenshotArea" and
+/// "scrollingCapture" ask for: the application's windows go out of sight, the shot is taken, its editor is opened.
 ///
 /// Threading: the main thread.
 class Screenshots : public QObject {
@@ -41,8 +45,8 @@ public:
     /// Other actions are none of its.
     void run(const QString& action);
 
-    /// Opens the editor on a shot that was taken elsewhere.
-    void present(Shot shot, const QString& doubt = {});
+    /// Opens the editor on a shot that was taken elsewhere. Seams in doubt are marked on it.
+    void present(ScrolledShot shot);
 
 Q_SIGNALS:
     void opened(zento::ScreenshotEditor* editor); // which its window closes
@@ -53,8 +57,11 @@ private:
         std::vector<ShotPresets::Picture> wallpapers;
     };
 
-    void shootWithoutUs(const CaptureTarget& target);
-    void shoot(const CaptureTarget& target);
+    using Shooting = std::function<ScrolledShot()>; // on the worker
+    void pickArea(std::function<void(const Rect&)> picked);
+    Shooting shootingOf(const CaptureTarget& target) const;
+    void shootWithoutUs(Shooting shooting);
+    void shoot(Shooting shooting);
     void bringBack();
 
     AppModel& m_app;

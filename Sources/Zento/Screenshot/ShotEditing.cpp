@@ -16,8 +16,9 @@ double length(Vec2 a, Vec2 b)
 
 } // namespace
 
-ShotEditing::ShotEditing(Vec2 imageSize)
+ShotEditing::ShotEditing(Vec2 imageSize, ShotDocument document)
     : m_imageSize(imageSize)
+    , m_document(std::move(document))
 {
 }
 

@@ -30,7 +30,8 @@ public:
     static constexpr double kLeastDrag = 3;  // pixels; a drag must be longer
     static constexpr double kLeastCrop = 20; // pixels; a crop must be larger both ways
 
-    explicit ShotEditing(Vec2 imageSize);
+    /// `document`: what is on the image already; no undo takes it away.
+    explicit ShotEditing(Vec2 imageSize, ShotDocument document = {});
 
     const ShotDocument& document() const { return m_document; }
     /// With the mark that is being drawn, or the text that is being written where `withText` says

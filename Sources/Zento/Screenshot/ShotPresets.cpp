@@ -76,15 +76,16 @@ ShotStyle pictureStyle(const std::string& path)
 
 std::span<const ShotPreset> all()
 {
-    using namespace zento::Background;
+    using Background::Gradient;
+    using Background::LinearGradient;
     static const std::array<ShotPreset, 7> kLooks{{
         {"midnight", "Midnight", {LinearGradient{"#20242E", "#0B0D12"}, 0.07, 22, 0.55}},
         {"paper", "Paper", {LinearGradient{"#F7F8FA", "#E8EAF0"}, 0.06, 16, 0.3}},
         {"indigo", "Indigo", {Gradient{{"#3B3486", "#6C63FF", "#22D3EE"}, 24}, 0.085, 24, 0.5}},
         {"sunset", "Sunset", {Gradient{{"#F97316", "#EF4444", "#8B5CF6"}, 30}, 0.085, 24, 0.5}},
         {"meadow", "Meadow", {Gradient{{"#059669", "#34D399", "#A7F3D0"}, 18}, 0.08, 22, 0.45}},
-        {"docs", "Docs", {Color{"#FFFFFF"}, 0.035, 8, 0.18}},
-        {"bare", "Bare", {Color{"#000000"}, 0, 0, 0, true}},
+        {"docs", "Docs", {Background::Color{"#FFFFFF"}, 0.035, 8, 0.18}},
+        {"bare", "Bare", {Background::Color{"#000000"}, 0, 0, 0, true}},
     }};
     return kLooks;
 }

@@ -4,7 +4,7 @@ _zento() {
     _init_completion -n = || return
     local command=${words[1]}
     if ((cword == 1)); then
-        mapfile -t COMPREPLY < <(compgen -W 'record plan render demo toggle --help --version' -- "$cur")
+        mapfile -t COMPREPLY < <(compgen -W 'record plan render recover demo toggle --help --version' -- "$cur")
         return
     fi
     case $prev in
@@ -14,14 +14,14 @@ _zento() {
     esac
     local options
     case $command in
-    record) options='--screen --window --area --seconds' ;;
+    record) options='--screen --window --area --seconds --microphone --camera --system-audio' ;;
     plan) options='--settings --config --overrides --music --size --fps --output' ;;
     render) options='--settings --output --gif' ;;
     demo) options='--output' ;;
     esac
     if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
-    elif [[ $command == plan || $command == render ]]; then
+    elif [[ $command == plan || $command == render || $command == recover ]]; then
         _filedir -d
     fi
 }

@@ -17,6 +17,7 @@ pipewire/|spa/ ZentoCapture/Backends
 atspi/ ZentoCapture/Backends|Zento/Demo
 opencv ZentoIntelligence|ZentoRender
 simdjson ZentoCore
+curl/ ZentoNet
 fftw3 ZentoEngine
 Q[A-Z]|Qt[A-Z] Zento
 RULES
@@ -28,15 +29,17 @@ while read -r folder allowed; do
     [[ -n $hits ]] && { echo "Sources/$folder may include from $allowed only:"; echo "$hits"; bad=1; }
 done <<'EDGES'
 ZentoCore ZentoCore
+ZentoNet ZentoCore
 ZentoMedia ZentoCore
 ZentoImaging ZentoCore
 ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
 Zento/Timeline ZentoCore
-Zento/Model ZentoCore|ZentoEngine|ZentoMedia|ZentoImaging|ZentoCapture|ZentoRender|Zento/Timeline
+Zento/Model ZentoCore|ZentoMedia|ZentoImaging|ZentoEngine|ZentoCapture|ZentoRender|Zento/Timeline|Zento/Music
+Zento/Music ZentoCore|ZentoNet|ZentoMedia
 Zento/Screenshot ZentoCore|ZentoImaging|ZentoCapture|ZentoRender|Zento/Model
-Zento/Desktop ZentoCore|ZentoCapture|Zento/Model
+Zento/Desktop ZentoCore|ZentoCapture|ZentoRender|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES
 exit $bad

@@ -10,8 +10,7 @@ int main(int argc, char** argv)
     if (argc <= 1)
         return zento::runApplication(argc, argv);
     const std::vector<std::string_view> words(argv + 1, argv + argc);
-    return zento::runCommand(
-        words, [&](zento::Shot shot, const auto& file) {
-            zento::editScreenshot(argc, argv, std::move(shot), file);
-        });
+    return zento::runCommand(words, [&](zento::Shot shot, const auto& file) {
+        zento::editScreenshot(argc, argv, std::move(shot), file);
+    });
 }

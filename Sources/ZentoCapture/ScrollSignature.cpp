@@ -10,8 +10,8 @@ namespace zento {
 namespace {
 
 constexpr int kLeastHeight = 41;
-constexpr int kLeastRows = 24;           // that two frames have to share
-constexpr float kNearPerfect = 0.75F;    // mean difference of grey values
+constexpr int kLeastRows = 24;        // that two frames have to share
+constexpr float kNearPerfect = 0.75F; // mean difference of grey values
 constexpr float kNoMatch = 6.0F;
 constexpr int kFineReach = 4;
 
@@ -72,8 +72,7 @@ struct Best {
     float cost = 0;
 };
 
-Best coarse(
-    const ScrollSignature& previous, const ScrollSignature& current, const ScrollBand& band)
+Best coarse(const ScrollSignature& previous, const ScrollSignature& current, const ScrollBand& band)
 {
     Best best;
     for (int s = 0; s <= band.maxShift; ++s) {
@@ -169,8 +168,8 @@ std::vector<std::uint64_t> rowHashes(const Canvas& image)
     return hashes;
 }
 
-std::vector<int> exactShifts(
-    const std::vector<std::uint64_t>& previous, const std::vector<std::uint64_t>& current)
+std::vector<int>
+exactShifts(const std::vector<std::uint64_t>& previous, const std::vector<std::uint64_t>& current)
 {
     const ScrollBand band(static_cast<int>(std::min(previous.size(), current.size())));
     std::vector<int> shifts;

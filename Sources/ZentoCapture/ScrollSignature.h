@@ -44,7 +44,7 @@ std::vector<std::uint64_t> rowHashes(const Canvas& image);
 
 /// Every shift at which the band of one frame continues the other without a single different
 /// pixel, from the smallest.
-std::vector<int> exactShifts(
-    const std::vector<std::uint64_t>& previous, const std::vector<std::uint64_t>& current);
+std::vector<int>
+exactShifts(const std::vector<std::uint64_t>& previous, const std::vector<std::uint64_t>& current);
 
 } // namespace zento

@@ -13,14 +13,15 @@ namespace {
 /// How much farther than asked for content moves where wheels speed up.
 constexpr double kSlack = 1.1;
 
-Canvas bottomRows(const Canvas& image, int count)
+/// Of the bottom rows that came into view the first `count`.
+Canvas newRows(const Canvas& image, int shift, int count)
 {
     Canvas strip(image.width(), count);
     const Plane<std::uint32_t> pixels = strip.pixels();
     for (int y = 0; y < count; ++y) {
         std::memcpy(
             pixels.row(y),
-            image.pixels().row(image.height() - count + y),
+            image.pixels().row(image.height() - shift + y),
             static_cast<std::size_t>(image.width()) * sizeof(std::uint32_t));
     }
     return strip;
@@ -28,7 +29,9 @@ Canvas bottomRows(const Canvas& image, int count)
 
 /// Whether the lower band of a frame went up with the content: what stayed is a bar.
 bool lowerBandMoved(
-    const std::vector<std::uint64_t>& previous, const std::vector<std::uint64_t>& current, int shift)
+    const std::vector<std::uint64_t>& previous,
+    const std::vector<std::uint64_t>& current,
+    int shift)
 {
     const ScrollBand band(static_cast<int>(previous.size()));
     const auto from = previous.begin() + std::max(band.limit, shift);
@@ -56,8 +59,7 @@ void ScrollStitch::cutShort()
 }
 
 /// The shift, or nothing at the end of what can be put together.
-std::optional<int>
-ScrollStitch::measure(const Frame& frame, std::optional<int> expectedShift)
+std::optional<int> ScrollStitch::measure(const Frame& frame, std::optional<int> expectedShift)
 {
     const bool isStill = frame.rows == m_previous.rows;
     const std::vector<int> exact = exactShifts(m_previous.rows, frame.rows);
@@ -80,8 +82,7 @@ ScrollStitch::measure(const Frame& frame, std::optional<int> expectedShift)
     return guessed;
 }
 
-ScrollStitch::Verdict
-ScrollStitch::add(const Canvas& frame, std::optional<int> expectedShift)
+ScrollStitch::Verdict ScrollStitch::add(const Canvas& frame, std::optional<int> expectedShift)
 {
     Frame current{ScrollSignature(frame), rowHashes(frame)};
     const ScrollBand band(m_frameHeight);
@@ -106,16 +107,18 @@ ScrollStitch::add(const Canvas& frame, std::optional<int> expectedShift)
         doubt(ScrollDoubt::Footer);
     }
     m_lastShift = *shift;
-    const int added = std::min(m_frameHeight, *shift);
-    m_strips.push_back(std::make_shared<const Canvas>(bottomRows(frame, added)));
-    m_height += added;
+    const int added = std::min({m_frameHeight, *shift, kMostHeight - m_height});
+    if (added > 0) {
+        m_strips.push_back(std::make_shared<const Canvas>(newRows(frame, *shift, added)));
+        m_height += added;
+    }
     const int isShort = m_frameHeight / 4;
     if (expectedShift && *shift < std::min(isShort, *expectedShift)) {
         return Verdict::Ended; // a short move: the last of the page has come
     }
     ++m_steps;
     m_previous = std::move(current);
-    if (m_steps == kMostSteps || m_height > kMostHeight) {
+    if (m_steps == kMostSteps || m_height == kMostHeight) {
         cutShort();
         return Verdict::Ended;
     }

@@ -11,7 +11,7 @@ namespace zento::ScrollingCapture {
 
 namespace {
 
-constexpr double kStep = 0.6; // of the area's height
+constexpr double kStep = 0.6;  // of the area's height
 constexpr int kLeastStep = 40; // points
 constexpr int kMostNotches = 60;
 
@@ -80,8 +80,7 @@ ScrolledShot run(const Rect& area, const Ports& ports, const std::stop_token& st
         }
     }
     return {
-        .shot =
-            {.image = std::make_shared<const Canvas>(stitch.compose()), .scale = first.scale},
+        .shot = {.image = std::make_shared<const Canvas>(stitch.compose()), .scale = first.scale},
         .seams = stitch.seams()};
 }
 

@@ -74,4 +74,22 @@ void writeFile(const std::filesystem::path& path, std::string_view bytes)
     }
 }
 
+void makeFolder(const std::filesystem::path& folder)
+{
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) {
+        throw systemError("Cannot make the folder", folder.string(), error.value());
+    }
+}
+
+void replaceFile(const std::filesystem::path& from, const std::filesystem::path& to)
+{
+    std::error_code error;
+    std::filesystem::rename(from, to, error);
+    if (error) {
+        throw systemError("Cannot replace", to.string(), error.value());
+    }
+}
+
 } // namespace zento

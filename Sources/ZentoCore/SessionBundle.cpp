@@ -70,11 +70,7 @@ SessionBundle SessionBundle::load(const std::filesystem::path& url)
 
 void SessionBundle::writeMetadata() const
 {
-    std::error_code error;
-    std::filesystem::create_directories(url, error);
-    if (error) {
-        throw systemError("cannot create", url.string(), error.value());
-    }
+    makeFolder(url);
     writeFile(metaURL(), encodeMeta(meta));
     writeFile(eventsURL(), JSONL::encode(events));
 }

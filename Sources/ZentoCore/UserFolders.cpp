@@ -55,6 +55,16 @@ std::filesystem::path userConfigFolder()
     return folderVariable("XDG_CONFIG_HOME").value_or(userHomeFolder() / ".config");
 }
 
+std::filesystem::path userDataFolder()
+{
+    return folderVariable("XDG_DATA_HOME").value_or(userHomeFolder() / ".local/share");
+}
+
+std::filesystem::path userCacheFolder()
+{
+    return folderVariable("XDG_CACHE_HOME").value_or(userHomeFolder() / ".cache");
+}
+
 std::filesystem::path userVideosFolder()
 {
     if (const auto folder = folderVariable("XDG_VIDEOS_DIR")) {

@@ -7,6 +7,7 @@
 #include "ZentoMedia/PictureTimes.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <utility>
 #include <vector>
@@ -43,7 +44,6 @@ PictureIndex readIndex(AVStream& track)
 struct VideoSeeker::State {
     InputHandle input;
     AVStream* stream = nullptr;
-    Accuracy accuracy = Accuracy::Exact;
     CodecHandle codec;
     PictureConverter converter;
     PacketHandle packet = makePacket();
@@ -54,6 +54,7 @@ struct VideoSeeker::State {
     std::size_t currentEntry = 0; // of `current` in the index
     std::size_t nextEntry = 0;    // of the packet the file gives next
     bool isPlaced = false;        // `nextEntry` and the decoder are where they say
+    bool isAheadKnown = false;    // whether `ahead` was looked for
     bool isDrained = false;
     std::uint64_t lastIdentity = 0;
 
@@ -65,17 +66,19 @@ struct VideoSeeker::State {
     std::optional<VideoFrame> standingAlone(double t);
     std::optional<VideoFrame> decodeEntry(std::size_t entry);
     std::optional<VideoFrame> played(double t);
+    std::optional<VideoFrame> nearby(double t);
+    bool isAhead(double t) const;
     void seek(double t);
+    void lookAhead();
     void advance();
     std::optional<VideoFrame> receive();
     std::optional<VideoFrame> decodeNext();
 };
 
-VideoSeeker::VideoSeeker(const std::filesystem::path& path, Accuracy accuracy)
+VideoSeeker::VideoSeeker(const std::filesystem::path& path)
     : m_state(std::make_unique<State>())
 {
     m_state->input = openInput(path);
-    m_state->accuracy = accuracy;
     m_state->stream = chooseTrack(*m_state->input, isPictures);
     if (m_state->stream == nullptr)
         throw Error(ErrorCode::kNoVideoTrack, "no video track in " + path.string());
@@ -105,16 +108,19 @@ std::optional<VideoSeeker::Span> VideoSeeker::span() const
         .pictures = index.ticks.size()};
 }
 
-std::optional<VideoFrame> VideoSeeker::frame(double t)
+std::optional<VideoFrame> VideoSeeker::frame(double t, Accuracy accuracy)
 {
-    return m_state->index.standAlone ? m_state->standingAlone(t) : m_state->played(t);
+    if (m_state->index.standAlone)
+        return m_state->standingAlone(t);
+    return accuracy == Accuracy::Exact ? m_state->played(t) : m_state->nearby(t);
 }
 
 std::optional<VideoFrame> VideoSeeker::State::standingAlone(double t)
 {
-    const auto isLater = [&](double time, std::int64_t ticks) { return seconds(ticks) > time; };
-    const auto later =
-        std::upper_bound(index.ticks.begin(), index.ticks.end(), t + kRoundingAllowance, isLater);
+    const auto later = std::ranges::upper_bound(
+        index.ticks, t + kRoundingAllowance, {}, [this](std::int64_t ticks) {
+            return seconds(ticks);
+        });
     const auto entry =
         static_cast<std::size_t>(std::max<std::ptrdiff_t>(later - index.ticks.begin() - 1, 0));
     if (current && currentEntry == entry)
@@ -160,17 +166,30 @@ std::optional<VideoFrame> VideoSeeker::State::receive()
 /// As a player would: from the last whole picture on.
 std::optional<VideoFrame> VideoSeeker::State::played(double t)
 {
-    const double due = t + kRoundingAllowance;
-    constexpr double kShortWay = 0.5; // seconds; decoding on is cheaper than seeking back
-    const bool isOnTheWay =
-        current && current->time() <= due && (!ahead || ahead->time() + kShortWay > t);
-    if (!isOnTheWay)
+    if (!isAhead(t))
         seek(t);
-    if (accuracy == Accuracy::Nearby && current)
-        return current;
-    while (ahead && ahead->time() <= due)
+    lookAhead();
+    while (ahead && ahead->time() <= t + kRoundingAllowance)
         advance();
     return current;
+}
+
+std::optional<VideoFrame> VideoSeeker::State::nearby(double t)
+{
+    constexpr double kNear = 0.3; // seconds
+    if (!current || std::abs(current->time() - t) > kNear)
+        seek(t);
+    return current;
+}
+
+/// Whether decoding on gets to a time sooner than seeking does.
+bool VideoSeeker::State::isAhead(double t) const
+{
+    constexpr double kShortWay = 0.5; // seconds
+    if (!current || current->time() > t + kRoundingAllowance)
+        return false;
+    const bool isAtEnd = isAheadKnown && !ahead;
+    return isAtEnd || t - (ahead ? ahead->time() : current->time()) < kShortWay;
 }
 
 void VideoSeeker::State::seek(double t)
@@ -181,7 +200,14 @@ void VideoSeeker::State::seek(double t)
     avcodec_flush_buffers(codec.get());
     isDrained = false;
     current = decodeNext();
-    ahead = accuracy == Accuracy::Exact ? decodeNext() : std::nullopt;
+    ahead.reset();
+    isAheadKnown = false;
+}
+
+void VideoSeeker::State::lookAhead()
+{
+    if (!std::exchange(isAheadKnown, true))
+        ahead = decodeNext();
 }
 
 void VideoSeeker::State::advance()

@@ -18,13 +18,13 @@ namespace zento {
 /// Threading: used by one thread at a time; what it returns may go anywhere, and may outlive it.
 class VideoSeeker {
 public:
-    /// What a time has to be met by. `Nearby`: any picture that a seek lands on at or before the
-    /// time, for a strip of thumbnails; saves the pictures between where not every one stands
-    /// alone.
+    /// How well a picture has to meet its time where pictures do not stand alone. `Nearby`: the
+    /// whole picture before it, or one that was just shown within 0.3 s of it, which saves decoding
+    /// all that lie between.
     enum class Accuracy { Exact, Nearby };
 
     /// Throws `Error` as `VideoDecoder` does.
-    explicit VideoSeeker(const std::filesystem::path& path, Accuracy accuracy = Accuracy::Exact);
+    explicit VideoSeeker(const std::filesystem::path& path);
     ~VideoSeeker();
     VideoSeeker(VideoSeeker&&) noexcept;
     VideoSeeker& operator=(VideoSeeker&&) noexcept;
@@ -44,7 +44,7 @@ public:
     /// The last picture at or before `t` seconds, with the allowance for rounding that the film's
     /// reader has; before the first picture the first, beyond the last the last. Nothing where the
     /// picture is damaged or the movie has none.
-    std::optional<VideoFrame> frame(double t);
+    std::optional<VideoFrame> frame(double t, Accuracy accuracy = Accuracy::Exact);
 
 private:
     struct State;

@@ -1,8 +1,8 @@
 #include "ZentoRender/FilmSound.h"
 
 #include "ZentoCore/Error.h"
+#include "ZentoCore/ScratchFile.h"
 #include "ZentoRender/AudioMixer.h"
-#include "ZentoRender/ScratchFile.h"
 
 #include <pthread.h>
 

@@ -1,10 +1,10 @@
 #include "ZentoRender/GIFExporter.h"
 
 #include "ZentoCore/Error.h"
+#include "ZentoCore/PartFile.h"
 #include "ZentoImaging/Convert.h"
 #include "ZentoImaging/GifWriter.h"
 #include "ZentoMedia/VideoDecoder.h"
-#include "ZentoRender/PartFile.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,7 @@
 #include "ZentoRender/OfflineExporter.h"
 
 #include "ZentoCore/Error.h"
+#include "ZentoCore/PartFile.h"
 #include "ZentoCore/RemapCurve.h"
 #include "ZentoMedia/FilmWriter.h"
 #include "ZentoRender/AudioMixer.h"
@@ -9,7 +10,6 @@
 #include "ZentoRender/FilmSound.h"
 #include "ZentoRender/FrameCompositor.h"
 #include "ZentoRender/FrameSequence.h"
-#include "ZentoRender/PartFile.h"
 #include "ZentoRender/SourceReader.h"
 #include "ZentoRender/WebcamSource.h"
 

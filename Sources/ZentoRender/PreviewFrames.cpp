@@ -29,18 +29,22 @@ public:
         if (m_seeker && m_path == path)
             return false;
         m_seeker.reset();
-        m_seeker.emplace(path);
+        m_seeker = std::make_unique<VideoSeeker>(path);
         m_path = path;
         return true;
     }
 
     void close() { m_seeker.reset(); }
 
-    std::optional<VideoFrame> frame(double t) { return m_seeker->frame(t); }
+    std::optional<VideoFrame>
+    frame(double t, VideoSeeker::Accuracy accuracy = VideoSeeker::Accuracy::Exact)
+    {
+        return m_seeker->frame(t, accuracy);
+    }
 
 private:
     std::filesystem::path m_path;
-    std::optional<VideoSeeker> m_seeker;
+    std::unique_ptr<VideoSeeker> m_seeker;
 };
 
 } // namespace
@@ -49,15 +53,16 @@ struct PreviewFrames::State {
     OpenMovie screen;
     OpenMovie webcam;
     std::shared_ptr<const PreviewFilm> film; // of the parts below
-    std::optional<FrameCompositor> compositor;
+    std::unique_ptr<FrameCompositor> compositor;
     OutputSpec output; // of the compositor
     StyleSpec style;
     VideoSize master;
-    std::optional<FrameReplay> replay;
+    std::unique_ptr<FrameReplay> replay;
 
     void take(const std::shared_ptr<const PreviewFilm>& newFilm);
-    std::optional<VideoFrame> webcamFrame(const PreviewSource& source, double sourceTime);
-    void forgetLast();
+    std::optional<VideoFrame>
+    webcamFrame(const PreviewSource& source, double sourceTime, PreviewDetail detail);
+    void forgetLast() const;
 };
 
 PreviewFrames::PreviewFrames()
@@ -68,7 +73,10 @@ PreviewFrames::PreviewFrames()
 PreviewFrames::~PreviewFrames() = default;
 
 std::shared_ptr<const Picture> PreviewFrames::frame(
-    const std::shared_ptr<const PreviewFilm>& film, const PreviewSource& source, double tOut)
+    const std::shared_ptr<const PreviewFilm>& film,
+    const PreviewSource& source,
+    double tOut,
+    PreviewDetail detail)
 {
     State& state = *m_state;
     if (state.screen.open(source.screen))
@@ -82,7 +90,7 @@ std::shared_ptr<const Picture> PreviewFrames::frame(
             ErrorCode::kReadingFailed,
             source.screen.string() + " has no picture that can be read at "
                 + std::to_string(sourceTime) + " s");
-    auto webcam = state.webcamFrame(source, sourceTime);
+    auto webcam = state.webcamFrame(source, sourceTime, detail);
     return state.compositor->compose(state.replay->layers(t, *std::move(frame), std::move(webcam)));
 }
 
@@ -99,17 +107,17 @@ void PreviewFrames::State::take(const std::shared_ptr<const PreviewFilm>& newFil
         return;
     const EditPlan& plan = *newFilm->plan;
     if (!compositor || output != plan.output || style != plan.style || master != newFilm->master) {
-        compositor.emplace(plan.output, plan.style, newFilm->master);
+        compositor = std::make_unique<FrameCompositor>(plan.output, plan.style, newFilm->master);
         output = plan.output;
         style = plan.style;
         master = newFilm->master;
     }
-    replay.emplace(plan, *newFilm->events, newFilm->curve, newFilm->master);
+    replay = std::make_unique<FrameReplay>(plan, *newFilm->events, newFilm->curve, newFilm->master);
     film = newFilm;
 }
 
-std::optional<VideoFrame>
-PreviewFrames::State::webcamFrame(const PreviewSource& source, double sourceTime)
+std::optional<VideoFrame> PreviewFrames::State::webcamFrame(
+    const PreviewSource& source, double sourceTime, PreviewDetail detail)
 {
     const std::optional<WebcamPlan>& plan = film->plan->webcam;
     if (!plan)
@@ -117,14 +125,17 @@ PreviewFrames::State::webcamFrame(const PreviewSource& source, double sourceTime
     try {
         if (webcam.open(webcamPath(*plan, source.bundle)))
             forgetLast();
-        return webcam.frame(std::max(sourceTime - plan->offset, 0.0));
+        return webcam.frame(
+            std::max(sourceTime - plan->offset, 0.0),
+            detail == PreviewDetail::Exact ? VideoSeeker::Accuracy::Exact
+                                           : VideoSeeker::Accuracy::Nearby);
     } catch (const Error&) {
         return std::nullopt;
     }
 }
 
 /// Pictures of another decoder may have the identity of one that was drawn.
-void PreviewFrames::State::forgetLast()
+void PreviewFrames::State::forgetLast() const
 {
     if (compositor)
         compositor->forgetLast();

@@ -29,8 +29,12 @@ struct PreviewSource {
     bool operator==(const PreviewSource&) const = default;
 };
 
+/// How much a frame may cost. A `Draft` has the webcam's picture of up to a second before where
+/// that saves decoding what lies between; all else is the same.
+enum class PreviewDetail : unsigned char { Exact, Draft };
+
 /// The film's frame at any time of its main part. From the same source and at the same size it is
-/// the export's frame, to the byte, with 60 frames a second.
+/// the export's frame, to the byte, with 60 frames a second, unless it is a draft.
 ///
 /// Threading: one thread at a time. The pictures may go anywhere.
 class PreviewFrames {
@@ -45,8 +49,11 @@ public:
     ///
     /// Throws `Error` for a movie that cannot be opened or a picture that cannot be read. A webcam
     /// that cannot be read is left out.
-    std::shared_ptr<const Picture>
-    frame(const std::shared_ptr<const PreviewFilm>& film, const PreviewSource& source, double tOut);
+    std::shared_ptr<const Picture> frame(
+        const std::shared_ptr<const PreviewFilm>& film,
+        const PreviewSource& source,
+        double tOut,
+        PreviewDetail detail = PreviewDetail::Exact);
 
     /// Closes the movies.
     void close();

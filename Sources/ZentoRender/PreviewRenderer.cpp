@@ -12,7 +12,7 @@ PreviewFrame compose(PreviewFrames& frames, const PreviewRequest& request)
 {
     PreviewFrame answer = {.number = request.number, .tOut = request.tOut};
     try {
-        answer.picture = frames.frame(request.film, request.source, request.tOut);
+        answer.picture = frames.frame(request.film, request.source, request.tOut, request.detail);
     } catch (const std::exception& error) {
         answer.failure = error.what();
     }

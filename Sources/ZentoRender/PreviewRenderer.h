@@ -19,6 +19,7 @@ struct PreviewRequest {
     std::shared_ptr<const PreviewFilm> film;
     PreviewSource source;
     double tOut = 0; // seconds within the main part
+    PreviewDetail detail = PreviewDetail::Exact;
 };
 
 /// The answer to a request: a picture, or the sentence why there is none.

@@ -1,6 +1,7 @@
 #include "ZentoRender/ProxyStore.h"
 
 #include "ZentoCore/Error.h"
+#include "ZentoCore/ScratchFile.h"
 #include "ZentoCore/Uuid.h"
 #include "ZentoImaging/Scale.h"
 #include "ZentoMedia/ProxyWriter.h"
@@ -8,7 +9,6 @@
 #include "ZentoMedia/VideoSeeker.h"
 #include "ZentoRender/BoundedQueue.h"
 #include "ZentoRender/CanvasPool.h"
-#include "ZentoRender/ScratchFile.h"
 
 #include <pthread.h>
 
@@ -220,14 +220,16 @@ public:
         });
         double told = -1;
         std::unique_lock lock(m_mutex);
-        while (!m_isDone && !stop.stop_requested()) {
-            if (onProgress && m_share > told) {
+        while (!stop.stop_requested()) {
+            if (onProgress && m_share > told) { // the last share too
                 told = m_share;
                 lock.unlock();
                 onProgress(told);
                 lock.lock();
                 continue;
             }
+            if (m_isDone)
+                break;
             m_changed.wait(lock);
         }
         if (!m_isDone)

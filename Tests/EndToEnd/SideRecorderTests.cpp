@@ -7,6 +7,7 @@
 #include "TestSupport/TemporaryFolder.h"
 #include "ZentoCapture/CameraRecorder.h"
 #include "ZentoCapture/CaptureSession.h"
+#include "ZentoCapture/DeviceWatch.h"
 #include "ZentoCapture/MicRecorder.h"
 #include "ZentoCapture/MonotonicClock.h"
 #include "ZentoCapture/SystemAudioWriter.h"
@@ -86,6 +87,21 @@ bool waitForSound(const SideRecorder& recorder, const SoundPlayer& player, doubl
         const auto start = recorder.startTime();
         return start && player.playedUntil() > *start + seconds;
     });
+}
+
+TEST_F(SideRecorderTest, devicesAreListedAsTheyComeAndGo)
+{
+    DeviceWatch watch;
+    const auto has = [&](const char* name) {
+        const auto microphones = watch.devices().microphones;
+        return std::ranges::find(microphones, name, &CaptureDevice::id) != microphones.end();
+    };
+    EXPECT_FALSE(has("mic"));
+    const pid_t microphone = m_sound.plugInMicrophone("mic");
+    EXPECT_TRUE(eventually([&] { return has("mic"); }));
+    kill(microphone, SIGTERM);
+    EXPECT_TRUE(eventually([&] { return !has("mic"); }));
+    EXPECT_FALSE(has(test::PrivateSound::kSpeakers)) << "what is played is no microphone";
 }
 
 TEST_F(SideRecorderTest, whatIsPlayedAndSaidLiesInItsPlaceOnTheClock)

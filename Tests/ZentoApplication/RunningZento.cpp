@@ -47,6 +47,19 @@ ElementQuery RunningZento::editor()
     return {.application = "l3afpad", .window = {}, .role = "text", .name = {}, .text = {}};
 }
 
+void RunningZento::await(const ElementQuery& query) const
+{
+    await(
+        [&] { return isShown(query); },
+        description(query) + " does not come; the programs said: " + messages());
+}
+
+void RunningZento::click(const ElementQuery& query)
+{
+    await(query);
+    m_actor->perform(ClickStep{query}, {});
+}
+
 /// As a screen reader does when it starts.
 void RunningZento::switchAccessibilityOn()
 {
@@ -77,7 +90,7 @@ std::string RunningZento::accessibilityAddress() const
     return address;
 }
 
-void RunningZento::terminate()
+void RunningZento::terminate() const
 {
     kill(m_zento, SIGTERM);
     await([&] { return !ProcessGroup::isRunning(m_zento); }, "Zento does not end");

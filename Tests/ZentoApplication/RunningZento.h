@@ -26,8 +26,8 @@ public:
     static ElementQuery
     element(const std::string& role, const std::string& name, const std::string& window = "");
 
-    void await(const ElementQuery& query) { m_actor->await(query, {}); }
-    void click(const ElementQuery& query) { m_actor->perform(ClickStep{query}, {}); }
+    void await(const ElementQuery& query) const;
+    void click(const ElementQuery& query);
     void press(const std::vector<std::string>& keys) { m_actor->perform(PressStep{keys}, {}); }
     void type(const std::string& text) { m_actor->perform(TypeStep{text}, {}); }
     bool isShown(const ElementQuery& query) const { return m_finder->find(query).has_value(); }
@@ -36,7 +36,7 @@ public:
     static ElementQuery editor();
 
     /// Ends Zento as the end of a session does, and waits until it is gone.
-    void terminate();
+    void terminate() const;
 
     /// Starts it once more.
     pid_t startAnother() { return m_desktop.start({ZENTO_PROGRAM}); }

@@ -64,6 +64,27 @@ TEST(VideoSeekerTest, GivesTheSamePictureInAnyOrderAsForwards)
     }
 }
 
+TEST(VideoSeekerTest, APictureNearbyIsTheWholeOneBeforeAndHarmsNoExactOne)
+{
+    const test::TemporaryFolder folder;
+    const auto movie = folder / "film.mp4";
+    test::writeNumberedFilm(
+        movie,
+        {.width = 64, .height = 48, .fps = 30, .bitRate = 400'000},
+        test::countedNumbers(0, 600));
+    const auto frames = test::readNumbers(movie);
+    VideoSeeker seeker(movie);
+    test::Random random(9);
+    for (int i = 0; i < 40; ++i) {
+        const double t = random.uniform(0, 20);
+        const auto near = seeker.frame(t, VideoSeeker::Accuracy::Nearby);
+        ASSERT_TRUE(near);
+        EXPECT_LE(near->time(), t + 0.31);
+        EXPECT_EQ(test::numberOf(*seeker.frame(t)), dueNumber(frames, t)) << t;
+        EXPECT_EQ(test::numberOf(*seeker.frame(t + 0.1)), dueNumber(frames, t + 0.1)) << t;
+    }
+}
+
 TEST(VideoSeekerTest, HasTheSamplesOfTheDecoder)
 {
     const test::TemporaryFolder folder;

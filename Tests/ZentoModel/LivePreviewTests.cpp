@@ -2,6 +2,7 @@
 #include "Zento/Model/LivePreview.h"
 #include "Zento/Timeline/ZoomEditing.h"
 #include "ZentoCore/Error.h"
+#include "ZentoCore/FileIO.h"
 
 #include <gtest/gtest.h>
 
@@ -151,6 +152,27 @@ TEST_F(LivePreviewTest, NothingOfARecordingThatWasLeftIsShown)
     EXPECT_EQ(m_preview->state(), State::Empty);
     EXPECT_EQ(m_preview->duration(), 0);
     EXPECT_EQ(m_composer->drops, 23);
+}
+
+TEST_F(LivePreviewTest, AScrubOverAWebcamIsADraftUntilTheHandRests)
+{
+    const auto path = bundle("cam.zento");
+    writeFile(path / "webcam.mov", "");
+    open(path);
+    m_preview->seek(5);
+    const PreviewRequest first = m_composer->requests.back();
+    m_preview->seek(6);
+    const PreviewRequest second = m_composer->requests.back();
+    EXPECT_EQ(second.detail, PreviewDetail::Draft);
+    m_composer->answer(first); // the hand has moved on
+    EXPECT_EQ(m_composer->requests.back().number, second.number);
+    m_composer->answer(second);
+    EXPECT_GT(m_composer->requests.back().number, second.number);
+    EXPECT_EQ(m_composer->requests.back().detail, PreviewDetail::Exact);
+    EXPECT_EQ(m_composer->requests.back().tOut, second.tOut);
+    const auto asked = m_composer->requests.size();
+    m_composer->answer(m_composer->requests.back());
+    EXPECT_EQ(m_composer->requests.size(), asked);
 }
 
 TEST_F(LivePreviewTest, PlaysByTicksToTheEndAndStartsOverFromThere)

@@ -224,6 +224,13 @@ struct FakeFilms {
     FilmMakers makers();
 };
 
+/// Never answers.
+class SilentComposer final : public FrameComposer {
+public:
+    void request(PreviewRequest) override {}
+    void drop() override {}
+};
+
 /// The whole model over fakes, in a folder of its own.
 class ModelTest : public testing::Test {
 protected:
@@ -248,6 +255,8 @@ protected:
     FakeWorker m_captureWorker;
     FakeWorker m_exports;
     FakeWorker m_probes;
+    FakeWorker m_edits;
+    FakeWorker m_analyses;
     FakeFileServices m_services;
     FakeHotkeys m_hotkeys;
     FakeCaptures m_captures;
@@ -258,6 +267,7 @@ protected:
     std::optional<QByteArray> m_updateDocument;
     std::vector<QUrl> m_fetched;
     bool m_hasTray = true;
+    CaptureDevices m_devices;
     std::vector<DesktopWindow> m_windows;
     std::unique_ptr<QSettings> m_defaults;
     std::unique_ptr<AppModel> m_model;

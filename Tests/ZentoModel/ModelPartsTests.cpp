@@ -383,6 +383,20 @@ TEST_F(ModelTest, ThePickerOffersOrdinaryWindowsOfOthers)
     EXPECT_EQ(m_captures.orders[0].target, CaptureTarget(Target::Window{1}));
 }
 
+TEST_F(ModelTest, OffersTheDevicesThereAre)
+{
+    start();
+    EXPECT_EQ(m_model->freeSpace(), "50 GB free");
+    m_devices = {.microphones = {{"desk", "Desk microphone"}}, .cameras = {}};
+    m_permissions.camera = false; // a camera was pulled out
+    m_clock.advance(std::chrono::seconds(2));
+    ASSERT_EQ(m_model->microphones().size(), 1);
+    const QVariantMap microphone = m_model->microphones().front().toMap();
+    EXPECT_EQ(microphone["value"], "desk");
+    EXPECT_EQ(microphone["name"], "Desk microphone");
+    EXPECT_TRUE(m_model->cameras().isEmpty());
+}
+
 TEST_F(ModelTest, ToastsGoByThemselves)
 {
     Messages& messages = *m_model->messages();

@@ -10,6 +10,8 @@ QtObject {
     property bool showWelcome: false
     property int panel: 0
     property var installedActions: ["Zento Focus On", "Zento Focus Off"]
+    property var microphones: [{ value: "desk", name: "Desk microphone" }]
+    property var cameras: []
     property string freeSpace: "182 GB free"
     property var calls: []
     property var settings
@@ -29,6 +31,7 @@ QtObject {
     function displayUnderPointer() { return Qt.rect(0, 0, 1440, 900) }
     function run(action) { note("run " + action); actionRequested(action) }
     function refreshActions() {}
+    function refreshDevices() {}
 
     property QtObject recording: QtObject {
         property int phase: 0
@@ -79,12 +82,40 @@ QtObject {
         function accept() { app.note("accept"); isOpen = false }
         function reject() { app.note("reject"); isOpen = false }
     }
+    property QtObject music: QtObject {
+        property string name: "Glide"
+        property real duration: 60
+        property string credit: ""
+        property var library: [
+            { id: "pulse", name: "Pulse", bpm: 120, progress: -1 },
+            { id: "glide", name: "Glide", bpm: 100, progress: -1 },
+            { id: "sprint", name: "Sprint", bpm: 128, progress: 0.4 }
+        ]
+        property var results: [
+            { id: "a", title: "Morning in the Workshop", creator: "Elin Sandqvist", duration: "2:14", license: "CC BY 4.0" },
+            { id: "b", title: "Paper Boats", creator: "The Quiet Ledger", duration: "3:02", license: "CC BY 3.0" },
+            { id: "c", title: "Slow Harbour Lights", creator: "Tomas Ilves", duration: "1:48", license: "CC BY-SA 4.0" },
+            { id: "d", title: "Untitled", creator: "Unknown", duration: "", license: "CC0 1.0" }
+        ]
+        property string note: "“Second Cup” — credit saved with the recording"
+        property bool isSearching: false
+        property string usingTrackID: "c"
+        property string usedTrackID: "d"
+
+        function useFile(path) { app.note("useFile " + path) }
+        function useMade(id) { app.note("useMade " + id) }
+        function useFound(id) { app.note("useFound " + id) }
+        function remove() { app.note("removeMusic") }
+        function runSearch(query) { app.note("runSearch " + query) }
+        function endSearch() { app.note("endSearch") }
+    }
     property QtObject filmExport: QtObject {
         property string session: library.selected
         property string name: library.selectedItem.name ?? ""
         property int frame: 1486
         property int totalFrames: 2606
         property int secondsLeft: 12
+        property int renderGeneration: 0
         property bool isCancelling: false
         property string destination
 

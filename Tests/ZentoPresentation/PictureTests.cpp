@@ -1,3 +1,4 @@
+#include "TestSupport/NumberedMovie.h"
 #include "TestSupport/TemporaryFolder.h"
 #include "Zento/Desktop/WallpaperCatalog.h"
 #include "Zento/Presentation/CanvasImage.h"
@@ -10,6 +11,7 @@
 #include "ZentoRender/BackgroundRenderer.h"
 
 #include <QDir>
+#include <QUrl>
 
 #include <gtest/gtest.h>
 
@@ -50,6 +52,25 @@ TEST(Pictures, AreNoneWhereThereIsNothingToDraw)
     for (const char* id : {"background/no-such", "picture//no/such.png", "nothing/at/all"})
         EXPECT_THROW(drawSwatch(QString::fromLatin1(id), 60, 40), Error) << id;
     EXPECT_THROW(drawRecording(QStringLiteral("/no/such.zento/raw"), 60, 40), Error);
+}
+
+TEST(Pictures, OfARecordingShowWhatWasRecordedOrWhatWasExported)
+{
+    const test::TemporaryFolder folder;
+    const auto bundle = folder / "one.zento";
+    std::filesystem::create_directory(bundle);
+    test::writeNumberedRecording(bundle / "screen.mov", {64, 64}, test::countedFrames(0, 15, 60));
+    test::writeNumberedFilm(
+        folder / "one.mp4",
+        {.width = 64, .height = 64, .bitRate = 200000},
+        test::countedNumbers(40000, 15));
+    const QString path =
+        QString::fromLatin1(QUrl::toPercentEncoding(QString::fromStdString(bundle.string())));
+    const auto picture = [&](const char* version) {
+        return toImage(drawRecording(path + QLatin1Char('/') + QLatin1String(version), 32, 32));
+    };
+    EXPECT_NE(picture("raw"), picture("film?0"));
+    EXPECT_EQ(picture("film?0"), picture("film?1"));
 }
 
 TEST(Pictures, HaveTheirCornersRoundedOff)

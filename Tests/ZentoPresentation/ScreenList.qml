@@ -13,6 +13,7 @@ QtObject {
         { name: "messages", width: 1440, height: 900, component: messages, fill: true },
         { name: "question", width: 1440, height: 900, component: question, fill: true },
         { name: "export-sheet", width: 1440, height: 900, component: exportSheet, fill: true },
+        { name: "music-sheet", width: 1440, height: 900, component: musicSheet, fill: true },
         { name: "export-progress", width: 1440, height: 900, component: exportProgress, fill: true },
         { name: "inspector-tabs", width: 1592, height: 1480, component: tabs, fill: true },
         { name: "capture-panel", width: 720, height: 364, component: capturePanels, fill: true },
@@ -87,6 +88,13 @@ QtObject {
     }
     property Component exportSheet: MainContent {
         Component.onCompleted: openExport()
+    }
+    property Component musicSheet: MainContent {
+        Component.onCompleted: {
+            list.app.inspectorTab = "sound"
+            openMusic("online")
+        }
+        Component.onDestruction: list.app.inspectorTab = "look"
     }
     property Component exportProgress: MainContent {
         Component.onCompleted: {

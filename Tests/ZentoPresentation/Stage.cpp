@@ -111,7 +111,7 @@ Stage::Stage()
                     id.section(QLatin1Char('/'), 0, 0) + QStringLiteral(".x/y"), 320, 180);
             },
             1));
-    appearance(*m_engine)->setReducedMotion(true);
+    appearance(*m_engine)->setReducedMotion(/*reducedMotion=*/true);
     QMetaObject::invokeMethod(m_app.get(), "fill");
 }
 
@@ -138,7 +138,7 @@ QQuickItem* Stage::show(QQmlComponent& component, QSize size, bool fill)
     auto* item = qobject_cast<QQuickItem*>(object.get());
     if (!item)
         throw std::runtime_error("not an item: " + component.errorString().toStdString());
-    object.release();
+    static_cast<void>(object.release());
     m_item.reset(item);
     // In the window before it is complete: what it does then may open a sheet.
     item->setParentItem(m_window.contentItem());
@@ -156,7 +156,7 @@ QQuickItem* Stage::show(const QByteArray& qml, QSize size)
     QQmlComponent component(m_engine.get());
     component.setData(
         "import QtQuick\nimport Zento\n" + qml, QUrl(QStringLiteral("qrc:/testing/Snippet.qml")));
-    return show(component, size, false);
+    return show(component, size, /*fill=*/false);
 }
 
 void Stage::clear()

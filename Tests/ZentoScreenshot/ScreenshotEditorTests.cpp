@@ -1,6 +1,5 @@
-#include "Zento/Screenshot/ScreenshotEditor.h"
-
 #include "TestSupport/TemporaryFolder.h"
+#include "Zento/Screenshot/ScreenshotEditor.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoImaging/ImageFile.h"
 #include "ZentoRender/Screenshot/AnnotationRenderer.h"
@@ -81,8 +80,8 @@ protected:
         return editor;
     }
 
-    static void gesture(
-        ScreenshotEditor& editor, const char* tool, const std::vector<QPointF>& path)
+    static void
+    gesture(ScreenshotEditor& editor, const char* tool, const std::vector<QPointF>& path)
     {
         editor.setTool(QString::fromLatin1(tool));
         editor.press(path.front());
@@ -127,8 +126,7 @@ TEST_F(Editor, showsALargeShotAsItWillBe)
     const QImage shown = editor->picture().convertToFormat(QImage::Format_ARGB32);
     ASSERT_NEAR(shown.width(), file.width() / 2.0, 1);
     ASSERT_NEAR(shown.height(), file.height() / 2.0, 1);
-    const QImage small =
-        file.scaled(shown.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    const QImage small = file.scaled(shown.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     int different = 0;
     for (int y = 0; y < shown.height(); ++y)
         for (int x = 0; x < shown.width(); ++x) {
@@ -160,16 +158,15 @@ TEST_F(Editor, drawsTheNewestOfWhatChangedMeanwhile)
 TEST_F(Editor, mapsTheViewToTheImageAndBack)
 {
     const auto styles = ShotPresets::all();
-    for (const auto& crop :
-         {std::optional<Rect>(), std::optional(Rect{100.4, 50, 300, 222.2})}) {
+    for (const auto& crop : {std::optional<Rect>(), std::optional(Rect{100.4, 50, 300, 222.2})}) {
         for (const ShotPreset& preset : styles) {
             const ShotPlacement place({640, 400}, crop, preset.style, {500, 500}, 1);
             const Vec2 back = place.toRaw(place.toCanvas(Vec2{123, 77}));
             EXPECT_NEAR(back.x, 123, 1e-9) << preset.id;
             EXPECT_NEAR(back.y, 77, 1e-9) << preset.id;
             const Canvas image(640, 400);
-            const Canvas composed = ShotComposer::beautify(
-                AnnotationRenderer::flatten(image, {}, crop), preset.style);
+            const Canvas composed =
+                ShotComposer::beautify(AnnotationRenderer::flatten(image, {}, crop), preset.style);
             EXPECT_NEAR(place.picture.w / place.scale, composed.width(), 1e-6) << preset.id;
             EXPECT_NEAR(place.picture.h / place.scale, composed.height(), 1e-6) << preset.id;
             EXPECT_LE(place.picture.w, 500.001);

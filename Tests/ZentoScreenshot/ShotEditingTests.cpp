@@ -1,5 +1,4 @@
 #include "Zento/Screenshot/ShotEditing.h"
-
 #include "ZentoRender/Screenshot/AnnotationRenderer.h"
 
 #include <gtest/gtest.h>
@@ -160,7 +159,14 @@ TEST(ShotEditing, SelectsMovesAndResizes)
          {210, 200},
          {510, 200},
          1},
-        {"a corner of a box", {110, 290}, {300, 300}, {350, 350}, Kind::Box, {100, 100}, {350, 350}, 1},
+        {"a corner of a box",
+         {110, 290},
+         {300, 300},
+         {350, 350},
+         Kind::Box,
+         {100, 100},
+         {350, 350},
+         1},
         {"a badge", {600, 400}, {600, 400}, {640, 400}, Kind::Badge, {640, 400}, {640, 400}, 1},
         {"a click", {400, 200}, {400, 200}, {402, 202}, Kind::Line, {200, 200}, {500, 200}, 0},
         {"nothing", {400, 200}, {700, 50}, {710, 90}, {}, {}, {}, 0},
@@ -337,7 +343,8 @@ TEST(ShotEditing, GivesUpADragThatIsUndoneMeanwhile)
     }
 }
 
-/// What is drawn can be hit: every opaque pixel of a stroke, but for a text, whose box lies above.
+/// What is drawn can be hit: every pixel of a stroke or a fill, but for a text, whose box lies
+/// above.
 TEST(ShotEditing, HitsEveryPixelThatAMarkDraws)
 {
     for (const Kind kind : kAllAnnotationKinds) {
@@ -346,8 +353,7 @@ TEST(ShotEditing, HitsEveryPixelThatAMarkDraws)
         ShotEditing editing(kImage);
         gesture(editing, name(kind), {{200, 150}, {320, 260}, {420, 180}});
         Canvas canvas(800, 600);
-        AnnotationRenderer::draw(
-            editing.document().annotations, canvas, baseLineWidth(kImage.y));
+        AnnotationRenderer::draw(editing.document().annotations, canvas, baseLineWidth(kImage.y));
         const Annotation& mark = editing.document().annotations.front();
         // An arrow's head reaches out to the side of its line.
         const double room = kind == Kind::Arrow ? 4.5 * baseLineWidth(kImage.y) : kTolerance;
@@ -355,7 +361,7 @@ TEST(ShotEditing, HitsEveryPixelThatAMarkDraws)
         int drawn = 0;
         for (int y = 0; y < 600; ++y)
             for (int x = 0; x < 800; ++x)
-                if (canvas.pixels().row(y)[x] >> 24 > 128) {
+                if (canvas.pixels().row(y)[x] >> 24 > 90) {
                     ++drawn;
                     missed += mark.hitTest({x + 0.5, y + 0.5}, room, kImage.y) ? 0 : 1;
                 }

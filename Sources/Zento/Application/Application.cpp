@@ -74,8 +74,7 @@ struct ScreenshotParts {
                .desktopImage = desktopImage,
                .wallpapers = desktopPictures})
     {
-        QObject::connect(
-            &screenshots, &Screenshots::opened, &windows, &ScreenshotWindows::open);
+        QObject::connect(&screenshots, &Screenshots::opened, &windows, &ScreenshotWindows::open);
     }
 
     EventLoopClock clock;
@@ -83,8 +82,8 @@ struct ScreenshotParts {
     ThreadWorker shooting{"shot.shooting"};
     ThreadWorker drawing{"shot.drawing"};
     ThreadWorker output{"shot.output"};
-    ScreenshotWindows windows; // outlives the editors it shows
     Screenshots screenshots;
+    ScreenshotWindows windows; // go before the editors they show
 };
 
 /// Ends the event loop once nobody can want the clipboard's picture from this program.

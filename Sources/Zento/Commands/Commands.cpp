@@ -65,7 +65,8 @@ constexpr std::array<Subcommand, 8> kSubcommands{{
     {"demo", alone<demo>},
     {"toggle", alone<toggle>},
     {"screenshot", screenshot},
-    {"search-provider", alone<searchProvider>}, // started by the session bus, so the usage does not tell
+    {"search-provider",
+     alone<searchProvider>}, // started by the session bus, so the usage does not tell
 }};
 
 enum Status { Done = 0, Failed = 1, BadUsage = 2 };

@@ -59,7 +59,7 @@ void plan(std::span<const std::string_view> words)
         input.music = readableMusic(bundle, edits, tellMusicLeftOut);
     }
     apply(arguments, input);
-    const std::string text = encodePlan(EditPlanner::plan(input)) + "\n";
+    const std::string text = encodePlan(planAtLevels(input, settings)) + "\n";
     if (const auto file = arguments.value("--output")) {
         writeFile(*file, text);
     } else {

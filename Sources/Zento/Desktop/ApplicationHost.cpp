@@ -8,6 +8,7 @@
 #include "Zento/Desktop/HttpFetch.h"
 #include "Zento/Desktop/Identity.h"
 #include "Zento/Desktop/PermissionProbe.h"
+#include "ZentoCapture/DeviceWatch.h"
 #include "ZentoCore/SessionBundle.h"
 #include "ZentoCore/UserFolders.h"
 
@@ -80,12 +81,31 @@ ApplicationHost::ApplicationHost()
 AppServices ApplicationHost::services()
 {
     const std::filesystem::path sessions = sessionsFolder();
+    const auto devices = std::make_shared<DeviceWatch>(); // used on the probes' thread alone
     return {
         .clock = m_clock,
         .files = m_files,
         .capture = m_capture,
         .exports = m_exports,
         .probes = m_probes,
+        .editor =
+            {.edits = m_edits,
+             .analyses = m_analyses,
+             .proxies = m_proxies,
+             .pictures = m_pictures,
+             .sounds = m_sounds,
+             .makeProxy =
+                 [this](
+                     const std::filesystem::path& bundle,
+                     const ProxyStore::Progress& onProgress,
+                     const std::stop_token& stop) {
+                     return m_proxyStore.ensure(bundle, onProgress, stop);
+                 },
+             .makeComposer = threadedComposer,
+             .desktopImage = desktopImage},
+        .music = m_musicWorker,
+        .musicSources =
+            musicSources({.api = ZENTO_MUSIC_API, .site = ZENTO_MUSIC_SITE, .ownSite = ZENTO_SITE}),
         .fileServices = m_fileServices,
         .hotkeys = m_hotkeys,
         .defaults = m_defaults,
@@ -102,12 +122,13 @@ AppServices ApplicationHost::services()
         .installedActions = [] { return FocusActions::installed(FocusActions::folder()); },
         .displayOf = displayOf,
         .displays = displays,
-        .permissions = [probe = std::make_shared<PermissionProbe>()] { return (*probe)(); },
+        .permissions = [probe = std::make_shared<PermissionProbe>(devices)] { return (*probe)(); },
         .permissionRequests =
             {.input = {},
              .accessibility = enableAccessibility,
              .microphone = openSoundSettings,
              .camera = openCameraSettings},
+        .devices = [devices] { return devices->devices(); },
         .windows = [] { return desktopWindows(); },
         .windowThumbnail = [](std::uint32_t window,
                               int width) { return windowThumbnail(window, width); },

@@ -6,6 +6,7 @@
 #include "Zento/Desktop/TrayIcon.h"
 #include "Zento/Desktop/X11Hotkeys.h"
 #include "Zento/Model/AppModel.h"
+#include "ZentoRender/ProxyStore.h"
 
 #include <QObject>
 #include <QSettings>
@@ -62,10 +63,17 @@ private:
     SingleInstance m_instance;
     TrayIcon m_tray;
     Notifications m_notifications;
+    ProxyStore m_proxyStore; // outlives the thread that builds for it
     ThreadWorker m_files{"model.files"};
     ThreadWorker m_capture{"model.capture"};
     ThreadWorker m_exports{"model.exports"};
     ThreadWorker m_probes{"model.probes"};
+    ThreadWorker m_edits{"editor.edits"};
+    ThreadWorker m_analyses{"editor.analyses"};
+    ThreadWorker m_proxies{"editor.proxies"};
+    ThreadWorker m_pictures{"editor.pictures"};
+    ThreadWorker m_sounds{"editor.sounds"};
+    ThreadWorker m_musicWorker{"model.music"};
     std::unique_ptr<AppModel> m_model; // goes before the threads that work for it
     std::optional<std::stop_callback<std::function<void()>>> m_onStop;
     bool m_isQuitting = false;

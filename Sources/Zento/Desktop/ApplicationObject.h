@@ -24,7 +24,7 @@ public:
     {
     }
 
-public Q_SLOTS:
+public Q_SLOTS: // NOLINT(readability-redundant-access-specifiers): a kind of its own
     // NOLINTBEGIN(readability-identifier-naming): the names on the bus
     void Activate(const QVariantMap& /*platformData*/) { Q_EMIT m_instance.activated(); }
 

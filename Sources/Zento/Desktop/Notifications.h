@@ -25,7 +25,7 @@ Q_SIGNALS:
 private Q_SLOTS:
     void onAction(uint id, const QString& action);
 
-private:
+private: // NOLINT(readability-redundant-access-specifiers): these are no slots
     QDBusConnection m_bus;
     uint m_shown = 0; // the service's number of the last one; 0: none
 };

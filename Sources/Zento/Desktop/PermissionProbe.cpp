@@ -10,9 +10,7 @@
 #include <xcb/xcb.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -33,21 +31,6 @@ bool isAccessibilityOn()
     const QDBusReply<QDBusVariant> reply =
         QDBusConnection::sessionBus().call(call, QDBus::Block, kBusTimeout);
     return reply.isValid() && reply.value().variant().toBool();
-}
-
-/// Whether a folder of devices has one whose name starts and ends so.
-bool hasDevice(const char* folder, std::string_view start, std::string_view end)
-{
-    std::error_code error;
-    std::filesystem::directory_iterator entry(folder, error);
-    while (!error && entry != std::filesystem::directory_iterator()) {
-        const std::string name = entry->path().filename().string();
-        if (name.starts_with(start) && name.ends_with(end)) {
-            return true;
-        }
-        entry.increment(error);
-    }
-    return false;
 }
 
 void startFirst(const std::vector<std::pair<QString, QStringList>>& programs)
@@ -88,7 +71,11 @@ private:
     xcb_connection_t* m_connection;
 };
 
-PermissionProbe::PermissionProbe() = default;
+PermissionProbe::PermissionProbe(std::shared_ptr<DeviceWatch> devices)
+    : m_devices(std::move(devices))
+{
+}
+
 PermissionProbe::~PermissionProbe() = default;
 
 PermissionState PermissionProbe::operator()()
@@ -101,12 +88,13 @@ PermissionState PermissionProbe::operator()()
     if (!hasScreen) {
         m_server.reset(); // there may be one next time
     }
+    const CaptureDevices devices = m_devices->devices();
     return {
         .screen = hasScreen,
         .input = hasInput,
         .accessibility = isAccessibilityOn(),
-        .microphone = hasDevice("/dev/snd", "pcm", "c"),
-        .camera = hasDevice("/dev", "video", "")};
+        .microphone = !devices.microphones.empty(),
+        .camera = !devices.cameras.empty()};
 }
 
 void enableAccessibility()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Zento/Model/Permissions.h"
+#include "ZentoCapture/DeviceWatch.h"
 
 #include <memory>
 
@@ -10,19 +11,20 @@ namespace zento {
 ///
 /// `screen`: an X server with a display. `input`: its input extension, by which keys and clicks are
 /// read. `accessibility`: the accessibility bus is switched on (org.a11y.Status). `microphone` and
-/// `camera`: the kernel has a device that records sound or pictures.
+/// `camera`: there is a device that can be recorded.
 ///
 /// Threading: one thread, which is not the main one: it blocks on the server and the bus, on the
 /// latter for at most a second.
 class PermissionProbe {
 public:
-    PermissionProbe();
+    explicit PermissionProbe(std::shared_ptr<DeviceWatch> devices);
     ~PermissionProbe();
 
     PermissionState operator()();
 
 private:
     class Server;
+    std::shared_ptr<DeviceWatch> m_devices;
     std::unique_ptr<Server> m_server; // kept while it answers
 };
 

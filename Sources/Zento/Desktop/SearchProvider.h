@@ -32,7 +32,7 @@ public:
     /// Goes on the bus. False when another has the name, or there is no bus.
     bool start();
 
-public Q_SLOTS:
+public Q_SLOTS: // NOLINT(readability-redundant-access-specifiers): a kind of its own
     // NOLINTBEGIN(readability-identifier-naming): the names on the bus
     QStringList GetInitialResultSet(const QStringList& terms);
     QStringList GetSubsearchResultSet(const QStringList& previous, const QStringList& terms);

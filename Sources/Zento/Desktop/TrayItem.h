@@ -55,7 +55,7 @@ public:
     static bool itemIsMenu() { return false; }
     static QDBusObjectPath menu() { return QDBusObjectPath(kMenuPath); }
 
-public Q_SLOTS:
+public Q_SLOTS: // NOLINT(readability-redundant-access-specifiers): a kind of its own
     // NOLINTBEGIN(readability-identifier-naming): the names on the bus
     void Activate(int /*x*/, int /*y*/) { Q_EMIT activated(); }
     void SecondaryActivate(int /*x*/, int /*y*/) { Q_EMIT activated(); }

@@ -65,7 +65,7 @@ public:
     static QString status() { return "normal"; }
     static QStringList iconThemePath() { return {}; }
 
-public Q_SLOTS:
+public Q_SLOTS: // NOLINT(readability-redundant-access-specifiers): a kind of its own
     // NOLINTBEGIN(readability-identifier-naming): the names on the bus
     uint GetLayout(int parent, int depth, const QStringList& names, zento::MenuLayout& layout);
     QList<zento::MenuProperties>

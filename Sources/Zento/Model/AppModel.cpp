@@ -1,5 +1,7 @@
 #include "Zento/Model/AppModel.h"
 
+#include <QLocale>
+
 #include <array>
 #include <string_view>
 #include <utility>
@@ -16,14 +18,30 @@ constexpr auto kShowInspectorKey = "showInspector";
 constexpr auto kInspectorTabKey = "inspectorTab";
 constexpr auto kWelcomeShownKey = "welcomeShown";
 
+QLatin1StringView latin(std::string_view text)
+{
+    return {text.data(), static_cast<qsizetype>(text.size())};
+}
+
 QString knownTab(const QString& tab)
 {
     for (const std::string_view known : kInspectorTabs) {
-        if (tab == QLatin1StringView(known.data())) {
+        if (tab == latin(known)) {
             return tab;
         }
     }
-    return QLatin1StringView(kInspectorTabs.front().data());
+    return latin(kInspectorTabs.front());
+}
+
+QVariantList choices(const std::vector<CaptureDevice>& devices)
+{
+    QVariantList list;
+    for (const CaptureDevice& device : devices) {
+        list.append(QVariantMap{
+            {"value", QString::fromStdString(device.id)},
+            {"name", QString::fromStdString(device.name)}});
+    }
+    return list;
 }
 
 } // namespace
@@ -60,6 +78,13 @@ AppModel::AppModel(AppServices services)
           .displayOf = m_services.displayOf,
           .excludedWindows = [this] { return excludedWindows(); },
       })
+    , m_editor(m_services.clock, m_settings, m_services.editor)
+    , m_music({
+          .clock = m_services.clock,
+          .worker = m_services.music,
+          .messages = m_messages,
+          .sources = m_services.musicSources,
+      })
     , m_export({
           .clock = m_services.clock,
           .worker = m_services.exports,
@@ -69,6 +94,11 @@ AppModel::AppModel(AppServices services)
           .flow = m_recording,
           .messages = m_messages,
           .makers = m_services.makers,
+          .saveEdits =
+              [this](std::function<void()> saved) {
+                  m_exportedVersion = m_editor.session()->version();
+                  m_editor.session()->flush(std::move(saved));
+              },
       })
     , m_sharing({
           .library = m_library,
@@ -94,12 +124,41 @@ AppModel::AppModel(AppServices services)
     , m_showInspector(m_services.defaults.value(kShowInspectorKey, true).toBool())
     , m_showWelcome(!m_services.defaults.value(kWelcomeShownKey, false).toBool())
 {
-    m_shortcuts.onHotkey = [this](ShortcutAction action) {
-        run(QString::fromLatin1(shortcutEntry(action).id.data()));
-    };
+    connect(&m_permissions, &Permissions::changed, this, &AppModel::refreshDevices);
+    connect(&m_library, &RecordingLibrary::refreshed, this, &AppModel::refreshFreeSpace);
+    connectEditor();
+    m_shortcuts.onHotkey = [this](ShortcutAction action) { run(latin(shortcutEntry(action).id)); };
 }
 
 AppModel::~AppModel() = default;
+
+void AppModel::connectEditor()
+{
+    EditSession* const session = m_editor.session();
+    connect(&m_library, &RecordingLibrary::selectedChanged, session, [this, session] {
+        session->open(m_library.selected());
+        m_music.open(m_library.selected());
+    });
+    connect(&m_music, &RecordingMusic::fileChanged, session, &EditSession::reloadMusic);
+    connect(session, &EditSession::historyChanged, this, &AppModel::historyChanged);
+    connect(&m_export, &FilmExport::filmWritten, session, [this, session](const QString& path) {
+        if (path == session->path()) {
+            session->rendered(m_exportedVersion);
+        }
+    });
+}
+
+QString AppModel::undoText()
+{
+    const QString name = m_editor.session()->undoName();
+    return name.isEmpty() ? tr("Undo") : tr("Undo %1").arg(name);
+}
+
+QString AppModel::redoText()
+{
+    const QString name = m_editor.session()->redoName();
+    return name.isEmpty() ? tr("Redo") : tr("Redo %1").arg(name);
+}
 
 void AppModel::start()
 {
@@ -349,6 +408,43 @@ void AppModel::refreshActions()
         });
 }
 
+void AppModel::refreshDevices()
+{
+    compute(
+        m_services.probes,
+        this,
+        m_services.devices,
+        [this](const Outcome<CaptureDevices>& devices) {
+            m_devices = devices.value_or(CaptureDevices{});
+            Q_EMIT devicesChanged();
+        });
+}
+
+void AppModel::refreshFreeSpace()
+{
+    compute(
+        m_services.files,
+        this,
+        m_services.freeSpace,
+        [this](const Outcome<std::optional<std::int64_t>>& free) {
+            const auto bytes = free.value_or(std::nullopt);
+            m_freeSpace = bytes ? tr("%1 free").arg(QLocale().formattedDataSize(
+                                      *bytes, 0, QLocale::DataSizeSIFormat))
+                                : QString();
+            Q_EMIT freeSpaceChanged();
+        });
+}
+
+QVariantList AppModel::microphones() const
+{
+    return choices(m_devices.microphones);
+}
+
+QVariantList AppModel::cameras() const
+{
+    return choices(m_devices.cameras);
+}
+
 void AppModel::relaunch()
 {
     shutDown(m_services.relaunch);
@@ -389,8 +485,14 @@ void AppModel::openFromSearch(const QString& identifier)
 void AppModel::shutDown(std::function<void()> done)
 {
     m_recording.finish([this, done = std::move(done)]() mutable {
-        m_export.finish(
-            [this, done = std::move(done)]() mutable { m_settings.flush(std::move(done)); });
+        m_export.finish([this, done = std::move(done)]() mutable {
+            m_editor.session()->flush([this, done = std::move(done)]() mutable {
+                m_settings.flush([this, done = std::move(done)] {
+                    m_isEnding = true;
+                    done();
+                });
+            });
+        });
     });
 }
 

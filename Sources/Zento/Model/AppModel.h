@@ -1,16 +1,19 @@
 #pragma once
 
+#include "Zento/Model/Editor.h"
 #include "Zento/Model/FilmExport.h"
 #include "Zento/Model/Messages.h"
 #include "Zento/Model/Permissions.h"
 #include "Zento/Model/Question.h"
 #include "Zento/Model/RecordingFlow.h"
 #include "Zento/Model/RecordingLibrary.h"
+#include "Zento/Model/RecordingMusic.h"
 #include "Zento/Model/SettingsModel.h"
 #include "Zento/Model/Sharing.h"
 #include "Zento/Model/Shortcuts.h"
 #include "Zento/Model/UpdateCheck.h"
 #include "Zento/Model/WindowList.h"
+#include "ZentoCapture/DeviceWatch.h"
 
 #include <QObject>
 #include <QPointer>
@@ -38,6 +41,9 @@ struct AppServices {
     Worker& capture; // recordings
     Worker& exports; // films
     Worker& probes;  // what may take long to answer: permissions, windows
+    EditorServices editor;
+    Worker& music; // fetches and copies it
+    RecordingMusic::Sources musicSources;
     FileServices& fileServices;
     GlobalHotkeys& hotkeys;
     QSettings& defaults;
@@ -53,6 +59,7 @@ struct AppServices {
     std::function<std::vector<QRectF>()> displays; // points, the first being the main one
     Permissions::Probe permissions;
     Permissions::Requests permissionRequests;
+    std::function<CaptureDevices()> devices; // blocks
     std::function<std::vector<DesktopWindow>()> windows;
     std::function<QImage(std::uint32_t, int)> windowThumbnail;
     UpdateCheck::Fetch fetch;
@@ -79,6 +86,15 @@ class AppModel : public QObject {
     Q_PROPERTY(zento::UpdateCheck* updates READ updates CONSTANT)
     Q_PROPERTY(zento::FilmExport* filmExport READ filmExport CONSTANT)
     Q_PROPERTY(zento::WindowList* windows READ windows CONSTANT)
+    Q_PROPERTY(zento::Editor* editor READ editor CONSTANT)
+    /// Everything is written and the program is about to end: windows may close.
+    Q_PROPERTY(bool isEnding READ isEnding)
+    Q_PROPERTY(zento::RecordingMusic* music READ music CONSTANT)
+    Q_PROPERTY(bool canUndo READ canUndo NOTIFY historyChanged)
+    Q_PROPERTY(bool canRedo READ canRedo NOTIFY historyChanged)
+    /// With the name of the step: "Undo Trim".
+    Q_PROPERTY(QString undoText READ undoText NOTIFY historyChanged)
+    Q_PROPERTY(QString redoText READ redoText NOTIFY historyChanged)
     /// State of the window that is kept from run to run.
     Q_PROPERTY(bool showInspector READ showInspector WRITE setShowInspector NOTIFY viewChanged)
     Q_PROPERTY(QString inspectorTab READ inspectorTab WRITE setInspectorTab NOTIFY viewChanged)
@@ -89,6 +105,13 @@ class AppModel : public QObject {
     Q_PROPERTY(bool picksForShot READ picksForShot NOTIFY panelChanged)
     /// The names that `focusOnShortcut` and `focusOffShortcut` can have; see `refreshActions`.
     Q_PROPERTY(QStringList installedActions READ installedActions NOTIFY installedActionsChanged)
+    /// What `microphoneID` and `cameraID` can be, as maps of "value" and "name"; see
+    /// `refreshDevices`.
+    Q_PROPERTY(QVariantList microphones READ microphones NOTIFY devicesChanged)
+    Q_PROPERTY(QVariantList cameras READ cameras NOTIFY devicesChanged)
+    /// "182 GB free", where the recordings lie; empty where the system does not say. Asked for anew
+    /// with every listing of the library.
+    Q_PROPERTY(QString freeSpace READ freeSpace NOTIFY freeSpaceChanged)
 
 public:
     enum class Panel { NoPanel, CapturePanel, AreaPicker, WindowPicker };
@@ -108,6 +131,15 @@ public:
     UpdateCheck* updates() { return &m_updates; }
     FilmExport* filmExport() { return &m_export; }
     WindowList* windows() { return &m_windows; }
+    Editor* editor() { return &m_editor; }
+    bool isEnding() const { return m_isEnding; }
+    RecordingMusic* music() { return &m_music; }
+    bool canUndo() { return m_editor.session()->canUndo(); }
+    bool canRedo() { return m_editor.session()->canRedo(); }
+    QString undoText();
+    QString redoText();
+    Q_INVOKABLE void undo() { m_editor.session()->undo(); }
+    Q_INVOKABLE void redo() { m_editor.session()->redo(); }
 
     bool showInspector() const { return m_showInspector; }
     QString inspectorTab() const { return m_inspectorTab; }
@@ -115,6 +147,9 @@ public:
     Panel panel() const { return m_panel; }
     bool picksForShot() const { return m_areaPicked || m_windowPicked; }
     QStringList installedActions() const { return m_installedActions; }
+    QString freeSpace() const { return m_freeSpace; }
+    QVariantList microphones() const;
+    QVariantList cameras() const;
 
     void setShowInspector(bool isShown);
     void setInspectorTab(const QString& tab); // an unknown one gives the default tab
@@ -160,6 +195,7 @@ public:
     Q_INVOKABLE void run(const QString& action);
 
     Q_INVOKABLE void refreshActions();
+    Q_INVOKABLE void refreshDevices();
     Q_INVOKABLE void relaunch();
 
     /// The user closed the window: with a tray the program stays there, without one it ends.
@@ -180,9 +216,12 @@ public:
     void shutDown(std::function<void()> done);
 
 Q_SIGNALS:
+    void historyChanged();
     void viewChanged();
     void panelChanged();
     void installedActionsChanged();
+    void devicesChanged();
+    void freeSpaceChanged();
     /// "exportVideo", "screenshotScreen", …: of parts outside this model.
     void actionRequested(const QString& action);
 
@@ -194,6 +233,8 @@ private:
     Permissions m_permissions;
     RecordingLibrary m_library;
     RecordingFlow m_recording;
+    Editor m_editor;
+    RecordingMusic m_music;
     FilmExport m_export;
     Sharing m_sharing;
     Shortcuts m_shortcuts;
@@ -201,6 +242,8 @@ private:
     WindowList m_windows;
     std::vector<QPointer<QWindow>> m_excluded;
     QStringList m_installedActions;
+    CaptureDevices m_devices;
+    QString m_freeSpace;
     QString m_inspectorTab;
     QString m_hotkeyMessage; // about those that are taken; empty when none is
     bool m_showInspector = true;
@@ -209,8 +252,13 @@ private:
     AreaHandler m_areaPicked; // while its picker is open for somebody else
     WindowHandler m_windowPicked;
 
+    bool m_isEnding = false;
+    std::uint64_t m_exportedVersion = 0; // of the edit that is exported
+
+    void connectEditor();
     std::vector<std::uint32_t> excludedWindows() const;
     void tellTakenHotkeys();
+    void refreshFreeSpace();
 };
 
 } // namespace zento

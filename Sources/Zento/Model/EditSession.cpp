@@ -327,9 +327,9 @@ void EditSession::setStaleDismissed(bool isDismissed)
     }
 }
 
-void EditSession::rendered()
+void EditSession::rendered(std::uint64_t version)
 {
-    if (std::exchange(m_isRenderStale, false)) {
+    if (version == m_version && std::exchange(m_isRenderStale, false)) {
         Q_EMIT renderStaleChanged();
     }
 }

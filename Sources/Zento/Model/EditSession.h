@@ -96,8 +96,10 @@ public:
     bool isRenderStale() const { return m_isRenderStale; }
     bool isStaleDismissed() const { return m_isStaleDismissed; }
     void setStaleDismissed(bool isDismissed);
-    /// The film of this recording was written with the present edit.
-    void rendered();
+    /// Grows with every change of what the film is made from.
+    std::uint64_t version() const { return m_version; }
+    /// The film of this recording was written with the edit of that version.
+    void rendered(std::uint64_t version);
 
     /// Writes what is not saved yet, then calls `done`.
     void flush(std::function<void()> done);

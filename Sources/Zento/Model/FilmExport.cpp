@@ -1,5 +1,7 @@
 #include "Zento/Model/FilmExport.h"
 
+#include <QPointer>
+
 #include <atomic>
 #include <cmath>
 #include <utility>
@@ -37,7 +39,7 @@ struct FilmExport::Job {
     std::filesystem::path film;
     std::filesystem::path gif; // empty: the film is what is wanted
     std::stop_source stop;
-    std::atomic<FilmProgress> progress{};
+    std::atomic<FilmProgress> progress;
     Clock::Instant begun; // of the step under way
     RecordingFlow::Phase phase = RecordingFlow::Phase::Rendering;
 
@@ -113,7 +115,7 @@ void FilmExport::start()
     } else {
         m_job->film = takeDestination(m_job->film);
     }
-    makeFilm();
+    saveAndMakeFilm();
     Q_EMIT sessionChanged();
 }
 
@@ -128,9 +130,23 @@ void FilmExport::beginStep(RecordingFlow::Phase phase)
     showProgress();
 }
 
-void FilmExport::makeFilm()
+/// The film is made of what is in the recording's folder.
+void FilmExport::saveAndMakeFilm()
 {
     beginStep(RecordingFlow::Phase::Rendering);
+    if (!m_ports.saveEdits) {
+        makeFilm();
+        return;
+    }
+    m_ports.saveEdits([self = QPointer(this), job = m_job] {
+        if (self && self->m_job == job) {
+            self->makeFilm();
+        }
+    });
+}
+
+void FilmExport::makeFilm()
+{
     compute(
         m_ports.worker,
         this,
@@ -171,6 +187,9 @@ void FilmExport::filmMade(const Outcome<void>& outcome)
         failed(tr("Render failed: %1"), outcome.error());
         return;
     }
+    ++m_renderGeneration;
+    Q_EMIT renderGenerationChanged();
+    Q_EMIT filmWritten(session());
     m_ports.library.refresh();
     if (m_job->gif.empty()) {
         succeeded(tr("Video exported"));

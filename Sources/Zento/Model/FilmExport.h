@@ -56,6 +56,8 @@ class FilmExport : public QObject {
     Q_PROPERTY(int secondsLeft READ secondsLeft NOTIFY progressed)
     /// It was cancelled and is about to end.
     Q_PROPERTY(bool isCancelling READ isCancelling NOTIFY sessionChanged)
+    /// How many films were finished in this run: their pictures are others then.
+    Q_PROPERTY(int renderGeneration READ renderGeneration NOTIFY renderGenerationChanged)
     /// Where the next export writes to; empty for the usual place beside the recording. Forgotten
     /// when it begins and when another recording is selected. Its end becomes the format's.
     Q_PROPERTY(QString destination READ destination WRITE setDestination NOTIFY destinationChanged)
@@ -70,6 +72,8 @@ public:
         RecordingFlow& flow; // keeps the phase and the progress
         Messages& messages;
         FilmMakers makers;
+        /// Has what is edited in the recording's folder, then calls back; may be empty.
+        std::function<void(std::function<void()> saved)> saveEdits = {};
     };
 
     explicit FilmExport(Ports ports);
@@ -81,6 +85,7 @@ public:
     int totalFrames() const { return m_shown.totalFrames > 1 ? m_shown.totalFrames : 0; }
     int secondsLeft() const { return m_secondsLeft; }
     bool isCancelling() const;
+    int renderGeneration() const { return m_renderGeneration; }
     QString destination() const { return m_destination; }
 
     void setDestination(const QString& path);
@@ -95,8 +100,11 @@ public:
 
 Q_SIGNALS:
     void sessionChanged();
+    /// The film of the bundle at `path` is complete.
+    void filmWritten(const QString& path);
     void progressed();
     void destinationChanged();
+    void renderGenerationChanged();
 
 private:
     struct Job;
@@ -106,11 +114,13 @@ private:
     std::unique_ptr<Timer> m_progressTimer;
     FilmProgress m_shown;
     int m_secondsLeft = -1;
+    int m_renderGeneration = 0;
     QString m_destination;
     std::vector<std::function<void()>> m_onFinished;
 
     std::filesystem::path takeDestination(const std::filesystem::path& usual);
     void beginStep(RecordingFlow::Phase phase);
+    void saveAndMakeFilm();
     void makeFilm();
     void makeGif();
     void showProgress();

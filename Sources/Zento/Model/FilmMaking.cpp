@@ -93,7 +93,7 @@ void renderFilm(
     const SavedOverrides edits = loadSavedOverrides(bundle);
     EditPlanner::PlanInput input = gatherPlanInput(bundle, settings, edits, desktopImage);
     input.music = readableMusic(bundle, edits, reports.onMusicLeftOut, stop);
-    EditPlan plan = EditPlanner::plan(input);
+    EditPlan plan = planAtLevels(input, settings);
     FilmCards cards = currentCards(settings, bundle.meta, loadVideoCopy(bundle));
     plan.titleCard = std::move(cards.title);
     plan.endCard = std::move(cards.end);

@@ -12,7 +12,7 @@ class ThreadedComposer final : public FrameComposer {
 public:
     explicit ThreadedComposer(std::function<void(LiveFrame)> deliver)
         : m_deliver(std::move(deliver))
-        , m_renderer([this](PreviewFrame frame) { post(std::move(frame)); })
+        , m_renderer([this](const PreviewFrame& frame) { post(frame); })
     {
     }
 
@@ -21,7 +21,7 @@ public:
 
 private:
     /// On the renderer's thread. What is posted to `m_main` goes when it does.
-    void post(PreviewFrame frame)
+    void post(const PreviewFrame& frame)
     {
         LiveFrame live = {
             .number = frame.number,

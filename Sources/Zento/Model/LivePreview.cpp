@@ -1,5 +1,7 @@
 #include "Zento/Model/LivePreview.h"
 
+#include "ZentoRender/FrameReplay.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -17,7 +19,16 @@ constexpr auto kHintTime = 900ms;
 constexpr auto kProgressInterval = 100ms;
 constexpr double kEndReach = 0.05;  // seconds: playing from here starts over
 constexpr double kBeforeEnd = 0.01; // where a playhead beyond a new end goes
-constexpr double kUsualRate = 30;
+
+/// A tick later. Ticks add up to the camera's steps but for rounding: on one of them, or the camera
+/// would stand still in one frame and take two steps in the next.
+double afterTick(double tOut)
+{
+    constexpr double kRounding = 1e-6; // seconds
+    const double next = tOut + kTick;
+    const double step = FrameReplay::kStep * std::round(next / FrameReplay::kStep);
+    return std::abs(step - next) < kRounding ? step : next;
+}
 
 QString hint(double t, double frame)
 {
@@ -150,13 +161,22 @@ double LivePreview::playheadTimeline() const
     return m_film ? m_film->toTimeline(m_tOut) : m_tOut;
 }
 
-void LivePreview::requestFrame()
+/// A draft is followed by the frame itself when nothing newer was asked for.
+void LivePreview::requestFrame(PreviewDetail detail)
 {
     if (!m_film || m_state == State::Empty || m_state == State::Failed) {
         return;
     }
+    ++m_lastRequest;
+    if (detail == PreviewDetail::Draft) {
+        m_lastDraft = m_lastRequest;
+    }
     m_composer->request(
-        {.number = ++m_lastRequest, .film = m_film->film, .source = m_source, .tOut = m_tOut});
+        {.number = m_lastRequest,
+         .film = m_film->film,
+         .source = m_source,
+         .tOut = m_tOut,
+         .detail = detail});
 }
 
 void LivePreview::deliver(LiveFrame frame)
@@ -166,13 +186,16 @@ void LivePreview::deliver(LiveFrame frame)
     }
     m_image = std::move(frame.image);
     Q_EMIT imageChanged();
+    if (frame.number == m_lastDraft && frame.number == m_lastRequest) {
+        requestFrame();
+    }
 }
 
-void LivePreview::moveTo(double tOut)
+void LivePreview::moveTo(double tOut, PreviewDetail detail)
 {
     m_tOut = std::min(duration(), std::max(tOut, 0.0));
     Q_EMIT tOutChanged();
-    requestFrame();
+    requestFrame(detail);
 }
 
 void LivePreview::play()
@@ -194,7 +217,7 @@ void LivePreview::play()
 void LivePreview::tick()
 {
     const std::optional<double> time = m_timeSource ? m_timeSource() : std::nullopt;
-    const double next = time.value_or(m_tOut + kTick);
+    const double next = time.value_or(afterTick(m_tOut));
     if (next >= duration()) {
         moveTo(duration());
         pause();
@@ -222,7 +245,10 @@ void LivePreview::togglePlaying()
 void LivePreview::seek(double timeline)
 {
     if (m_film) {
-        moveTo(m_film->fromTimeline(timeline));
+        const bool hasWebcam = m_film->film->plan->webcam.has_value();
+        moveTo(
+            m_film->fromTimeline(timeline),
+            hasWebcam ? PreviewDetail::Draft : PreviewDetail::Exact);
         Q_EMIT sought();
     }
 }

@@ -107,9 +107,9 @@ private:
     void fail(const QString& sentence);
     void setState(State state);
     void takeFilm();
-    void moveTo(double tOut);
+    void moveTo(double tOut, PreviewDetail detail = PreviewDetail::Exact);
     void tick();
-    void requestFrame();
+    void requestFrame(PreviewDetail detail = PreviewDetail::Exact);
     void deliver(LiveFrame frame);
 
     Ports m_ports;
@@ -124,6 +124,7 @@ private:
     QImage m_image;
     QString m_scrubHint;
     std::uint64_t m_lastRequest = 0;
+    std::uint64_t m_lastDraft = 0;      // the request for a draft, if it was one
     std::uint64_t m_firstOfSession = 1; // requests before are of another recording
     TimeSource m_timeSource;
     std::unique_ptr<Timer> m_playTimer;

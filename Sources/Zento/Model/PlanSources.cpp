@@ -158,4 +158,13 @@ analyzedMusic(const SessionBundle& bundle, const SavedOverrides& edits, const st
         .end = edits.musicEnd};
 }
 
+EditPlan planAtLevels(const EditPlanner::PlanInput& input, const AppSettings& settings)
+{
+    EditPlan plan = EditPlanner::plan(input);
+    if (plan.music) {
+        plan.music->gainDb += settings.musicGainDb - AppSettings().musicGainDb;
+    }
+    return plan;
+}
+
 } // namespace zento

@@ -56,6 +56,10 @@ EditPlanner::PlanInput gatherPlanInput(
     const SavedOverrides& edits,
     const std::optional<std::string>& desktopImage);
 
+/// The planner's plan of such an input, with the user's level of the music: what the setting
+/// differs from its default is added to the planned level. Throws as the planner does.
+EditPlan planAtLevels(const EditPlanner::PlanInput& input, const AppSettings& settings);
+
 /// The bundle's music with its beats, used within the window of the edits. Nothing without a file.
 ///
 /// Reads and analyses the whole of it. Throws `Error` for music that cannot be read, which a plan

@@ -50,12 +50,13 @@ PlannedFilm planFilm(const FilmSources& sources)
         input.music->start = sources.edits.musicStart;
         input.music->end = sources.edits.musicEnd;
     }
-    auto plan = std::make_shared<const EditPlan>(EditPlanner::plan(input));
+    auto plan = std::make_shared<const EditPlan>(planAtLevels(input, sources.settings));
     auto curve = curveOf(*plan);
     PlannedFilm planned = {.timelinePlan = plan, .timelineCurve = curve};
     if (!input.overrides.removedRanges.empty()) {
         input.overrides.removedRanges.clear();
-        planned.timelinePlan = std::make_shared<const EditPlan>(EditPlanner::plan(input));
+        planned.timelinePlan =
+            std::make_shared<const EditPlan>(planAtLevels(input, sources.settings));
         planned.timelineCurve = curveOf(*planned.timelinePlan);
     }
     planned.duration = curve->outputDuration();

@@ -271,13 +271,13 @@ void RecordingLibrary::readNext(const std::shared_ptr<Listing>& listing)
             }
             return std::pair(end, std::move(part));
         },
-        [this, listing](Outcome<std::pair<std::size_t, std::vector<SessionItem>>> read) {
+        [this, listing](const Outcome<std::pair<std::size_t, std::vector<SessionItem>>>& read) {
             if (!read) {
                 finishListing(); // no memory: what is there is shown
                 return;
             }
             listing->readCount = read->first;
-            std::ranges::move(read->second, std::back_inserter(listing->items));
+            std::ranges::copy(read->second, std::back_inserter(listing->items));
             readNext(listing);
         });
 }

@@ -35,12 +35,12 @@ std::vector<QImage> readThumbnails(
     if (stop.stop_requested()) {
         return images;
     }
-    VideoSeeker seeker(movie, VideoSeeker::Accuracy::Nearby);
+    VideoSeeker seeker(movie);
     for (const double time : times) {
         if (stop.stop_requested()) {
             break;
         }
-        if (const auto frame = seeker.frame(time)) {
+        if (const auto frame = seeker.frame(time, VideoSeeker::Accuracy::Nearby)) {
             images.push_back(toImage(*frame, TimelineMedia::kThumbnailHeight));
         }
     }

@@ -17,12 +17,12 @@ struct Field {
     void (*copy)(const UndoableState& from, UndoableState& to);
 };
 
-template <auto Member>
+template <auto member>
 constexpr Field kEdit = {
     [](const UndoableState& a, const UndoableState& b) {
-        return a.edits.*Member != b.edits.*Member;
+        return a.edits.*member != b.edits.*member;
     },
-    [](const UndoableState& from, UndoableState& to) { to.edits.*Member = from.edits.*Member; }};
+    [](const UndoableState& from, UndoableState& to) { to.edits.*member = from.edits.*member; }};
 
 constexpr Field kSettingsField = {
     [](const UndoableState& a, const UndoableState& b) { return a.settings != b.settings; },

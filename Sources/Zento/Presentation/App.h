@@ -27,6 +27,8 @@ class App : public QObject {
     Q_PROPERTY(QVariant sharing READ sharing NOTIFY modelChanged)
     Q_PROPERTY(QVariant updates READ updates NOTIFY modelChanged)
     Q_PROPERTY(QVariant windows READ windows NOTIFY modelChanged)
+    Q_PROPERTY(QVariant editor READ editor NOTIFY modelChanged)
+    Q_PROPERTY(QVariant music READ music NOTIFY modelChanged)
     /// What the settings are on a fresh install, by their keys.
     Q_PROPERTY(QVariant defaults READ defaults CONSTANT)
 
@@ -47,6 +49,8 @@ public:
     QVariant sharing() const { return part("sharing"); }
     QVariant updates() const { return part("updates"); }
     QVariant windows() const { return part("windows"); }
+    QVariant editor() const { return part("editor"); }
+    QVariant music() const { return part("music"); }
     static QVariant defaults();
 
 Q_SIGNALS:

@@ -54,7 +54,7 @@ Q_SIGNALS:
 private Q_SLOTS:
     void settingChanged(const QString& group, const QString& key, const QDBusVariant& value);
 
-private:
+private: // NOLINT(readability-redundant-access-specifiers): these are no slots
     template <typename Value>
     void assign(Value& member, Value value)
     {

@@ -29,7 +29,7 @@ Q_SIGNALS:
 private Q_SLOTS:
     void answered(uint response, const QVariantMap& results);
 
-private:
+private: // NOLINT(readability-redundant-access-specifiers): these are no slots
     void ask(const QString& method, const QString& title, const QVariantMap& options);
     void listenTo(const QString& request);
 

@@ -16,9 +16,9 @@ PanelShape::PanelShape(QObject* parent)
 
 bool PanelShape::isBlended()
 {
-    static const bool isBlended =
+    static const bool kIsBlended =
         QGuiApplication::platformName() != QStringLiteral("xcb") || blendsWindows();
-    return isBlended;
+    return kIsBlended;
 }
 
 void PanelShape::setWindow(QWindow* window)

@@ -40,7 +40,8 @@ private:
 Canvas drawSwatch(const QString& id, int width, int height);
 
 /// A recording's picture: `id` is the bundle's path, percent-encoded, and behind the last slash
-/// "film" for the exported film, or "raw" for what was recorded.
+/// "film" for the exported film, with anything after it that tells its versions apart, or "raw" for
+/// what was recorded.
 Canvas drawRecording(const QString& id, int width, int height);
 
 } // namespace zento

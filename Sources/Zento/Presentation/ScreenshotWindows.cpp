@@ -13,7 +13,10 @@ namespace zento {
 
 ScreenshotWindows::ScreenshotWindows() = default;
 
-ScreenshotWindows::~ScreenshotWindows() = default;
+ScreenshotWindows::~ScreenshotWindows()
+{
+    qDeleteAll(findChildren<QQuickWindow*>(Qt::FindDirectChildrenOnly)); // before their engine
+}
 
 void ScreenshotWindows::open(ScreenshotEditor* editor)
 {
@@ -35,7 +38,7 @@ void ScreenshotWindows::open(ScreenshotEditor* editor)
                 + m_component->errorString().toStdString());
     ++m_openCount;
     window->setParent(this);
-    connect(editor, &QObject::destroyed, window, &QObject::deleteLater);
+    connect(editor, &ScreenshotEditor::closed, window, &QObject::deleteLater); // before the editor
     connect(editor, &ScreenshotEditor::closed, this, [this] {
         if (--m_openCount == 0)
             Q_EMIT lastClosed();

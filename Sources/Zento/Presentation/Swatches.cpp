@@ -162,7 +162,7 @@ Canvas drawRecording(const QString& id, int width, int height)
 {
     const std::filesystem::path bundle =
         QUrl::fromPercentEncoding(id.section(QLatin1Char('/'), 0, -2).toUtf8()).toStdString();
-    const bool isFilm = id.section(QLatin1Char('/'), -1) == QStringLiteral("film");
+    const bool isFilm = id.section(QLatin1Char('/'), -1).startsWith(QStringLiteral("film"));
     const std::filesystem::path film =
         isFilm ? std::filesystem::path(bundle).replace_extension("mp4") : bundle / "screen.mov";
     VideoDecoder decoder(film);

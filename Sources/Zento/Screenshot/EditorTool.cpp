@@ -11,10 +11,7 @@ const std::array<EditorToolEntry, kEditorToolCount>& editorTools()
 {
     using enum Annotation::Kind;
     static constexpr std::array<EditorToolEntry, kEditorToolCount> kTools{{
-        {Tool::Select{},
-         "select",
-         'v',
-         TEXT("Select — click a mark to move, resize or delete it")},
+        {Tool::Select{}, "select", 'v', TEXT("Select — click a mark to move, resize or delete it")},
         {Tool::Draw{Arrow}, "arrow", 'a', TEXT("Arrow")},
         {Tool::Draw{Line}, "line", 'l', TEXT("Line")},
         {Tool::Draw{Box}, "box", 'r', TEXT("Box")},

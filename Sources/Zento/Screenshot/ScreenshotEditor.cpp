@@ -106,8 +106,7 @@ ScreenshotEditor::~ScreenshotEditor() = default;
 
 QString ScreenshotEditor::sizeText() const
 {
-    const Rect kept =
-        AnnotationRenderer::keptArea(m_editing.document().crop, sizeOf(m_shot));
+    const Rect kept = AnnotationRenderer::keptArea(m_editing.document().crop, sizeOf(m_shot));
     return QStringLiteral("%1 × %2").arg(kept.w).arg(kept.h);
 }
 
@@ -208,8 +207,7 @@ QVariantMap ScreenshotEditor::writing() const
     }
     const ShotPlacement place = placement(look(ShotEditing::PendingText::Hidden));
     const Font font{
-        .size = kTextSize * baseLineWidth(place.kept.h) * text->width,
-        .weight = FontWeight::Bold};
+        .size = kTextSize * baseLineWidth(place.kept.h) * text->width, .weight = FontWeight::Bold};
     const Vec2 baseline{
         text->start.x, text->start.y + font.size - measureText(text->text, font).descent};
     const Vec2 point = place.toCanvas(baseline);
@@ -236,11 +234,10 @@ QVariantList ScreenshotEditor::presets() const
         QString address = swatchAddress(preset);
         if (preset.id == ShotPresets::kMatch) {
             for (const ShotPresetGroup& group : m_groups) {
-                const auto same =
-                    std::ranges::find_if(group.presets, [&](const ShotPreset& other) {
-                        return other.id != preset.id
-                               && other.style.background == preset.style.background;
-                    });
+                const auto same = std::ranges::find_if(group.presets, [&](const ShotPreset& other) {
+                    return other.id != preset.id
+                           && other.style.background == preset.style.background;
+                });
                 if (same != group.presets.end()) {
                     address = swatchAddress(*same);
                     break;
@@ -285,8 +282,7 @@ void ScreenshotEditor::redraw()
         m_ports.drawing,
         this,
         [image = m_shot.image, drawing = m_drawing, wanted]() mutable {
-            auto made = drawing ? drawing
-                                : std::make_shared<ShotDrawing>(DisplayShot::of(image));
+            auto made = drawing ? drawing : std::make_shared<ShotDrawing>(DisplayShot::of(image));
             return std::pair(made, toImage(made->draw(wanted.document, wanted.style)));
         },
         [this, wanted](auto outcome) {
@@ -520,14 +516,13 @@ void ScreenshotEditor::save(const QString& path)
 ShotExport ScreenshotEditor::shotExport()
 {
     const Look wanted = look(ShotEditing::PendingText::Shown);
-    return {
-        proposedName(), [shot = m_shot, wanted, made = m_output]() -> QByteArray {
-            if (made && made->first == wanted) {
-                return made->second;
-            }
-            auto work = [&] { return pngOf(shot, wanted.document, wanted.style); };
-            return attempt(work).value_or(QByteArray());
-        }};
+    return {proposedName(), [shot = m_shot, wanted, made = m_output]() -> QByteArray {
+                if (made && made->first == wanted) {
+                    return made->second;
+                }
+                auto work = [&] { return pngOf(shot, wanted.document, wanted.style); };
+                return attempt(work).value_or(QByteArray());
+            }};
 }
 
 void ScreenshotEditor::startDrag()

@@ -33,9 +33,9 @@ struct EditorPorts {
     StyleSpec style;                    // of the user's films: the preset "match"
     std::optional<std::string> desktop; // the desktop's picture
     std::vector<ShotPresets::Picture> wallpapers;
-    QString exportFolder; // keeps what was dragged out or shared
-    QString saveTo;       // a file that "Save" writes without asking; empty asks
-    QString doubt;        // a sentence about the shot itself; empty without one
+    QString exportFolder;  // keeps what was dragged out or shared
+    QString saveTo;        // a file that "Save" writes without asking; empty asks
+    QString doubt;         // a sentence about the shot itself; empty without one
     ShotDocument document; // what is on it already
 };
 

@@ -9,8 +9,8 @@
 #include <QTemporaryDir>
 
 #include <functional>
-#include <optional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,12 +27,13 @@ struct ScreenshotServices {
     std::function<Shot(const CaptureTarget&)> shoot;
     /// The same, of a page that is scrolled. Global points.
     std::function<ScrolledShot(const Rect&)> shootScrolling;
-    std::function<std::optional<std::string>()> desktopImage;          // blocks
-    std::function<std::vector<ShotPresets::Picture>()> wallpapers;     // blocks
+    std::function<std::optional<std::string>()> desktopImage;      // blocks
+    std::function<std::vector<ShotPresets::Picture>()> wallpapers; // blocks
 };
 
 /// Does what the actions "screenshotScreen", "screenshotWindow", "screenshotArea" and
-/// "scrollingCapture" ask for: the application's windows go out of sight, the shot is taken, its editor is opened.
+/// "scrollingCapture" ask for: the application's windows go out of sight, the shot is taken, its
+/// editor is opened.
 ///
 /// Threading: the main thread.
 class Screenshots : public QObject {

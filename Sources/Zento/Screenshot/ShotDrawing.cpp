@@ -10,12 +10,16 @@ namespace zento {
 
 DisplayShot DisplayShot::of(const std::shared_ptr<const Canvas>& image)
 {
-    if (image->width() <= kMostWidth) {
+    const double pixels = static_cast<double>(image->width()) * image->height();
+    const double scale =
+        std::min(static_cast<double>(kMostWidth) / image->width(), std::sqrt(kMostPixels / pixels));
+    if (scale >= 1) {
         return {.base = image};
     }
-    const double scale = static_cast<double>(kMostWidth) / image->width();
-    const int height = std::max(static_cast<int>(std::lround(image->height() * scale)), 1);
-    Canvas reduced(kMostWidth, height);
+    const auto reducedLength = [scale](int length) {
+        return std::max(static_cast<int>(std::lround(length * scale)), 1);
+    };
+    Canvas reduced(reducedLength(image->width()), reducedLength(image->height()));
     reduced.drawImage(*image, reduced.bounds());
     return {.base = std::make_shared<const Canvas>(std::move(reduced)), .scale = scale};
 }

@@ -13,7 +13,8 @@ namespace zento {
 
 /// A shot for the screen: a copy of few pixels, drawn as the whole image will be.
 struct DisplayShot {
-    static constexpr int kMostWidth = 1600; // pixels
+    static constexpr int kMostWidth = 1600;    // pixels
+    static constexpr double kMostPixels = 8e6; // a page that was scrolled may be very tall
 
     std::shared_ptr<const Canvas> base;
     double scale = 1; // (0, 1]: its pixels for one of the image

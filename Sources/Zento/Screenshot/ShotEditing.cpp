@@ -199,8 +199,8 @@ void ShotEditing::dragCrop(const Gesture& gesture, Vec2 point)
     };
     const Vec2 a = inside(gesture.start);
     const Vec2 b = inside(point);
-    m_cropDraft = Rect{
-        std::min(a.x, b.x), std::min(a.y, b.y), std::abs(a.x - b.x), std::abs(a.y - b.y)};
+    m_cropDraft =
+        Rect{std::min(a.x, b.x), std::min(a.y, b.y), std::abs(a.x - b.x), std::abs(a.y - b.y)};
 }
 
 void ShotEditing::release(Vec2 point)

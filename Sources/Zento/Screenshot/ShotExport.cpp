@@ -52,8 +52,7 @@ QByteArray ShotMimeData::fileList() const
     if (m_uris.isEmpty() && !png().isEmpty()) {
         const QString path = QDir(m_folder).filePath(m_shot.name);
         QSaveFile file(path);
-        if (file.open(QIODevice::WriteOnly) && file.write(m_png) == m_png.size()
-            && file.commit()) {
+        if (file.open(QIODevice::WriteOnly) && file.write(m_png) == m_png.size() && file.commit()) {
             m_uris = QUrl::fromLocalFile(path).toEncoded() + "\r\n";
         }
     }

@@ -41,8 +41,8 @@ struct Picture {
     std::filesystem::path path;
     std::string name;
 };
-std::vector<ShotPreset> wallpapers(
-    const std::optional<std::string>& desktopImage, std::span<const Picture> pictures);
+std::vector<ShotPreset>
+wallpapers(const std::optional<std::string>& desktopImage, std::span<const Picture> pictures);
 
 /// "match" and the fixed looks first, then the catalogue of backgrounds as looks.
 std::vector<ShotPresetGroup> groups(const StyleSpec& style, std::vector<ShotPreset> wallpapers);

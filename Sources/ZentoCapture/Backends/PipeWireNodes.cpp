@@ -82,7 +82,8 @@ void PipeWireNodes::State::added(
             {.id = id,
              .serial = property(properties, PW_KEY_OBJECT_SERIAL),
              .name = property(properties, PW_KEY_NODE_NAME),
-             .mediaClass = property(properties, PW_KEY_MEDIA_CLASS)});
+             .mediaClass = property(properties, PW_KEY_MEDIA_CLASS),
+             .description = property(properties, PW_KEY_NODE_DESCRIPTION)});
     } else {
         state.links.push_back(
             {.id = id,

@@ -18,6 +18,7 @@ struct PipeWireNode {
     std::string serial; // its number, never used again
     std::string name;   // the same when it is plugged in again
     std::string mediaClass;
+    std::string description; // for people; may be empty
 
     bool isMicrophone() const; // an output's monitor is none
     bool isCamera() const;

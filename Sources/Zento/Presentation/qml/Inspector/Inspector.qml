@@ -13,6 +13,7 @@ FocusScope {
 
     signal picked(string tab)
     signal aboutRequested()
+    signal musicRequested(string way)
 
     width: Theme.sizeInspectorBody + Theme.sizeInspectorRail
     Loader {
@@ -31,7 +32,7 @@ FocusScope {
     Component { id: look; LookPane {} }
     Component { id: edit; EditPane {} }
     Component { id: pointer; PointerPane {} }
-    Component { id: sound; SoundPane {} }
+    Component { id: sound; SoundPane { onMusicRequested: way => inspector.musicRequested(way) } }
     Component { id: webcam; WebcamPane {} }
     Component { id: text; TextPane {} }
     Component { id: share; SharePane {} }

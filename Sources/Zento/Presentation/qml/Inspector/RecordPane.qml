@@ -17,7 +17,10 @@ Pane {
     }
 
     title: qsTr("Record")
-    Component.onCompleted: App.model.refreshActions()
+    Component.onCompleted: {
+        App.model.refreshActions()
+        App.model.refreshDevices()
+    }
     Section {
         title: qsTr("With the screen")
         ToggleRow {

@@ -5,10 +5,109 @@ Pane {
     id: pane
 
     readonly property var settings: App.settings
+    readonly property var music: App.music
+    readonly property bool hasRecording: (App.library.selectedItem.path ?? "").length > 0
+
+    signal musicRequested(string way)
 
     title: qsTr("Sound")
     Section {
         title: qsTr("Music")
+        Rectangle {
+            width: parent.width
+            height: 52
+            visible: pane.music.name.length > 0
+            radius: Theme.radiusControl
+            color: Theme.control
+            Icon {
+                x: 14
+                anchors.verticalCenter: parent.verticalCenter
+                name: "music"
+                color: Theme.textSecondary
+            }
+            Column {
+                x: 44
+                anchors.verticalCenter: parent.verticalCenter
+                width: parent.width - x - 40
+                Label {
+                    width: parent.width
+                    text: pane.music.name
+                    elide: Text.ElideRight
+                    Accessible.role: Accessible.StaticText
+                    Accessible.name: text
+                }
+                Caption {
+                    readonly property int seconds: Math.round(pane.music.duration)
+
+                    width: parent.width
+                    visible: seconds > 0
+                    text: Math.floor(seconds / 60) + ":" + String(seconds % 60).padStart(2, "0")
+                }
+            }
+            IconButton {
+                anchors.right: parent.right
+                anchors.rightMargin: 8
+                anchors.verticalCenter: parent.verticalCenter
+                side: 28
+                iconName: "close"
+                text: qsTr("Remove music")
+                onClicked: pane.music.remove()
+            }
+        }
+        Gap {
+            size: 8
+            visible: pane.music.name.length > 0
+        }
+        Row {
+            spacing: 8
+            Button {
+                size: Button.Small
+                iconName: "folder"
+                text: qsTr("Choose file…")
+                enabled: pane.hasRecording
+                onClicked: musicChooser.open(qsTr("Choose music"))
+            }
+            Button {
+                size: Button.Small
+                iconName: "search"
+                text: qsTr("Find music…")
+                enabled: pane.hasRecording
+                onClicked: pane.musicRequested("made")
+            }
+        }
+        FileChooser {
+            id: musicChooser
+
+            onChosen: path => pane.music.useFile(path)
+            onFailed: sentence => App.messages.errorMessage = sentence
+        }
+        Gap { size: 8 }
+        Column {
+            width: parent.width
+            visible: pane.music.credit.length > 0
+            spacing: 6
+            Caption {
+                width: parent.width
+                text: pane.music.credit
+                wrapMode: Text.Wrap
+            }
+            Button {
+                size: Button.Small
+                iconName: "copy"
+                text: qsTr("Copy credit")
+                onClicked: {
+                    clipboard.text = pane.music.credit
+                    clipboard.selectAll()
+                    clipboard.copy()
+                }
+            }
+            TextEdit {
+                id: clipboard
+
+                visible: false
+            }
+            Gap { size: 4 }
+        }
         ValueSlider {
             width: parent.width
             label: qsTr("Level")

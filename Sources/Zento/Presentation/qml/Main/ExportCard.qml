@@ -11,7 +11,7 @@ Item {
 
     // "1 486": thousands apart, as times and sizes are written elsewhere.
     function count(number) {
-        return String(number).replace(/\B(?=(\d{3})+$)/g, " ")
+        return String(number).replace(/\B(?=(\d{3})+$)/g, "\u2009")
     }
     function remaining(seconds) {
         return seconds >= 90 ? qsTr("about %1 min left").arg(Math.round(seconds / 60))
@@ -37,7 +37,7 @@ Item {
     Column {
         x: 100
         y: 14
-        width: 190
+        width: 200
         Label {
             id: heading
 

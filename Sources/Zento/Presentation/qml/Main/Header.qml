@@ -147,6 +147,7 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             visible: header.isExporting
             leftPadding: 38
+            rightPadding: 12
             text: qsTr("Exporting %1 %").arg(Math.floor(App.recording.progress * 100 + 0.001))
             onClicked: header.exportRequested()
             Ring {

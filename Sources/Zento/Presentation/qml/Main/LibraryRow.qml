@@ -54,7 +54,7 @@ T.ItemDelegate {
             width: row.folded ? 56 : 72
             height: row.folded ? 36 : 44
             path: row.path
-            version: row.hasRender ? "film" : "raw"
+            version: row.hasRender ? "film?" + App.filmExport.renderGeneration : "raw"
             Rectangle {
                 anchors.fill: parent
                 anchors.margins: row.folded && row.isSelected ? -4 : -1

@@ -13,6 +13,10 @@ FocusScope {
 
     signal libraryToggled()
 
+    function openMusic(way) {
+        musicSheet.way = way
+        musicSheet.open()
+    }
     function openExport() {
         if (App.library.selectedItem.path !== undefined && App.recording.phase === Phase.Idle)
             exportSheet.open()
@@ -24,6 +28,29 @@ FocusScope {
     }
 
     focus: true
+    Keys.onPressed: event => {
+        const preview = App.editor ? App.editor.preview : null
+        const shift = event.modifiers & Qt.ShiftModifier
+        event.accepted = preview !== null && (event.modifiers & ~Qt.ShiftModifier) === Qt.NoModifier
+        if (!event.accepted)
+            return
+        if (event.key === Qt.Key_Space)
+            preview.togglePlaying()
+        else if (event.key === Qt.Key_Left || event.key === Qt.Key_Right) {
+            const forwards = event.key === Qt.Key_Right ? 1 : -1
+            if (shift)
+                preview.skip(5 * forwards)
+            else
+                preview.step(forwards)
+        } else if (event.key === Qt.Key_Home)
+            preview.seekToStart()
+        else if (event.key === Qt.Key_End)
+            preview.seekToEnd()
+        else if (event.key === Qt.Key_Z)
+            App.editor.timeline.addZoomAtPlayhead()
+        else
+            event.accepted = false
+    }
     Header {
         id: header
 
@@ -65,6 +92,7 @@ FocusScope {
             anchors.bottom: timelineSlot.top
             anchors.bottomMargin: 8
             width: parent.width
+            onExportRequested: content.openExport()
         }
         TimelineSlot {
             id: timelineSlot
@@ -93,6 +121,7 @@ FocusScope {
         tab: App.model.inspectorTab
         onPicked: tab => App.model.inspectorTab = tab
         onAboutRequested: content.openAbout()
+        onMusicRequested: way => content.openMusic(way)
     }
     WelcomeSheet {
         visible: App.model.showWelcome
@@ -100,6 +129,7 @@ FocusScope {
         onRecordRequested: App.recording.recordDisplay()
     }
     ExportSheet { id: exportSheet }
+    MusicSheet { id: musicSheet }
     QuestionSheet {}
     AboutWindow { id: about }
     WindowShortcuts {

@@ -10,8 +10,9 @@ Window {
     property alias film: content.film
     property alias timeline: content.timeline
 
-    width: 1440
-    height: 900
+    // With room for the frame that the window manager puts around it.
+    width: Math.max(minimumWidth, Math.min(1440, Screen.width))
+    height: Math.max(minimumHeight, Math.min(900, Screen.height - 56))
     minimumWidth: Theme.sizeWindowMinWidth
     minimumHeight: Theme.sizeWindowMinHeight
     title: App.library.selectedItem.name !== undefined ? qsTr("%1 — Zento").arg(App.library.selectedItem.name) : qsTr("Zento")

@@ -6,7 +6,7 @@ Item {
     id: picture
 
     property string path
-    property string version: "raw" // or "film": of the recording, or of what was exported
+    property string version: "raw" // or "film?" and a number: of what was exported, anew with each
     property real radius: 6
 
     Rectangle {

@@ -6,7 +6,12 @@ import Zento
 Rectangle {
     id: stage
 
-    property Component film
+    property Component film: App.editor ? liveFilm : null
+    readonly property var preview: App.editor ? App.editor.preview : null
+    readonly property bool hasFilm: preview !== null && preview.duration > 0
+
+    signal exportRequested()
+
     readonly property var item: App.library.selectedItem
     readonly property bool hasItem: item.path !== undefined
     readonly property real aspect: App.settings.aspect === "9:16" ? 9 / 16 : App.settings.aspect === "1:1" ? 1 : 16 / 9
@@ -72,6 +77,18 @@ Rectangle {
         }
     }
     Component {
+        id: liveFilm
+
+        LiveFilm {}
+    }
+    Loader {
+        anchors.horizontalCenter: parent.horizontalCenter
+        y: 8
+        active: stage.hasItem && stage.item.hasRender === true && App.editor !== undefined
+            && App.editor.session.isRenderStale && !App.editor.session.isStaleDismissed
+        sourceComponent: StaleNotice { onExportRequested: stage.exportRequested() }
+    }
+    Component {
         id: still
 
         StillFrame { item: stage.item }
@@ -94,10 +111,31 @@ Rectangle {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
-        duration: stage.item.duration ?? 0
-        enabled: false
+        time: stage.preview?.tOut ?? 0
+        duration: stage.hasFilm ? stage.preview.duration : stage.item.duration ?? 0
+        playing: stage.preview?.isPlaying ?? false
+        enabled: stage.hasFilm
+        onToggled: stage.preview.togglePlaying()
+        onStepped: frames => stage.preview.step(frames)
+        onSkipped: seconds => stage.preview.skip(seconds)
+    }
+    Row {
+        anchors.right: aspectMenu.left
+        anchors.rightMargin: 16
+        anchors.verticalCenter: aspectMenu.verticalCenter
+        visible: stage.preview !== null && stage.width > 640
+        spacing: 6
+        Icon {
+            anchors.verticalCenter: parent.verticalCenter
+            name: "speaker-off"
+            size: Theme.sizeIconSmall
+            color: Theme.textTertiary
+        }
+        Caption { text: qsTr("Silent preview") }
     }
     AspectMenu {
+        id: aspectMenu
+
         anchors.right: parent.right
         anchors.rightMargin: 16
         anchors.bottom: parent.bottom

@@ -5,7 +5,7 @@ import Zento
 Rectangle {
     id: slot
 
-    property Component timeline
+    property Component timeline: App.editor && App.library.selectedItem.path !== undefined ? strips : null
     readonly property var lanes: [
         { icon: "film", name: qsTr("Video"), y: 24, height: 56 },
         { icon: "zoom", name: qsTr("Zooms"), y: 84, height: 32 },
@@ -26,6 +26,11 @@ Rectangle {
         anchors.leftMargin: Theme.timelinePadding
         anchors.rightMargin: Theme.timelinePadding
         sourceComponent: slot.timeline ?? empty
+    }
+    Component {
+        id: strips
+
+        Timeline {}
     }
     Component {
         id: empty

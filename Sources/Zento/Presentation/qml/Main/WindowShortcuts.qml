@@ -34,6 +34,16 @@ Item {
             onActivated: shortcuts.run(modelData)
         }
     }
+    Shortcut {
+        enabled: App.model.canUndo ?? false
+        sequences: [StandardKey.Undo]
+        onActivated: App.model.undo()
+    }
+    Shortcut {
+        enabled: App.model.canRedo ?? false
+        sequences: ["Ctrl+Shift+Z", "Ctrl+Y"]
+        onActivated: App.model.redo()
+    }
     Instantiator {
         model: 9
         delegate: Shortcut {

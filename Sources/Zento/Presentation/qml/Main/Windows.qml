@@ -15,8 +15,9 @@ QtObject {
 
             visible: !App.recording.isApplicationHidden
             onClosing: close => {
-                close.accepted = false
-                App.model.closeWindow()
+                close.accepted = App.model.isEnding === true
+                if (!close.accepted)
+                    App.model.closeWindow()
             }
         },
         FloatingWindow {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ZentoCore/Error.h"
-#include "ZentoRender/ScratchFile.h"
+#include "ZentoCore/ScratchFile.h"
 
 #include <filesystem>
 

@@ -1,7 +1,8 @@
-#include "ZentoRender/PartFile.h"
+#include "ZentoCore/PartFile.h"
+
+#include "ZentoCore/FileIO.h"
 
 #include <string>
-#include <system_error>
 #include <utility>
 
 namespace zento {
@@ -14,10 +15,7 @@ PartFile::PartFile(std::filesystem::path target)
 
 void PartFile::renameToTarget()
 {
-    std::error_code error;
-    std::filesystem::rename(path(), m_target, error);
-    if (error)
-        throw systemError("Cannot replace", m_target.string(), error.value());
+    replaceFile(path(), m_target);
 }
 
 Error renamed(

@@ -1,4 +1,4 @@
-#include "ZentoRender/ScratchFile.h"
+#include "ZentoCore/ScratchFile.h"
 
 #include <system_error>
 #include <utility>

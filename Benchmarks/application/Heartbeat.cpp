@@ -1,0 +1,46 @@
+#include "Heartbeat.h"
+
+#include <ctime>
+#include <utility>
+
+namespace zento::bench {
+
+namespace {
+
+double threadMilliseconds()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+}
+
+} // namespace
+
+Heartbeat::Heartbeat()
+    : m_last(std::chrono::steady_clock::now())
+    , m_lastWork(threadMilliseconds())
+{
+    m_timer.setTimerType(Qt::PreciseTimer);
+    m_timer.setInterval(1);
+    connect(&m_timer, &QTimer::timeout, this, &Heartbeat::beat);
+    m_timer.start();
+}
+
+void Heartbeat::beat()
+{
+    const auto now = std::chrono::steady_clock::now();
+    const double work = threadMilliseconds();
+    const std::chrono::duration<double, std::milli> away = now - std::exchange(m_last, now);
+    const double own = work - std::exchange(m_lastWork, work);
+    if (away.count() > m_longest.milliseconds) {
+        m_longest = {away.count(), own};
+    }
+}
+
+Heartbeat::Pause Heartbeat::takeLongest()
+{
+    beat();
+    return std::exchange(m_longest, {});
+}
+
+} // namespace zento::bench

@@ -1,0 +1,147 @@
+#include "Visit.h"
+
+#include "Heartbeat.h"
+#include "Zento/Desktop/ApplicationHost.h"
+#include "Zento/Presentation/Windows.h"
+
+#include <QGuiApplication>
+#include <QQuickWindow>
+#include <QTimer>
+
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace zento::bench {
+
+namespace {
+
+using Phase = RecordingFlow::Phase;
+
+/// The application as `main` opens it.
+struct Application {
+    Application(int& argc, char** argv)
+        : qt(argc, argv)
+    {
+        QGuiApplication::setApplicationName(QStringLiteral("Zento"));
+        if (!host.claim()) {
+            std::exit(1); // NOLINT(concurrency-mt-unsafe): another one on this stage is a fault
+        }
+        windows.emplace(&host.model());
+    }
+
+    /// Calls `shown` once, when the window has drawn the complete library.
+    void onShown(std::function<void()> shown)
+    {
+        QObject::connect(
+            windows->mainWindow(),
+            &QQuickWindow::frameSwapped,
+            &host,
+            [this, shown = std::move(shown)] {
+                const RecordingLibrary& library = *host.model().library();
+                if (!library.isLoading() && library.totalCount() > 0 && !isShown) {
+                    isShown = true;
+                    shown();
+                }
+            });
+    }
+
+    QGuiApplication qt;
+    ApplicationHost host;
+    std::optional<Windows> windows;
+    bool isShown = false;
+};
+
+/// Acts one after the other, each beginning when the one before it has ended.
+class Course : public QObject {
+public:
+    struct Act {
+        const char* name;
+        std::function<void()> begin;
+        std::function<bool()> isOver;
+    };
+
+    explicit Course(std::vector<Act> acts)
+        : m_acts(std::move(acts))
+    {
+        m_timer.setInterval(5);
+        connect(&m_timer, &QTimer::timeout, this, &Course::look);
+    }
+
+    void begin()
+    {
+        m_heartbeat.takeLongest();
+        m_acts.front().begin();
+        m_timer.start();
+    }
+
+private:
+    void look()
+    {
+        if (!m_acts[m_index].isOver()) {
+            return;
+        }
+        const Heartbeat::Pause pause = m_heartbeat.takeLongest();
+        std::printf("%s %.1f %.1f\n", m_acts[m_index].name, pause.milliseconds, pause.work);
+        std::fflush(stdout);
+        if (++m_index == m_acts.size()) {
+            QCoreApplication::quit();
+            m_timer.stop();
+        } else {
+            m_acts[m_index].begin();
+        }
+    }
+
+    std::vector<Act> m_acts;
+    std::size_t m_index = 0;
+    QTimer m_timer;
+    Heartbeat m_heartbeat;
+};
+
+} // namespace
+
+int visitStart(int argc, char** argv)
+{
+    Application application(argc, argv);
+    application.onShown([] {
+        const char* const begun = std::getenv("ZENTO_BENCH_BEGUN"); // NOLINT(concurrency-mt-unsafe)
+        const std::chrono::nanoseconds then(begun == nullptr ? 0 : std::atoll(begun)); // NOLINT
+        const std::chrono::duration<double> took =
+            std::chrono::steady_clock::now().time_since_epoch() - then;
+        std::printf("start %.3f\n", took.count());
+        std::fflush(stdout);
+        QCoreApplication::quit();
+    });
+    application.host.start();
+    return QGuiApplication::exec();
+}
+
+int visitPauses(int argc, char** argv)
+{
+    constexpr std::chrono::seconds kRecorded{5};
+    Application application(argc, argv);
+    AppModel& model = application.host.model();
+    bool isListed = false;
+    std::chrono::steady_clock::time_point begun;
+    const auto isIdle = [&] { return model.recording()->phase() == Phase::Idle; };
+    Course course(
+        {{"listing",
+          [&] { model.library()->refresh([&] { isListed = true; }); },
+          [&] { return isListed; }},
+         {"recording",
+          [&] {
+              begun = std::chrono::steady_clock::now();
+              model.recording()->recordDisplay();
+          },
+          [&] { return std::chrono::steady_clock::now() - begun > kRecorded; }},
+         {"stopping", [&] { model.recording()->stopRecording(); }, isIdle},
+         {"exporting", [&] { model.filmExport()->start(); }, isIdle}});
+    // The window's first pictures are the start's.
+    application.onShown([&] { QTimer::singleShot(1000, &course, &Course::begin); });
+    application.host.start();
+    return QGuiApplication::exec();
+}
+
+} // namespace zento::bench

@@ -1,0 +1,154 @@
+import QtQuick
+import Zento
+
+// The film's pictures, its cuts, and the trim with its two handles.
+FocusScope {
+    id: track
+
+    property var line
+    property var clock
+
+    Item {
+        anchors.fill: parent
+        clip: true
+        Rectangle {
+            anchors.fill: parent
+            radius: 6
+            color: Theme.well
+        }
+        ThumbnailStrip {
+            anchors.fill: parent
+            media: App.editor.media
+            opacity: Theme.dark ? 0.74 : 1
+        }
+        Removed {
+            width: track.line.trimStartX
+            height: parent.height
+        }
+        Removed {
+            x: track.line.trimEndX
+            width: parent.width - x
+            height: parent.height
+        }
+    }
+    Repeater {
+        model: track.line.cuts
+        delegate: Item {
+            id: cut
+
+            required property real modelData
+
+            x: Math.round(modelData)
+            height: track.height
+            Repeater {
+                model: 8
+                delegate: Rectangle {
+                    required property int index
+
+                    y: index * 7 + 2
+                    width: 1
+                    height: 4
+                    color: Theme.primary
+                }
+            }
+            Rectangle {
+                x: -3
+                y: -3
+                width: 6
+                height: 6
+                rotation: 45
+                color: Theme.textTertiary
+            }
+        }
+    }
+    Rectangle { // what is kept
+        x: track.line.trimStartX
+        width: Math.max(0, track.line.trimEndX - x)
+        height: parent.height
+        visible: track.line.duration > 0
+        color: "transparent"
+        border.width: 2
+        border.color: Theme.primary
+    }
+    MouseArea {
+        anchors.fill: parent
+        anchors.leftMargin: -Theme.timelineTrimHandle
+        anchors.rightMargin: -Theme.timelineTrimHandle
+        preventStealing: true
+        hoverEnabled: true
+        acceptedButtons: Qt.LeftButton | Qt.RightButton
+        cursorShape: {
+            const x = mouseX - Theme.timelineTrimHandle
+            const reach = Theme.timelineTrimHit / 2
+            return Math.abs(x - track.line.trimStartX) < reach || Math.abs(x - track.line.trimEndX) < reach
+                ? Qt.SizeHorCursor : Qt.ArrowCursor
+        }
+        onPressed: mouse => {
+            if (mouse.button === Qt.RightButton)
+                menu.popup(mouse.x, mouse.y)
+            else
+                track.line.pressVideo(mouse.x - Theme.timelineTrimHandle)
+        }
+        onPositionChanged: mouse => {
+            if (mouse.buttons & Qt.LeftButton)
+                track.line.dragVideo(mouse.x - Theme.timelineTrimHandle)
+        }
+        onReleased: track.line.releaseVideo()
+        onCanceled: track.line.releaseVideo()
+        Menu {
+            id: menu
+
+            MenuItem {
+                text: qsTr("Reset trim")
+                enabled: track.line.isTrimmed
+                onTriggered: track.line.resetTrim()
+            }
+        }
+    }
+    TrimHandle {
+        x: track.line.trimStartX - width
+        height: parent.height
+        visible: track.line.duration > 0
+        name: qsTr("Start of the film")
+        time: track.clock(track.line.trimStartTime)
+        onNudged: seconds => track.line.nudgeTrim("start", seconds)
+    }
+    TrimHandle {
+        x: track.line.trimEndX
+        height: parent.height
+        visible: track.line.duration > 0
+        name: qsTr("End of the film")
+        time: track.clock(track.line.trimEndTime)
+        onNudged: seconds => track.line.nudgeTrim("end", seconds)
+    }
+    TimeBubble {
+        visible: track.line.trimDrag.length > 0
+        y: -24
+        limit: track.width
+        centerX: track.line.trimDrag === "end" ? track.line.trimEndX : track.line.trimStartX
+        text: track.clock(track.line.trimDrag === "end" ? track.line.trimEndTime : track.line.trimStartTime)
+    }
+    Keys.onEscapePressed: event => {
+        event.accepted = track.line.trimDrag.length > 0
+        track.line.cancelDrag()
+    }
+
+    component Removed: Canvas {
+        visible: width > 0
+        onWidthChanged: requestPaint()
+        onPaint: {
+            const ink = getContext("2d")
+            ink.reset()
+            ink.fillStyle = Qt.rgba(Theme.base.r, Theme.base.g, Theme.base.b, 0.72)
+            ink.fillRect(0, 0, width, height)
+            ink.strokeStyle = Theme.lineStrong
+            ink.lineWidth = 3
+            ink.beginPath()
+            for (let x = -height; x < width + height; x += 10) {
+                ink.moveTo(x, height)
+                ink.lineTo(x + height, 0)
+            }
+            ink.stroke()
+        }
+    }
+}

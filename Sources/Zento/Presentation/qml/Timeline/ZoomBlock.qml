@@ -1,0 +1,85 @@
+import QtQuick
+import Zento
+
+// One zoom of the lane, to look at.
+Item {
+    id: block
+
+    property var zoom
+    property bool isHovered: false
+    property bool isFocused: false
+    property bool isLifted: false
+
+    Rectangle {
+        anchors.fill: parent
+        visible: block.zoom.enabled
+        radius: 6
+        color: Qt.rgba(Theme.accentFill.r, Theme.accentFill.g, Theme.accentFill.b, 0.28 + 0.72 * block.zoom.tint)
+        border.width: 1
+        border.color: block.isHovered || block.isLifted ? Theme.accent : Theme.laneZoom
+    }
+    Canvas {
+        anchors.fill: parent
+        visible: !block.zoom.enabled
+        onWidthChanged: requestPaint()
+        onPaint: {
+            const ink = getContext("2d")
+            ink.reset()
+            ink.strokeStyle = Theme.textTertiary
+            ink.setLineDash([3, 2])
+            ink.beginPath()
+            ink.roundedRect(0.5, 0.5, width - 1, height - 1, 6, 6)
+            ink.stroke()
+        }
+    }
+    Row {
+        anchors.verticalCenter: parent.verticalCenter
+        x: 10
+        spacing: 6
+        visible: block.width >= 40
+        Rectangle {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: block.zoom.edited && !block.zoom.added
+            width: 6
+            height: 6
+            radius: 3
+            color: level.color
+        }
+        Icon {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: block.zoom.added && block.width >= 56
+            name: "plus"
+            size: 12
+            color: level.color
+        }
+        Label {
+            id: level
+
+            text: block.zoom.zoom + "×"
+            type: Theme.timeType
+            color: block.zoom.enabled ? Theme.inkOnAccentFill : Theme.textTertiary
+            Accessible.ignored: true
+        }
+        Label {
+            visible: block.width >= 72 && text.length > 0
+            width: Math.max(0, Math.min(implicitWidth, block.width - x - 20))
+            text: block.zoom.title
+            type: Theme.labelType
+            color: level.color
+            Accessible.ignored: true
+        }
+    }
+    Rectangle {
+        visible: block.isHovered && block.width >= 20
+        x: parent.width - 6
+        anchors.verticalCenter: parent.verticalCenter
+        width: 2
+        height: 14
+        radius: 1
+        color: Theme.inkOnAccentFill
+    }
+    FocusRing {
+        visible: block.isFocused
+        targetRadius: 6
+    }
+}

@@ -22,35 +22,6 @@ constexpr double kNominalFPS = 60; // whatever rate arrives
 /// How often the poll looks after a recorded window: 20 times a second.
 constexpr int kTicksPerWindowRefresh = 6;
 
-<<<<<<< HEAD
-void createFolder(const std::filesystem::path& path)
-{
-    std::error_code error;
-    std::filesystem::create_directories(path, error);
-    if (error) {
-        throw systemError("could not create", path.string(), error.value());
-    }
-=======
-/// The display a target lies on, by its id. `window` for a window's recording.
-std::optional<std::uint32_t> targetDisplay(
-    const CaptureTarget& target,
-    const std::optional<WindowInfo>& window,
-    std::span<const DisplayInfo> displays,
-    Desktop& desktop)
-{
-    if (window) {
-        return displayID(window->frame.center(), displays);
-    }
-    if (const auto* screen = std::get_if<Target::Screen>(&target)) {
-        return screen->displayID;
-    }
-    if (const auto* area = std::get_if<Target::Area>(&target)) {
-        return displayID(area->rect.center(), displays);
-    }
-    return displayIDUnderCursor(desktop, displays);
->>>>>>> main
-}
-
 } // namespace
 
 CaptureSession::CaptureSession(

@@ -15,6 +15,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -32,6 +34,11 @@ QRectF qRect(const Rect& rect)
 QPointF qPoint(Vec2 point)
 {
     return {point.x, point.y};
+}
+
+QString qString(std::string_view text)
+{
+    return QString::fromStdString(std::string(text));
 }
 
 QImage toImage(const Canvas& canvas)
@@ -115,24 +122,23 @@ QVariantList ScreenshotEditor::tools()
     QVariantList list;
     for (const EditorToolEntry& entry : editorTools()) {
         list.append(QVariantMap{
-            {"id", QString::fromUtf8(entry.id.data(), std::ssize(entry.id))},
+            {"id", qString(entry.id)},
             {"key", QString(QLatin1Char(entry.key)).toUpper()},
-            {"help", tr(entry.help.data())}});
+            {"help", tr(std::string(entry.help).c_str())}});
     }
     return list;
 }
 
 QString ScreenshotEditor::tool() const
 {
-    const std::string_view id = entry(m_editing.tool()).id;
-    return QString::fromUtf8(id.data(), std::ssize(id));
+    return qString(entry(m_editing.tool()).id);
 }
 
 QStringList ScreenshotEditor::palette()
 {
     QStringList list;
     for (const std::string_view color : AnnotationRenderer::kPalette) {
-        list.append(QString::fromUtf8(color.data(), std::ssize(color)));
+        list.append(qString(color));
     }
     return list;
 }
@@ -453,7 +459,7 @@ bool ScreenshotEditor::escape()
 /// Hands the finished picture to `use`: on the main thread, at once or later. One that cannot be
 /// made is passed over.
 template <typename Use>
-void ScreenshotEditor::produce(Use use)
+void ScreenshotEditor::produce(const Use& use)
 {
     const Look wanted = look(ShotEditing::PendingText::Shown);
     if (m_output && m_output->first == wanted) {

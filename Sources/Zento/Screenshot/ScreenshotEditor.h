@@ -178,7 +178,7 @@ private:
     void redraw();
     void drawn(const Look& look, Outcome<QImage> picture);
     template <typename Use>
-    void produce(Use use);
+    void produce(const Use& use);
     void shareWith(void (*share)(ScreenshotEditor&, const QString& path));
     void note(const QString& note);
     void finishIfClosed();

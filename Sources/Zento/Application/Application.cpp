@@ -57,7 +57,7 @@ ScrolledShot shootScrolling(const Rect& area)
 
 /// The threads of screenshots, and what connects them to the application.
 struct ScreenshotParts {
-    explicit ScreenshotParts(AppModel& app)
+    ScreenshotParts(AppModel& app, QQmlEngine& engine)
         : screenshots(
               app,
               {.shooting = shooting,
@@ -73,6 +73,7 @@ struct ScreenshotParts {
                .shootScrolling = shootScrolling,
                .desktopImage = desktopImage,
                .wallpapers = desktopPictures})
+        , windows(&engine)
     {
         QObject::connect(&screenshots, &Screenshots::opened, &windows, &ScreenshotWindows::open);
     }
@@ -112,7 +113,7 @@ int runApplication(int argc, char** argv)
         if (!host.claim())
             return 0;
         const Windows windows(&host.model());
-        const ScreenshotParts screenshots(host.model());
+        const ScreenshotParts screenshots(host.model(), windows.engine());
         host.start(interruption.token());
         return QGuiApplication::exec();
     } catch (const std::exception& error) {

@@ -11,7 +11,10 @@
 
 namespace zento {
 
-ScreenshotWindows::ScreenshotWindows() = default;
+ScreenshotWindows::ScreenshotWindows(QQmlEngine* engine)
+    : m_engine(engine)
+{
+}
 
 ScreenshotWindows::~ScreenshotWindows()
 {
@@ -21,14 +24,16 @@ ScreenshotWindows::~ScreenshotWindows()
 void ScreenshotWindows::open(ScreenshotEditor* editor)
 {
     if (!m_engine) {
-        m_engine = std::make_unique<QQmlEngine>();
+        m_own = std::make_unique<QQmlEngine>();
+        m_engine = m_own.get();
         prepareEngine(*m_engine, nullptr);
         appearance(*m_engine)->followDesktop();
         QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
-        m_component = std::make_unique<QQmlComponent>(
-            m_engine.get(),
-            QUrl(QStringLiteral("qrc:/qt/qml/Zento/qml/Screenshot/ScreenshotWindow.qml")));
     }
+    if (!m_component)
+        m_component = std::make_unique<QQmlComponent>(
+            m_engine,
+            QUrl(QStringLiteral("qrc:/qt/qml/Zento/qml/Screenshot/ScreenshotWindow.qml")));
     QObject* const window = m_component->createWithInitialProperties(
         {{QStringLiteral("editor"), QVariant::fromValue<QObject*>(editor)}});
     if (!window)

@@ -18,7 +18,8 @@ class ScreenshotWindows : public QObject {
     Q_OBJECT
 
 public:
-    ScreenshotWindows();
+    /// On an engine that is prepared and outlives them; without one they make their own.
+    explicit ScreenshotWindows(QQmlEngine* engine = nullptr);
     ~ScreenshotWindows() override;
 
     /// Shows the editor in front of everything else; the window that the user closes closes it.
@@ -28,7 +29,8 @@ Q_SIGNALS:
     void lastClosed();
 
 private:
-    std::unique_ptr<QQmlEngine> m_engine; // made for the first
+    QQmlEngine* m_engine;
+    std::unique_ptr<QQmlEngine> m_own; // made for the first, if none was given
     std::unique_ptr<QQmlComponent> m_component;
     int m_openCount = 0;
 };

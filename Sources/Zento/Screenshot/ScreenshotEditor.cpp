@@ -41,6 +41,16 @@ QString qString(std::string_view text)
     return QString::fromStdString(std::string(text));
 }
 
+/// A picture that is shown at less than half its size is averaged here: the view looks at four
+/// neighbours only.
+QImage reduced(QImage picture, const QSize& size)
+{
+    if (picture.width() <= 2 * size.width() || size.isEmpty()) {
+        return picture;
+    }
+    return picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
 QImage toImage(const Canvas& canvas)
 {
     QImage image(canvas.width(), canvas.height(), QImage::Format_ARGB32_Premultiplied);
@@ -156,6 +166,12 @@ ShotPlacement ScreenshotEditor::placement(const Look& look) const
         look.style,
         {m_viewSize.width(), m_viewSize.height()},
         1 / m_density};
+}
+
+QSizeF ScreenshotEditor::pictureSize(const Look& look) const
+{
+    const Rect picture = placement(look).picture;
+    return {picture.w, picture.h};
 }
 
 Vec2 ScreenshotEditor::raw(const QPointF& point) const
@@ -280,16 +296,20 @@ void ScreenshotEditor::restyled()
 void ScreenshotEditor::redraw()
 {
     Look wanted = look(ShotEditing::PendingText::Hidden);
-    if (m_underWay || (m_pictured && *m_pictured == wanted)) {
+    const QSize size = (pictureSize(wanted) * m_density).toSize();
+    const bool isThere = m_pictured && *m_pictured == wanted && m_picturedSize == size;
+    if (m_underWay || isThere) {
         return; // what comes back asks again
     }
+    m_picturedSize = size;
     m_underWay = wanted;
     compute(
         m_ports.drawing,
         this,
-        [image = m_shot.image, drawing = m_drawing, wanted]() mutable {
+        [image = m_shot.image, drawing = m_drawing, wanted, size]() mutable {
             auto made = drawing ? drawing : std::make_shared<ShotDrawing>(DisplayShot::of(image));
-            return std::pair(made, toImage(made->draw(wanted.document, wanted.style)));
+            return std::pair(
+                made, reduced(toImage(made->draw(wanted.document, wanted.style)), size));
         },
         [this, wanted](auto outcome) {
             if (outcome) {
@@ -382,6 +402,7 @@ void ScreenshotEditor::setView(const QSizeF& size, double density)
     m_density = density;
     Q_EMIT changed();
     Q_EMIT pictureChanged();
+    redraw();
 }
 
 void ScreenshotEditor::press(const QPointF& point)

@@ -171,6 +171,7 @@ private:
 
     Look look(ShotEditing::PendingText text) const;
     ShotPlacement placement(const Look& look) const;
+    QSizeF pictureSize(const Look& look) const; // in the view
     Vec2 raw(const QPointF& point) const;
     double rawTolerance() const;
     void edited();
@@ -195,6 +196,7 @@ private:
     std::shared_ptr<ShotDrawing> m_drawing; // used by the drawing's worker alone
     QImage m_picture;
     std::optional<Look> m_pictured; // what the picture shows
+    QSize m_picturedSize;           // device pixels it is shown in
     std::optional<Look> m_underWay;
     std::optional<std::pair<Look, QByteArray>> m_output; // the last that was made
     int m_outputsUnderWay = 0;

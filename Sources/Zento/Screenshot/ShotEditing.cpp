@@ -166,27 +166,31 @@ void ShotEditing::dragDraw(Gesture& gesture, Vec2 point)
     if (isPoint(kind)) {
         return; // placed where the button is let go
     }
-    if (!m_draft) {
-        m_draft = newMark(kind, gesture.start);
-        if (kind == Annotation::Kind::Pen) {
-            m_draft->points.push_back(gesture.start);
-        }
+    const bool isPen = kind == Annotation::Kind::Pen;
+    Annotation draft = m_draft ? std::move(*m_draft) : newMark(kind, gesture.start);
+    if (isPen && draft.points.empty()) {
+        draft.points.push_back(gesture.start);
     }
-    m_draft->end = point;
-    if (kind == Annotation::Kind::Pen && m_draft->points.back() != point) {
-        m_draft->points.push_back(point);
+    draft.end = point;
+    if (isPen && draft.points.back() != point) {
+        draft.points.push_back(point);
         gesture.reach = std::max(gesture.reach, length(gesture.start, point));
     }
+    m_draft = std::move(draft);
 }
 
 void ShotEditing::dragSelect(const Gesture& gesture, Vec2 point)
 {
-    Annotation* const mark = gesture.grabbed ? find(gesture.grabbed->id) : nullptr;
+    if (!gesture.grabbed) {
+        return;
+    }
+    const Annotation& was = *gesture.grabbed;
+    Annotation* const mark = find(was.id);
     if (mark == nullptr) {
         return;
     }
     if (gesture.end == DragEnd::Whole) {
-        *mark = gesture.grabbed->translated({point.x - gesture.start.x, point.y - gesture.start.y});
+        *mark = was.translated({point.x - gesture.start.x, point.y - gesture.start.y});
     } else {
         (gesture.end == DragEnd::Start ? mark->start : mark->end) = point;
     }
@@ -211,14 +215,22 @@ void ShotEditing::release(Vec2 point)
     if (point != m_gesture->start || m_draft || m_cropDraft) {
         drag(point);
     }
-    const Gesture gesture = *std::exchange(m_gesture, std::nullopt);
+    const Gesture gesture = *m_gesture;
+    m_gesture.reset();
     if (std::holds_alternative<Tool::Draw>(m_tool)) {
         releaseDraw(gesture, point);
     } else if (std::holds_alternative<Tool::Crop>(m_tool)) {
         releaseCrop();
-    } else if (Annotation* const mark = gesture.grabbed ? find(gesture.grabbed->id) : nullptr) {
-        const Annotation moved = std::exchange(*mark, *gesture.grabbed);
-        if (length(gesture.start, point) > kLeastDrag) {
+    } else if (gesture.grabbed) {
+        releaseSelect(*gesture.grabbed, length(gesture.start, point) > kLeastDrag);
+    }
+}
+
+void ShotEditing::releaseSelect(const Annotation& was, bool isMoved)
+{
+    if (Annotation* const mark = find(was.id)) {
+        const Annotation moved = std::exchange(*mark, was);
+        if (isMoved) {
             push();
             *mark = moved;
         }
@@ -235,7 +247,11 @@ void ShotEditing::releaseDraw(const Gesture& gesture, Vec2 point)
     }
     if (kind == Annotation::Kind::Badge) {
         mark = newMark(kind, point);
-    } else if (!mark || std::max(length(gesture.start, point), gesture.reach) <= kLeastDrag) {
+    }
+    if (!mark) {
+        return;
+    }
+    if (!isPoint(kind) && std::max(length(gesture.start, point), gesture.reach) <= kLeastDrag) {
         return;
     }
     push();
@@ -256,8 +272,8 @@ void ShotEditing::cancelGesture()
     if (!m_gesture) {
         return;
     }
-    if (Annotation* const mark = m_gesture->grabbed ? find(m_gesture->grabbed->id) : nullptr) {
-        *mark = *m_gesture->grabbed;
+    if (m_gesture->grabbed) {
+        releaseSelect(*m_gesture->grabbed, /*isMoved=*/false);
     }
     m_draft.reset();
     m_cropDraft.reset();

@@ -95,6 +95,7 @@ private:
     void dragSelect(const Gesture& gesture, Vec2 point);
     void dragCrop(const Gesture& gesture, Vec2 point);
     void releaseDraw(const Gesture& gesture, Vec2 point);
+    void releaseSelect(const Annotation& was, bool isMoved);
     void releaseCrop();
     void restyle(const std::string& colorHex, double width);
     Annotation newMark(Annotation::Kind kind, Vec2 point) const;

@@ -83,6 +83,7 @@ QtObject {
                 active: windows.visible
                 focus: true
                 sourceComponent: WindowPicker {
+                    purpose: windows.title
                     onPicked: windowId => App.model.finishWindow(windowId)
                     onCancelled: App.model.panel = FloatingPanel.NoPanel
                 }

@@ -60,7 +60,7 @@ float cost(
     int count = 0;
     for (int r = band.top; r < band.limit - shift; r += stride) {
         sum += difference(
-            previous.rows[static_cast<std::size_t>(r + shift)],
+            previous.rows[static_cast<std::size_t>(r) + static_cast<std::size_t>(shift)],
             current.rows[static_cast<std::size_t>(r)]);
         count += static_cast<int>(ScrollSignature::kColumns);
     }
@@ -149,11 +149,12 @@ std::vector<std::uint64_t> rowHashes(const Canvas& image)
         const std::uint32_t* const row = pixels.row(y);
         int x = 0;
         for (; x + 2 * kLanes <= pixels.width; x += 2 * kLanes) {
-            for (int i = 0; i < kLanes; ++i) {
+            const std::uint32_t* two = row + x;
+            for (std::uint64_t& lane : lanes) {
                 std::uint64_t word = 0;
-                std::memcpy(&word, row + x + 2 * i, sizeof word);
-                auto& lane = lanes[static_cast<std::size_t>(i)];
+                std::memcpy(&word, two, sizeof word);
                 lane = std::rotl((lane ^ word) * kOdd, 29);
+                two += 2;
             }
         }
         for (; x < pixels.width; ++x) {

@@ -73,10 +73,12 @@ ShotFrame::ShotFrame(const ShotStyle& style, int imageWidth, int imageHeight, do
     const double margin = ShotComposer::border(style, imageHeight / scale) * scale;
     const int width = wholePart(imageWidth + 2 * margin);
     const int height = wholePart(imageHeight + 2 * margin);
+    const int left = (width - imageWidth) / 2;
+    const int top = (height - imageHeight) / 2;
     m_parts = std::make_unique<Parts>(
         Rect{
-            static_cast<double>((width - imageWidth) / 2),
-            static_cast<double>((height - imageHeight) / 2),
+            static_cast<double>(left),
+            static_cast<double>(top),
             static_cast<double>(imageWidth),
             static_cast<double>(imageHeight)},
         Picture(width, height, Layout::Rgb),

@@ -64,7 +64,8 @@ class Editor : public testing::Test {
 protected:
     static void SetUpTestSuite()
     {
-        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        ::setenv(
+            "QT_QPA_PLATFORM", "offscreen", 1); // NOLINT(concurrency-mt-unsafe): no threads yet
         static int count = 1;
         static char name[] = "screenshot_tests";
         static char* words[] = {name, nullptr};

@@ -54,7 +54,8 @@ QtObject {
             property real padding: 0.08
             property real cornerRadius: 24
             property real shadowOpacity: 0.5
-            property var picture
+            readonly property ShotView blank: ShotView {}
+            property var picture: blank.picture
             property rect pictureFrame
             property string savedNote
             property string saveTo

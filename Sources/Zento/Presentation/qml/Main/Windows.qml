@@ -83,7 +83,7 @@ QtObject {
                 active: windows.visible
                 focus: true
                 sourceComponent: WindowPicker {
-                    purpose: windows.title
+                    purpose: App.model.picksForShot ? qsTr("Choose a window to shoot") : qsTr("Choose a window to record")
                     onPicked: windowId => App.model.finishWindow(windowId)
                     onCancelled: App.model.panel = FloatingPanel.NoPanel
                 }

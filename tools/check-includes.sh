@@ -40,6 +40,7 @@ ZentoIntelligence ZentoCore|ZentoMedia
 Zento/Timeline ZentoCore
 Zento/Model ZentoCore|ZentoMedia|ZentoImaging|ZentoEngine|ZentoCapture|ZentoRender|ZentoIntelligence|Zento/Timeline|Zento/Music
 Zento/Music ZentoCore|ZentoNet|ZentoMedia
+Zento/Screenshot ZentoCore|ZentoImaging|ZentoCapture|ZentoRender|Zento/Model
 Zento/Desktop ZentoCore|ZentoCapture|ZentoIntelligence|ZentoRender|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES

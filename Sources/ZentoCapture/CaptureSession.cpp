@@ -1,6 +1,7 @@
 #include "ZentoCapture/CaptureSession.h"
 
 #include "ZentoCapture/BundleCompletion.h"
+#include "ZentoCapture/CaptureLayout.h"
 #include "ZentoCapture/MonotonicClock.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoCore/SessionBundle.h"
@@ -8,7 +9,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <iostream>
-#include <span>
 #include <system_error>
 #include <utility>
 #include <variant>
@@ -19,33 +19,8 @@ namespace {
 
 constexpr double kNominalFPS = 60; // whatever rate arrives
 
-int evenPixels(double points, double scale)
-{
-    const int pixels = static_cast<int>(points * scale);
-    return pixels - pixels % 2;
-}
-
 /// How often the poll looks after a recorded window: 20 times a second.
 constexpr int kTicksPerWindowRefresh = 6;
-
-/// The display a target lies on, by its id. `window` for a window's recording.
-std::optional<std::uint32_t> targetDisplay(
-    const CaptureTarget& target,
-    const std::optional<WindowInfo>& window,
-    std::span<const DisplayInfo> displays,
-    Desktop& desktop)
-{
-    if (window) {
-        return displayID(window->frame.center(), displays);
-    }
-    if (const auto* screen = std::get_if<Target::Screen>(&target)) {
-        return screen->displayID;
-    }
-    if (const auto* area = std::get_if<Target::Area>(&target)) {
-        return displayID(area->rect.center(), displays);
-    }
-    return displayIDUnderCursor(desktop, displays);
-}
 
 } // namespace
 
@@ -69,8 +44,7 @@ void CaptureSession::start()
     startEventTap();
     const FrameRequest request = [&] {
         try {
-            const std::optional<WindowInfo> window = chosenWindow();
-            return prepare(chosenDisplay(window), window);
+            return prepare();
         } catch (...) {
             stopEventTap();
             throw;
@@ -127,62 +101,24 @@ void CaptureSession::stopEventTap() noexcept
     }
 }
 
-/// Nothing for the targets that are no window.
-std::optional<WindowInfo> CaptureSession::chosenWindow() const
-{
-    const auto* const wanted = std::get_if<Target::Window>(&target);
-    if (wanted == nullptr) {
-        return {};
-    }
-    auto window = m_desktop.window(wanted->windowID);
-    if (!window) {
-        throw Error(ErrorCode::kWindowGone, "window no longer exists");
-    }
-    return window;
-}
-
-DisplayInfo CaptureSession::chosenDisplay(const std::optional<WindowInfo>& window) const
-{
-    const std::vector<DisplayInfo> displays = m_desktop.displays();
-    const auto id = targetDisplay(target, window, displays, m_desktop);
-    if (displays.empty()) {
-        throw Error(ErrorCode::kNoDisplay, "no display available");
-    }
-    const auto found = std::ranges::find(displays, id, &DisplayInfo::id);
-    return found == displays.end() ? displays.front() : *found;
-}
-
 /// Lays out the capture space; the log maps by it from here on.
-FrameRequest
-CaptureSession::prepare(const DisplayInfo& display, const std::optional<WindowInfo>& window)
+FrameRequest CaptureSession::prepare()
 {
-    m_scale = display.scale;
+    CaptureLayout layout = captureLayout(target, m_desktop, excludeWindowIDs);
+    m_scale = layout.display.scale;
     appName = m_desktop.frontmostApplication();
-    const auto* area = std::get_if<Target::Area>(&target);
-    const Rect captured = window ? window->frame : area ? area->rect : display.bounds;
-    m_pixelWidth = evenPixels(captured.w, m_scale);
-    m_pixelHeight = evenPixels(captured.h, m_scale);
+    m_pixelWidth = layout.request.pixelWidth;
+    m_pixelHeight = layout.request.pixelHeight;
     if (m_pixelWidth < 2 || m_pixelHeight < 2) {
         throw Error(
             ErrorCode::kMovieNotStarted, "what is to be recorded is smaller than two pixels");
     }
-    m_log->setSpace({.originPoints = {captured.x, captured.y}, .scale = m_scale});
-
-    FrameRequest request{
-        .displayID = display.id, .pixelWidth = m_pixelWidth, .pixelHeight = m_pixelHeight};
-    if (window) {
-        m_window = {
-            .id = std::get<Target::Window>(target).windowID, .size = {captured.w, captured.h}};
-        request.window = m_window;
-        appName = window->application ? window->application : appName;
-    } else {
-        request.excludedWindowIDs = excludeWindowIDs;
+    m_log->setSpace({.originPoints = {layout.captured.x, layout.captured.y}, .scale = m_scale});
+    m_window = layout.request.window;
+    if (layout.window && layout.window->application) {
+        appName = layout.window->application;
     }
-    if (area) {
-        request.sourceRect = Rect{
-            captured.x - display.bounds.x, captured.y - display.bounds.y, captured.w, captured.h};
-    }
-    return request;
+    return std::move(layout.request);
 }
 
 void CaptureSession::startWriter()

@@ -89,9 +89,7 @@ public:
 private:
     void startEventTap();
     void stopEventTap() noexcept;
-    DisplayInfo chosenDisplay(const std::optional<WindowInfo>& window) const;
-    std::optional<WindowInfo> chosenWindow() const;
-    FrameRequest prepare(const DisplayInfo& display, const std::optional<WindowInfo>& window);
+    FrameRequest prepare();
     void startWriter();
     void startJournal();
     FrameVerdict handle(const CapturedFrame& frame);

@@ -21,11 +21,50 @@ QtObject {
         { name: "stop-panel", width: 640, height: 160, component: stopPanels, fill: true },
         { name: "area-picker", width: 1440, height: 900, component: areaPicker, fill: true },
         { name: "window-picker", width: 1440, height: 900, component: windowPicker, fill: true },
+        { name: "screenshot-editor", width: 1040, height: 720, component: screenshotEditor, fill: true },
         { name: "about", width: 400, height: 440, component: about, fill: true },
         { name: "components", width: 1240, height: 880, component: components, fill: true }
     ]
 
     property Component main: MainContent {}
+    property Component screenshotEditor: ScreenshotContent {
+        editor: QtObject {
+            property string sizeText: "1424 × 801"
+            property bool canUndo: true
+            property bool canRedo: false
+            property bool canShare: true
+            property bool hasCrop: true
+            property bool hasSelection: true
+            property bool isBare: false
+            property var tools: ["select", "arrow", "line", "box", "ellipse", "highlight", "pen", "blur", "spotlight", "badge", "text", "crop"]
+                .map((id, index) => ({ id: id, key: "VALROHPBSNTC"[index], help: id }))
+            property string tool: "select"
+            property var palette: ["#FF3B30", "#FF9500", "#FFCC00", "#34C759", "#0A84FF", "#BF5AF2", "#FFFFFF", "#000000"]
+            property string color: "#FF3B30"
+            property real strokeWidth: 1
+            property var handles: [Qt.point(300, 200), Qt.point(500, 220)]
+            property rect selectionFrame
+            property rect cropFrame
+            property var writing: ({})
+            property var presetGroups: ["Looks", "Gradients", "Mesh", "Patterns", "Solids", "Wallpapers"]
+            property int presetGroup: 0
+            property var presets: ["midnight", "paper", "indigo", "sunset", "meadow", "docs", "bare"]
+                .map(id => ({ value: id, name: id, address: "shot/" + id }))
+            property string presetID: "indigo"
+            property real padding: 0.08
+            property real cornerRadius: 24
+            property real shadowOpacity: 0.5
+            readonly property ShotView blank: ShotView {}
+            property var picture: blank.picture
+            property rect pictureFrame
+            property string savedNote
+            property string saveTo
+            property string doubt
+            signal noted()
+            signal failed(string sentence)
+            function setView(size, density) {}
+        }
+    }
     property Component mainMinimum: MainContent { libraryFolded: true }
     property Component firstRun: MainContent {
         Component.onCompleted: list.app.showWelcome = true

@@ -32,6 +32,9 @@ usage:
   zento render BUNDLE [--settings FILE] [--output FILE] [--gif]
       renders the film of a recording, beside it or to FILE; with --gif, or a FILE ending in .gif,
       the film beside it and a GIF of it, beside it or to FILE
+  zento screenshot [--screen N | --window ID | --area X,Y,W,H] [--edit] [--output FILE]
+      shoots a target, named as for record, into FILE or a new file in the current folder, and
+      prints its name; with --edit opens the editor on it, which saves to FILE
   zento recover BUNDLE
       completes a recording whose program was killed, with at most its last second missing; prints
       the bundle's folder
@@ -44,25 +47,35 @@ usage:
 
 struct Subcommand {
     std::string_view name;
-    void (*run)(std::span<const std::string_view>);
+    void (*run)(std::span<const std::string_view>, const ShotEdit&);
 };
 
-constexpr std::array<Subcommand, 7> kSubcommands{{
-    {"record", record},
-    {"plan", plan},
-    {"render", render},
-    {"recover", recover},
-    {"demo", demo},
-    {"toggle", toggle},
-    {"search-provider", searchProvider}, // started by the session bus, so the usage does not tell
+/// A subcommand that edits no screenshot.
+template <auto kRun>
+void alone(std::span<const std::string_view> words, const ShotEdit&)
+{
+    kRun(words);
+}
+
+constexpr std::array<Subcommand, 8> kSubcommands{{
+    {"record", alone<record>},
+    {"plan", alone<plan>},
+    {"render", alone<render>},
+    {"recover", alone<recover>},
+    {"demo", alone<demo>},
+    {"toggle", alone<toggle>},
+    {"screenshot", screenshot},
+    {"search-provider",
+     alone<searchProvider>}, // started by the session bus, so the usage does not tell
 }};
 
 enum Status { Done = 0, Failed = 1, BadUsage = 2 };
 
-int runSubcommand(const Subcommand& command, std::span<const std::string_view> words)
+int runSubcommand(
+    const Subcommand& command, std::span<const std::string_view> words, const ShotEdit& editShot)
 {
     try {
-        command.run(words);
+        command.run(words, editShot);
         std::cout.flush();
         if (!std::cout) {
             std::cerr << "zento: the result could not be written to standard output\n";
@@ -83,7 +96,7 @@ int runSubcommand(const Subcommand& command, std::span<const std::string_view> w
 
 } // namespace
 
-int runCommand(std::span<const std::string_view> words)
+int runCommand(std::span<const std::string_view> words, const ShotEdit& editShot)
 {
     if (words.empty() || words.front() == "--help" || words.front() == "-h") {
         std::cout << kUsage;
@@ -99,7 +112,7 @@ int runCommand(std::span<const std::string_view> words)
                   << "\"; zento --help shows those there are\n";
         return BadUsage;
     }
-    return runSubcommand(*command, words.subspan(1));
+    return runSubcommand(*command, words.subspan(1), editShot);
 }
 
 } // namespace zento

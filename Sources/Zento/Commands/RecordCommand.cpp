@@ -2,74 +2,13 @@
 #include "Zento/Commands/Interruption.h"
 #include "Zento/Commands/Recording.h"
 #include "Zento/Commands/Subcommands.h"
+#include "Zento/Commands/TargetChoice.h"
 #include "ZentoCore/SessionBundle.h"
 
-#include <algorithm>
 #include <array>
 #include <iostream>
-#include <span>
 
 namespace zento {
-
-namespace {
-
-/// The target's words; which display a number means is for the desktop to say.
-struct TargetChoice {
-    std::optional<int> screen;
-    std::optional<std::uint32_t> window;
-    std::optional<Rect> area;
-};
-
-TargetChoice readTarget(const Arguments& arguments)
-{
-    const TargetChoice choice{
-        .screen = arguments.read("--screen", readIndex),
-        .window = arguments.read("--window", readWindow),
-        .area = arguments.read("--area", readRect)};
-    if (choice.screen.has_value() + choice.window.has_value() + choice.area.has_value() > 1) {
-        throw UsageError("only one of --screen, --window and --area can be given");
-    }
-    return choice;
-}
-
-CaptureTarget screenTarget(int number, std::span<const DisplayInfo> displays)
-{
-    const auto index = static_cast<std::size_t>(number);
-    if (index >= displays.size()) {
-        throw Error(
-            ErrorCode::kNoDisplay,
-            "there is no screen " + std::to_string(index) + ": this desktop has "
-                + std::to_string(displays.size()) + ", counted from 0");
-    }
-    return Target::Screen{displays[index].id};
-}
-
-bool intersects(const Rect& a, const Rect& b)
-{
-    return a.x < b.x + b.w && b.x < a.x + a.w && a.y < b.y + b.h && b.y < a.y + a.h;
-}
-
-CaptureTarget areaTarget(const Rect& area, std::span<const DisplayInfo> displays)
-{
-    const auto shows = [&](const DisplayInfo& display) { return intersects(display.bounds, area); };
-    if (std::ranges::none_of(displays, shows)) {
-        throw Error(ErrorCode::kNoDisplay, "the area to record lies outside every display");
-    }
-    return Target::Area{area};
-}
-
-CaptureTarget chosenTarget(const TargetChoice& choice, Desktop& desktop)
-{
-    if (choice.screen) {
-        return screenTarget(*choice.screen, desktop.displays());
-    }
-    if (choice.area) {
-        return areaTarget(*choice.area, desktop.displays());
-    }
-    return choice.window ? CaptureTarget(Target::Window{*choice.window}) : Target::Display{};
-}
-
-} // namespace
 
 void record(std::span<const std::string_view> words)
 {

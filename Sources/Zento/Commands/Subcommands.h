@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Zento/Commands/Commands.h"
+
 #include <span>
 #include <string_view>
 
@@ -10,6 +12,7 @@ namespace zento {
 void record(std::span<const std::string_view> words);
 void plan(std::span<const std::string_view> words);
 void render(std::span<const std::string_view> words);
+void screenshot(std::span<const std::string_view> words, const ShotEdit& editShot);
 void recover(std::span<const std::string_view> words);
 void demo(std::span<const std::string_view> words);
 void toggle(std::span<const std::string_view> words);

@@ -225,7 +225,15 @@ void AppModel::setPanel(Panel panel)
 {
     if (m_panel != panel) {
         m_panel = panel;
+        const auto areaPicked = std::exchange(m_areaPicked, {});
+        const auto windowPicked = std::exchange(m_windowPicked, {});
         Q_EMIT panelChanged();
+        if (areaPicked) {
+            areaPicked({}); // closed without an answer
+        }
+        if (windowPicked) {
+            windowPicked({});
+        }
     }
 }
 
@@ -258,6 +266,17 @@ void AppModel::pickArea()
     }
 }
 
+void AppModel::pickArea(AreaHandler picked)
+{
+    if (m_recording.phase() == RecordingFlow::Phase::Idle) {
+        setPanel(Panel::NoPanel);
+        m_areaPicked = std::move(picked);
+        m_recording.hideApplication();
+        m_panel = Panel::AreaPicker;
+        Q_EMIT panelChanged();
+    }
+}
+
 void AppModel::finishArea(const QRectF& area)
 {
     if (m_panel != Panel::AreaPicker) {
@@ -267,8 +286,13 @@ void AppModel::finishArea(const QRectF& area)
         cancelArea();
         return;
     }
+    const auto picked = std::exchange(m_areaPicked, {});
     setPanel(Panel::NoPanel);
-    m_recording.recordArea(area);
+    if (picked) {
+        picked(area);
+    } else {
+        m_recording.recordArea(area);
+    }
 }
 
 void AppModel::cancelArea()
@@ -288,11 +312,28 @@ void AppModel::pickWindow()
     }
 }
 
+void AppModel::pickWindow(WindowHandler picked)
+{
+    if (m_recording.phase() == RecordingFlow::Phase::Idle) {
+        setPanel(Panel::NoPanel);
+        m_windowPicked = std::move(picked);
+        m_windows.refresh();
+        m_panel = Panel::WindowPicker;
+        Q_EMIT panelChanged();
+        m_recording.showApplication();
+    }
+}
+
 void AppModel::finishWindow(quint32 windowID)
 {
     if (m_panel == Panel::WindowPicker) {
+        const auto picked = std::exchange(m_windowPicked, {});
         setPanel(Panel::NoPanel);
-        m_recording.recordWindow(windowID);
+        if (picked) {
+            picked(windowID);
+        } else {
+            m_recording.recordWindow(windowID);
+        }
     }
 }
 

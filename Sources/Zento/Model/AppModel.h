@@ -101,6 +101,8 @@ class AppModel : public QObject {
     Q_PROPERTY(bool showWelcome READ showWelcome WRITE setShowWelcome NOTIFY viewChanged)
     /// What floats or asks at the moment. Closing it is writing `NoPanel`.
     Q_PROPERTY(Panel panel READ panel WRITE setPanel NOTIFY panelChanged)
+    /// The picker that is open was opened for a screenshot, not for a recording.
+    Q_PROPERTY(bool picksForShot READ picksForShot NOTIFY panelChanged)
     /// The names that `focusOnShortcut` and `focusOffShortcut` can have; see `refreshActions`.
     Q_PROPERTY(QStringList installedActions READ installedActions NOTIFY installedActionsChanged)
     /// What `microphoneID` and `cameraID` can be, as maps of "value" and "name"; see
@@ -143,6 +145,7 @@ public:
     QString inspectorTab() const { return m_inspectorTab; }
     bool showWelcome() const { return m_showWelcome; }
     Panel panel() const { return m_panel; }
+    bool picksForShot() const { return m_areaPicked || m_windowPicked; }
     QStringList installedActions() const { return m_installedActions; }
     QString freeSpace() const { return m_freeSpace; }
     QVariantList microphones() const;
@@ -170,9 +173,18 @@ public:
     Q_INVOKABLE void finishArea(const QRectF& area);
     Q_INVOKABLE void cancelArea();
 
+    /// The same for somebody else, who gets the answer once: nothing when it was cancelled. With an
+    /// area the application stays hidden.
+    using AreaHandler = std::function<void(const std::optional<QRectF>&)>;
+    void pickArea(AreaHandler picked);
+
     /// When idle: opens the window picker. It answers with `finishWindow` or by closing the panel.
     Q_INVOKABLE void pickWindow();
     Q_INVOKABLE void finishWindow(quint32 windowID);
+
+    /// The same for somebody else, who gets the answer once: nothing when it was cancelled.
+    using WindowHandler = std::function<void(std::optional<quint32>)>;
+    void pickWindow(WindowHandler picked);
 
     /// The displays as rectangles in points, the main one first.
     Q_INVOKABLE QVariantList displays() const;
@@ -237,6 +249,8 @@ private:
     bool m_showInspector = true;
     bool m_showWelcome = false;
     Panel m_panel = Panel::NoPanel;
+    AreaHandler m_areaPicked; // while its picker is open for somebody else
+    WindowHandler m_windowPicked;
 
     bool m_isEnding = false;
     std::uint64_t m_exportedVersion = 0; // of the edit that is exported

@@ -35,6 +35,7 @@ private:
 ///   picture/PATH                      a picture, filling the swatch
 ///   card/DESIGN/RRGGBB/TITLE/LINE     a title card on a dark ground
 ///   pointer/SHAPE                     "arrow" or "hand"
+///   shot/ID, shotpicture/PATH         a look of a screenshot
 /// Words are percent-encoded.
 Canvas drawSwatch(const QString& id, int width, int height);
 

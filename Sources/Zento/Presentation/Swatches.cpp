@@ -1,4 +1,5 @@
 #include "Zento/Presentation/PictureProvider.h"
+#include "Zento/Screenshot/ShotPresets.h"
 #include "ZentoCore/BackgroundCatalog.h"
 #include "ZentoCore/Error.h"
 #include "ZentoImaging/Convert.h"
@@ -97,6 +98,46 @@ Canvas drawPointer(const std::string& shape, int width, int height)
     return canvas;
 }
 
+// A look of a screenshot: its background under a small white card.
+Canvas drawShotCard(Canvas ground)
+{
+    const double unit = ground.height() / 40.0;
+    const Rect card{12 * unit, 9 * unit, ground.width() - 24 * unit, ground.height() - 18 * unit};
+    Canvas shadow(ground.width(), ground.height());
+    shadow.fill(
+        Path().roundedRect({card.x, card.y + 2 * unit, card.w, card.h}, 3 * unit),
+        Color::gray(0, 0.3));
+    shadow.blur(3 * unit);
+    ground.drawImage(shadow, ground.bounds(), Interpolation::Nearest);
+    ground.fill(Path().roundedRect(card, 3 * unit), Color::gray(1, 0.92));
+    return ground;
+}
+
+Canvas checkered(int width, int height)
+{
+    constexpr int kAcross = 10;
+    const double cell = static_cast<double>(width) / kAcross;
+    Canvas canvas(width, height);
+    canvas.fillAll(Color::gray(0.32));
+    for (int y = 0; y * cell < height; ++y)
+        for (int x = y % 2; x < kAcross; x += 2)
+            canvas.fill(Path().rect({x * cell, y * cell, cell, cell}), Color::gray(0.42));
+    return canvas;
+}
+
+Canvas drawLook(const std::string& id, int width, int height)
+{
+    constexpr std::string_view kCatalogue = "bg-";
+    if (id.starts_with(kCatalogue))
+        return drawBackground(id.substr(kCatalogue.size()), width, height);
+    for (const ShotPreset& preset : ShotPresets::all())
+        if (preset.id == id)
+            return preset.style.bare
+                       ? checkered(width, height)
+                       : BackgroundRenderer::render(preset.style.background, width, height);
+    throw Error(ErrorCode::kUndecodable, "There is no look \"" + id + "\"");
+}
+
 } // namespace
 
 Canvas drawSwatch(const QString& id, int width, int height)
@@ -110,6 +151,10 @@ Canvas drawSwatch(const QString& id, int width, int height)
         return drawCard(id, width, height);
     if (kind == QStringLiteral("pointer"))
         return drawPointer(word(id, 1), width, height);
+    if (kind == QStringLiteral("shot"))
+        return drawShotCard(drawLook(word(id, 1), width, height));
+    if (kind == QStringLiteral("shotpicture"))
+        return drawShotCard(drawPicture(pathBehindKind(id), width, height));
     throw Error(ErrorCode::kUndecodable, "There is no swatch \"" + id.toStdString() + "\"");
 }
 

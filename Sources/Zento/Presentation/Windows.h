@@ -23,6 +23,7 @@ public:
     ~Windows() override;
 
     QQuickWindow* mainWindow() const;
+    QQmlEngine& engine() const { return *m_engine; } // for further windows
 
 private:
     std::unique_ptr<QQmlEngine> m_engine;

@@ -67,26 +67,24 @@ std::optional<Annotation> drawable(Annotation annotation)
     return annotation;
 }
 
-/// What a crop keeps; nothing if it is to be ignored. Its sides may be negative.
-std::optional<Rect> keptArea(const Rect& crop, const Canvas& base)
+/// Pixels of a reduced copy for those of the image.
+Rect reduced(const Rect& r, double scale)
 {
-    if (!isFinite(crop))
-        return std::nullopt;
-    const Rect upright = {
-        std::min(crop.x, crop.x + crop.w),
-        std::min(crop.y, crop.y + crop.h),
-        std::abs(crop.w),
-        std::abs(crop.h)};
-    const Rect area = intersection(wholePixels(upright), base.bounds());
-    return area.w >= 1 && area.h >= 1 ? std::optional(area) : std::nullopt;
+    const double x = std::round(r.x * scale);
+    const double y = std::round(r.y * scale);
+    return {
+        x,
+        y,
+        std::max(std::round((r.x + r.w) * scale) - x, 1.0),
+        std::max(std::round((r.y + r.h) * scale) - y, 1.0)};
 }
 
-void drawMosaic(const Annotation& annotation, const Canvas& image, Canvas& canvas)
+void drawMosaic(const Annotation& annotation, const Canvas& image, Canvas& canvas, double scale)
 {
     const Rect area = intersection(annotation.rect(), image.bounds());
-    if (!(area.w > 2) || !(area.h > 2))
+    if (!(area.w > 2 * scale) || !(area.h > 2 * scale))
         return;
-    const double cell = std::max({area.w / 14, area.h / 14, 8.0});
+    const double cell = std::max({area.w / 14, area.h / 14, 8.0 * scale});
     const auto cells = [cell](double length) {
         return std::max(static_cast<int>(length / cell), 1);
     };
@@ -97,12 +95,12 @@ void drawMosaic(const Annotation& annotation, const Canvas& image, Canvas& canva
     canvas.drawImage(small, area, Interpolation::Nearest);
 }
 
-void dimAround(std::span<const Annotation> annotations, Canvas& canvas)
+void dimAround(std::span<const Annotation> annotations, Canvas& canvas, double scale)
 {
     Path path;
     for (const Annotation& annotation : annotations)
         if (annotation.kind == Annotation::Kind::Spotlight)
-            path.roundedRect(annotation.rect(), kSpotlightRadius);
+            path.roundedRect(annotation.rect(), kSpotlightRadius * scale);
     if (path.isEmpty())
         return;
     path.rect(canvas.bounds());
@@ -242,23 +240,39 @@ private:
 
 } // namespace
 
-Canvas flatten(
-    const Canvas& base, std::span<const Annotation> annotations, const std::optional<Rect>& crop)
+Rect keptArea(const std::optional<Rect>& crop, Vec2 imageSize)
 {
-    const std::optional<Rect> kept = crop ? keptArea(*crop, base) : std::nullopt;
-    const Canvas image = kept ? cut(base, *kept) : base.clone();
+    const Rect whole = {0, 0, imageSize.x, imageSize.y};
+    if (!crop || !isFinite(*crop))
+        return whole;
+    const Rect upright = {
+        std::min(crop->x, crop->x + crop->w),
+        std::min(crop->y, crop->y + crop->h),
+        std::abs(crop->w),
+        std::abs(crop->h)};
+    const Rect area = intersection(wholePixels(upright), whole);
+    return area.w >= 1 && area.h >= 1 ? area : whole;
+}
+
+Canvas flatten(
+    const Canvas& base,
+    std::span<const Annotation> annotations,
+    const std::optional<Rect>& crop,
+    double scale)
+{
+    const Vec2 imageSize = {std::round(base.width() / scale), std::round(base.height() / scale)};
+    const Rect kept = keptArea(crop, imageSize);
+    const Canvas image = cut(base, reduced(kept, scale));
     std::vector<Annotation> marks;
-    for (const Annotation& annotation : annotations) {
-        const auto mark = drawable(annotation);
-        if (mark)
-            marks.push_back(kept ? mark->translated({-kept->x, -kept->y}) : *mark);
-    }
+    for (const Annotation& annotation : annotations)
+        if (const auto mark = drawable(annotation))
+            marks.push_back(mark->translated({-kept.x, -kept.y}).scaled(scale));
     Canvas result = image.clone();
     for (const Annotation& mark : marks)
         if (mark.kind == Annotation::Kind::Blur)
-            drawMosaic(mark, image, result);
-    dimAround(marks, result);
-    draw(marks, result, baseLineWidth(result.height()));
+            drawMosaic(mark, image, result, scale);
+    dimAround(marks, result, scale);
+    draw(marks, result, baseLineWidth(kept.h) * scale);
     return result;
 }
 

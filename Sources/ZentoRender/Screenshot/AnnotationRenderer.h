@@ -28,11 +28,19 @@ inline constexpr std::array<std::string_view, 8> kPalette = {
 /// From bottom to top: the blurs, each taken from the picture without marks; one dimming with the
 /// spotlights left out of it, where two overlap dimmed again; the other marks in their order.
 ///
+/// `scale`, (0, 1]: pixels of `base` for one of the image that marks and crop are measured in, so
+/// that a reduced copy shows what the whole image will.
+///
 /// Errors: no memory for the copy throws.
 Canvas flatten(
     const Canvas& base,
     std::span<const Annotation> annotations,
-    const std::optional<Rect>& crop = {});
+    const std::optional<Rect>& crop = {},
+    double scale = 1);
+
+/// The pixels of an image of that size that a crop keeps: expanded to whole ones, all of them where
+/// the crop leaves nothing or there is none.
+Rect keptArea(const std::optional<Rect>& crop, Vec2 imageSize);
 
 /// Draws the marks that are strokes, fills and texts; blurs and spotlights belong to `flatten`.
 /// `baseLineWidth`: pixels of the canvas.

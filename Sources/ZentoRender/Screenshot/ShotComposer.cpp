@@ -9,7 +9,7 @@
 #include <cmath>
 #include <limits>
 
-namespace zento::ShotComposer {
+namespace zento {
 namespace {
 
 /// The whole part of a length, limited to what an int holds; 0 if it is not finite.
@@ -19,14 +19,14 @@ int wholePart(double length)
     return std::isfinite(length) ? static_cast<int>(std::clamp(length, 0.0, kMost)) : 0;
 }
 
-StyleSpec cardStyle(const ShotStyle& style)
+StyleSpec cardStyle(const ShotStyle& style, double scale)
 {
     return {
         .background = style.background,
-        .cornerRadius = style.cornerRadius,
+        .cornerRadius = style.cornerRadius * scale,
         .shadowOpacity = style.shadowOpacity,
-        .shadowRadius = 60,
-        .shadowOffsetY = 24};
+        .shadowRadius = 60 * scale,
+        .shadowOffsetY = 24 * scale};
 }
 
 bool isOpaque(const Canvas& image)
@@ -58,30 +58,55 @@ void blendOver(
     }
 }
 
-Canvas framed(const Canvas& image, const ShotStyle& style)
-{
-    const double margin = border(style, image.height());
-    const int width = wholePart(image.width() + 2 * margin);
-    const int height = wholePart(image.height() + 2 * margin);
-    const int left = (width - image.width()) / 2;
-    const int top = (height - image.height()) / 2;
-    const Rect card = {
-        static_cast<double>(left), static_cast<double>(top), image.bounds().w, image.bounds().h};
+} // namespace
 
-    Picture shot = toPicture(image, Layout::Rgb);
-    CardPainter painter(
-        toPicture(BackgroundRenderer::render(style.background, width, height), Layout::Rgb),
-        cardStyle(style));
-    Picture canvas(width, height, Layout::Rgb);
-    if (!isOpaque(image)) {
-        painter.paintBelow(card, canvas.view());
-        blendOver(image, canvas.view(), shot.view(), left, top);
-    }
-    painter.paint(shot.view(), card, canvas.view());
-    return toCanvas(canvas.view());
+struct ShotFrame::Parts {
+    Rect card; // whole pixels
+    Picture canvas;
+    CardPainter painter;
+};
+
+ShotFrame::ShotFrame(const ShotStyle& style, int imageWidth, int imageHeight, double scale)
+{
+    if (style.bare)
+        return;
+    const double margin = ShotComposer::border(style, imageHeight / scale) * scale;
+    const int width = wholePart(imageWidth + 2 * margin);
+    const int height = wholePart(imageHeight + 2 * margin);
+    const int left = (width - imageWidth) / 2;
+    const int top = (height - imageHeight) / 2;
+    m_parts = std::make_unique<Parts>(
+        Rect{
+            static_cast<double>(left),
+            static_cast<double>(top),
+            static_cast<double>(imageWidth),
+            static_cast<double>(imageHeight)},
+        Picture(width, height, Layout::Rgb),
+        CardPainter(
+            toPicture(BackgroundRenderer::render(style.background, width, height), Layout::Rgb),
+            cardStyle(style, scale)));
 }
 
-} // namespace
+ShotFrame::~ShotFrame() = default;
+ShotFrame::ShotFrame(ShotFrame&&) noexcept = default;
+ShotFrame& ShotFrame::operator=(ShotFrame&&) noexcept = default;
+
+Canvas ShotFrame::around(const Canvas& image)
+{
+    if (!m_parts)
+        return image.clone();
+    const Rect& card = m_parts->card;
+    const PictureView canvas = m_parts->canvas.view();
+    Picture shot = toPicture(image, Layout::Rgb);
+    if (!isOpaque(image)) {
+        m_parts->painter.paintBelow(card, canvas);
+        blendOver(image, canvas, shot.view(), static_cast<int>(card.x), static_cast<int>(card.y));
+    }
+    m_parts->painter.paint(shot.view(), card, canvas);
+    return toCanvas(canvas);
+}
+
+namespace ShotComposer {
 
 double border(const ShotStyle& style, double sourceHeight)
 {
@@ -93,10 +118,11 @@ Canvas beautify(const Canvas& image, const ShotStyle& style)
     if (style.bare)
         return image.clone();
     try {
-        return framed(image, style);
+        return ShotFrame(style, image.width(), image.height()).around(image);
     } catch (const Error&) {
         return image.clone();
     }
 }
 
-} // namespace zento::ShotComposer
+} // namespace ShotComposer
+} // namespace zento

@@ -3,6 +3,8 @@
 #include "ZentoCore/StyleSpec.h"
 #include "ZentoImaging/Canvas.h"
 
+#include <memory>
+
 namespace zento {
 
 /// How a screenshot is framed.
@@ -40,5 +42,26 @@ double border(const ShotStyle& style, double sourceHeight);
 Canvas beautify(const Canvas& image, const ShotStyle& style);
 
 } // namespace ShotComposer
+
+/// What stands around a shot of one size in one style, kept for one picture after the other: the
+/// screen's view of a shot that is being drawn on.
+///
+/// Threading: one thread at a time. Errors: no memory for a canvas throws.
+class ShotFrame {
+public:
+    /// The image's size in pixels. `scale`, (0, 1]: of those for one of the shot that the style's
+    /// lengths are measured in, as in `AnnotationRenderer::flatten`.
+    ShotFrame(const ShotStyle& style, int imageWidth, int imageHeight, double scale = 1);
+    ~ShotFrame();
+    ShotFrame(ShotFrame&&) noexcept;
+    ShotFrame& operator=(ShotFrame&&) noexcept;
+
+    /// `ShotComposer::beautify` of an image of that size.
+    Canvas around(const Canvas& image);
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> m_parts; // absent if bare
+};
 
 } // namespace zento

@@ -76,13 +76,14 @@ QtObject {
             panelWidth: 920
             panelHeight: 562
             panelY: (display.height - 562) / 2
-            title: qsTr("Choose a window to record")
+            title: App.model.picksForShot ? qsTr("Choose a window to shoot") : qsTr("Choose a window to record")
             onClosing: App.model.panel = FloatingPanel.NoPanel
             Loader {
                 anchors.fill: parent
                 active: windows.visible
                 focus: true
                 sourceComponent: WindowPicker {
+                    purpose: App.model.picksForShot ? qsTr("Choose a window to shoot") : qsTr("Choose a window to record")
                     onPicked: windowId => App.model.finishWindow(windowId)
                     onCancelled: App.model.panel = FloatingPanel.NoPanel
                 }
@@ -124,6 +125,7 @@ QtObject {
                 }
                 AreaPicker {
                     anchors.fill: parent
+                    purpose: App.model.picksForShot ? qsTr("Drag over the part to shoot") : qsTr("Drag over the part to record")
                     onPicked: area => App.model.finishArea(Qt.rect(area.x + shade.x, area.y + shade.y, area.width, area.height))
                     onCancelled: App.model.cancelArea()
                 }

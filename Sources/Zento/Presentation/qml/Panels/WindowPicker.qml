@@ -9,6 +9,8 @@ FocusScope {
     property string search
     readonly property var windows: App.windows
 
+    property string purpose: qsTr("Choose a window to record")
+
     signal picked(var windowId)
     signal cancelled()
 
@@ -30,7 +32,7 @@ FocusScope {
 
         x: 24
         y: 22
-        text: qsTr("Choose a window to record")
+        text: picker.purpose
         type: Theme.sheetType
         Accessible.role: Accessible.Heading
         Accessible.name: text

@@ -18,6 +18,7 @@ atspi/ ZentoCapture/Backends|Zento/Demo
 opencv ZentoIntelligence|ZentoRender
 simdjson ZentoCore
 curl/ ZentoNet
+pocketsphinx|sphinxbase/ ZentoIntelligence
 fftw3 ZentoEngine
 Q[A-Z]|Qt[A-Z] Zento
 RULES
@@ -35,11 +36,12 @@ ZentoImaging ZentoCore
 ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
+ZentoIntelligence ZentoCore|ZentoMedia
 Zento/Timeline ZentoCore
-Zento/Model ZentoCore|ZentoMedia|ZentoImaging|ZentoEngine|ZentoCapture|ZentoRender|Zento/Timeline|Zento/Music
+Zento/Model ZentoCore|ZentoMedia|ZentoImaging|ZentoEngine|ZentoCapture|ZentoRender|ZentoIntelligence|Zento/Timeline|Zento/Music
 Zento/Music ZentoCore|ZentoNet|ZentoMedia
 Zento/Screenshot ZentoCore|ZentoImaging|ZentoCapture|ZentoRender|Zento/Model
-Zento/Desktop ZentoCore|ZentoCapture|ZentoRender|Zento/Model
+Zento/Desktop ZentoCore|ZentoCapture|ZentoIntelligence|ZentoRender|Zento/Model
 Zento/Demo ZentoCore|ZentoMedia|ZentoImaging
 EDGES
 exit $bad

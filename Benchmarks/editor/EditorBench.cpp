@@ -15,6 +15,7 @@
 #include "Zento/Model/Worker.h"
 #include "Zento/Presentation/FilmView.h"
 #include "Zento/Timeline/ZoomEditing.h"
+#include "ZentoCore/Error.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoMedia/ProxyWriter.h"
 #include "ZentoMedia/WebcamWriter.h"
@@ -131,6 +132,7 @@ public:
               {.clock = m_clock,
                .edits = m_edits,
                .analyses = m_analyses,
+               .speech = m_analyses,
                .settings = m_settings,
                .desktopImage = [] { return std::optional<std::string>(); }})
         , m_preview(
@@ -148,22 +150,22 @@ public:
         m_view.setParentItem(m_window.contentItem());
         m_view.setSize({1280, 720});
         m_view.setPreview(&m_preview);
-        QObject::connect(&m_view, &FilmView::shown, [this] { m_isShown = true; });
-        QObject::connect(&m_window, &QQuickWindow::frameSwapped, [this] {
-            m_swapped += std::exchange(m_isShown, false) ? 1 : 0;
-        });
+        QObject::connect(&m_view, &FilmView::shown, [this] { ++m_shown; });
         m_window.show();
     }
 
     double open()
     {
         m_session.open({});
-        const int before = m_swapped;
+        QCoreApplication::processEvents(); // what was on its way counts for before
+        const int before = m_shown;
         const auto start = Steady::now();
         m_session.open(m_bundle.c_str());
-        waitFor([&] { return m_swapped > before; });
+        waitFor([&] { return m_shown > before; });
         const double time = milliseconds(start);
         waitFor([&] { return m_preview.state() == LivePreview::State::Ready; });
+        if (!m_session.film())
+            throw Error(ErrorCode::kReadingFailed, "the recording did not open in a minute");
         return time;
     }
 
@@ -177,10 +179,10 @@ public:
             // A hand that drags, and now and then jumps.
             place = i % 10 == 0 ? random.uniform(0, length)
                                 : std::clamp(place + random.uniform(-20, 20), 0.0, length);
-            const int before = m_swapped;
+            const int before = m_shown;
             const auto start = Steady::now();
             m_preview.seek(place);
-            waitFor([&] { return m_swapped > before; });
+            waitFor([&] { return m_shown > before; });
             times.push_back(milliseconds(start));
         }
         tell("scrub, median ms", percentile(times, 0.5));
@@ -192,11 +194,11 @@ public:
     {
         m_preview.seek(from);
         waitFor([] { return false; }, 1);
-        const int before = m_swapped;
+        const int before = m_shown;
         const auto start = Steady::now();
         m_preview.play();
         waitFor([] { return false; }, 10);
-        const int frames = m_swapped - before;
+        const int frames = m_shown - before;
         tell("play, frames a second", frames / milliseconds(start) * 1000, 29, false);
         m_preview.pause();
     }
@@ -236,8 +238,7 @@ private:
     LivePreview m_preview;
     QQuickWindow m_window;
     FilmView m_view;
-    bool m_isShown = false;
-    int m_swapped = 0; // windows with a new frame
+    int m_shown = 0; // frames that reached the window
 };
 
 /// Ten seconds at 60 pictures a second, every one of them new.

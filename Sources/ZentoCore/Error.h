@@ -73,6 +73,7 @@ inline constexpr int kProxyNotFinished = 52;
 // A download's failure shares its number with the proxy's.
 inline constexpr int kDownloadFailed = 50; // a server that refuses a file, or sends what is none
 inline constexpr int kNetworkFailed = 53;
+inline constexpr int kNoSpeechModel = 54;
 inline constexpr int kProgramMissing = 60; // not installed; the sentence names the package
 inline constexpr int kDesktopFailed = 61; // a program of a private desktop did not come up, or died
 inline constexpr int kElementMissing = 62; // no window shows what the demo's script names

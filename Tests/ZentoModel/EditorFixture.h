@@ -29,6 +29,7 @@ protected:
             .clock = m_clock,
             .edits = m_edits,
             .analyses = m_analyses,
+            .speech = m_analyses,
             .settings = m_settings,
             .desktopImage = [this] {
                 ++m_plans;

@@ -149,6 +149,7 @@ void ModelTest::makeModel()
         .editor =
             {.edits = m_edits,
              .analyses = m_analyses,
+             .speech = m_analyses,
              .proxies = m_edits,
              .pictures = m_analyses,
              .sounds = m_analyses,
@@ -156,7 +157,8 @@ void ModelTest::makeModel()
                              const auto&,
                              const auto&) { return bundle / "proxy.mp4"; },
              .makeComposer = [](auto) { return std::make_unique<SilentComposer>(); },
-             .desktopImage = [] { return std::optional<std::string>(); }},
+             .desktopImage = [] { return std::optional<std::string>(); },
+             .transcribe = {}},
         .music = m_files,
         .musicSources = {},
         .fileServices = m_services,

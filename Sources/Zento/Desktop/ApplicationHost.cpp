@@ -11,12 +11,15 @@
 #include "ZentoCapture/DeviceWatch.h"
 #include "ZentoCore/SessionBundle.h"
 #include "ZentoCore/UserFolders.h"
+#include "ZentoIntelligence/NarrationTranscriber.h"
 
 #include <QCursor>
 #include <QGuiApplication>
 #include <QProcess>
 #include <QScreen>
 #include <QTimer>
+
+#include <sys/resource.h>
 
 #include <chrono>
 #include <utility>
@@ -33,6 +36,15 @@ QScreen* screenAt(QPoint point)
 {
     QScreen* const screen = QGuiApplication::screenAt(point);
     return screen == nullptr ? QGuiApplication::primaryScreen() : screen;
+}
+
+/// Behind everything a hand waits for.
+std::vector<TranscriptSegment>
+transcribeQuietly(const SessionBundle& bundle, const std::stop_token& stop)
+{
+    constexpr int kLow = 10;
+    setpriority(PRIO_PROCESS, 0, kLow); // of this thread alone, which does nothing else
+    return NarrationTranscriber::loadOrTranscribe(bundle, stop);
 }
 
 /// Where the panels of a recording belong: on the area's display, else on the pointer's.
@@ -91,6 +103,7 @@ AppServices ApplicationHost::services()
         .editor =
             {.edits = m_edits,
              .analyses = m_analyses,
+             .speech = m_speech,
              .proxies = m_proxies,
              .pictures = m_pictures,
              .sounds = m_sounds,
@@ -102,7 +115,8 @@ AppServices ApplicationHost::services()
                      return m_proxyStore.ensure(bundle, onProgress, stop);
                  },
              .makeComposer = threadedComposer,
-             .desktopImage = desktopImage},
+             .desktopImage = desktopImage,
+             .transcribe = transcribeQuietly},
         .music = m_musicWorker,
         .musicSources =
             musicSources({.api = ZENTO_MUSIC_API, .site = ZENTO_MUSIC_SITE, .ownSite = ZENTO_SITE}),

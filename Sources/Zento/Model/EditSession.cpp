@@ -120,6 +120,7 @@ void EditSession::take(Loaded loadedSources)
     Q_EMIT editsChanged();
     plan();
     analyzeMusic();
+    transcribeNarration();
 }
 
 const std::vector<TranscriptSegment>& EditSession::transcript() const
@@ -315,6 +316,34 @@ void EditSession::analyzeMusic()
                 return; // music that cannot be read is left out of the film
             }
             m_sources.music = *std::move(outcome);
+            planSoon();
+        });
+}
+
+/// A narration that was never listened to is planned once it is known what it says.
+void EditSession::transcribeNarration()
+{
+    std::error_code ignored;
+    const bool isKnown = std::filesystem::exists(m_sources.bundle->transcriptURL(), ignored);
+    if (isKnown || !m_sources.analyses->hasNarration || !m_ports.transcribe) {
+        return;
+    }
+    const auto stop = m_session.get_token();
+    compute(
+        m_ports.speech,
+        this,
+        [transcribe = m_ports.transcribe, bundle = m_sources.bundle, stop] {
+            return stop.stop_requested() ? std::vector<TranscriptSegment>()
+                                         : transcribe(*bundle, stop);
+        },
+        [this, stop](Outcome<std::vector<TranscriptSegment>> outcome) {
+            if (stop.stop_requested() || !outcome || outcome->empty()) {
+                return;
+            }
+            auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
+            analyses->transcript = *std::move(outcome);
+            m_sources.analyses = std::move(analyses);
+            Q_EMIT editsChanged();
             planSoon();
         });
 }

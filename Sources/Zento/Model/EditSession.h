@@ -51,8 +51,12 @@ public:
         Clock& clock;
         Worker& edits;    // loads, plans, saves
         Worker& analyses; // the beats of a song
+        Worker& speech;   // what the narration says
         SettingsModel& settings;
         std::function<std::optional<std::string>()> desktopImage; // on a worker; may block
+        /// What was said, with the transcript left in the bundle. On a worker; blocks long.
+        std::function<std::vector<TranscriptSegment>(const SessionBundle&, const std::stop_token&)>
+            transcribe;
     };
 
     explicit EditSession(Ports ports);
@@ -128,6 +132,7 @@ private:
     void plan();
     void save();
     void analyzeMusic();
+    void transcribeNarration();
 
     Ports m_ports;
     std::filesystem::path m_path;

@@ -17,12 +17,15 @@ namespace zento {
 struct EditorServices {
     Worker& edits;    // loads, plans, saves
     Worker& analyses; // the beats of a song
+    Worker& speech;
     Worker& proxies;
     Worker& pictures; // of the timeline
     Worker& sounds;   // its waveform
     ProxyMaker makeProxy;
     FrameComposerFactory makeComposer;
     std::function<std::optional<std::string>()> desktopImage; // on a worker; may block
+    std::function<std::vector<TranscriptSegment>(const SessionBundle&, const std::stop_token&)>
+        transcribe; // on a worker; blocks long
 };
 
 /// The editor of the selected recording: its parts under one name.
@@ -41,8 +44,10 @@ public:
               {.clock = clock,
                .edits = services.edits,
                .analyses = services.analyses,
+               .speech = services.speech,
                .settings = settings,
-               .desktopImage = services.desktopImage})
+               .desktopImage = services.desktopImage,
+               .transcribe = services.transcribe})
         , m_preview(
               {.clock = clock,
                .proxies = services.proxies,

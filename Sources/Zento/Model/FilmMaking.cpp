@@ -4,6 +4,7 @@
 #include "Zento/Model/TextCards.h"
 #include "ZentoCore/Error.h"
 #include "ZentoCore/FileIO.h"
+#include "ZentoIntelligence/NarrationTranscriber.h"
 #include "ZentoRender/GIFExporter.h"
 #include "ZentoRender/OfflineExporter.h"
 
@@ -90,6 +91,8 @@ void renderFilm(
     const FilmReports& reports,
     const std::stop_token& stop)
 {
+    // What a hurried user has not waited for; it is left in the bundle.
+    static_cast<void>(NarrationTranscriber::loadOrTranscribe(bundle, stop));
     const SavedOverrides edits = loadSavedOverrides(bundle);
     EditPlanner::PlanInput input = gatherPlanInput(bundle, settings, edits, desktopImage);
     input.music = readableMusic(bundle, edits, reports.onMusicLeftOut, stop);

@@ -1,0 +1,121 @@
+#include "ZentoIntelligence/NarrationTranscriber.h"
+
+#include "ZentoCore/Error.h"
+#include "ZentoCore/FileIO.h"
+#include "ZentoIntelligence/CaptionSegments.h"
+#include "ZentoIntelligence/EnergySegments.h"
+#include "ZentoIntelligence/VoiceActivity.h"
+#include "ZentoMedia/AudioReader.h"
+
+#include <algorithm>
+#include <exception>
+#include <optional>
+
+namespace zento::NarrationTranscriber {
+
+namespace {
+
+struct Sound {
+    std::vector<float> samples; // of the first channel
+    double sampleRate = 0;
+};
+
+Sound readFirstChannel(
+    const std::filesystem::path& audio, std::optional<int> sampleRate, const std::stop_token& stop)
+{
+    AudioReader reader(audio, ChannelMix::AsStored, sampleRate);
+    Sound sound{{}, static_cast<double>(reader.sampleRate())};
+    while (const auto block = reader.next()) {
+        if (stop.stop_requested())
+            return {};
+        const auto first = block->front();
+        sound.samples.insert(sound.samples.end(), first.begin(), first.end());
+    }
+    return sound;
+}
+
+std::vector<TranscriptSegment> spoken(
+    const std::filesystem::path& audio,
+    double offset,
+    const std::stop_token& stop,
+    const EngineFactory& makeEngine)
+{
+    const Sound sound = readFirstChannel(audio, kSpeechRate, stop);
+    const auto stretches = speechStretches(sound.samples, stop);
+    if (stretches.empty())
+        return {};
+    return captionSegments(makeEngine()->words(sound.samples, stretches, {}, stop), offset);
+}
+
+std::vector<TranscriptSegment>
+loud(const std::filesystem::path& audio, double offset, const std::stop_token& stop)
+{
+    const Sound sound = readFirstChannel(audio, std::nullopt, stop);
+    return energySegments(sound.samples, sound.sampleRate, offset);
+}
+
+/// What `work` gives, or nothing if it fails.
+template <typename Work>
+std::vector<TranscriptSegment> orNothing(Work work)
+{
+    try {
+        return work();
+    } catch (const std::exception&) { // the next way is tried, and the caller lives without
+        return {};
+    }
+}
+
+} // namespace
+
+std::vector<TranscriptSegment> loadOrTranscribe(
+    const SessionBundle& bundle, const std::stop_token& stop, const EngineFactory& makeEngine)
+{
+    std::error_code ignored;
+    if (!std::filesystem::exists(bundle.narrationURL(), ignored))
+        return {};
+    try {
+        return decodeTranscript(readFile(bundle.transcriptURL()));
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch): it is made now
+    }
+    auto segments = transcribe(
+        bundle.narrationURL(),
+        bundle.meta.narrationOffset.value_or(0),
+        bundle.meta.duration,
+        stop,
+        makeEngine);
+    if (stop.stop_requested())
+        return {};
+    try {
+        writeFile(bundle.transcriptURL(), encodeTranscript(segments));
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch): it is made again the next time
+    }
+    return segments;
+}
+
+std::vector<TranscriptSegment> transcribe(
+    const std::filesystem::path& audio,
+    double offset,
+    double duration,
+    const std::stop_token& stop,
+    const EngineFactory& makeEngine)
+{
+    auto segments = orNothing([&] { return spoken(audio, offset, stop, makeEngine); });
+    if (segments.empty() && !stop.stop_requested())
+        segments = orNothing([&] { return loud(audio, offset, stop); });
+    return clamped(std::move(segments), duration);
+}
+
+std::vector<TranscriptSegment> clamped(std::vector<TranscriptSegment> segments, double duration)
+{
+    constexpr double kShortest = 0.15;
+    for (TranscriptSegment& segment : segments) {
+        segment.start = std::max(segment.start, 0.0);
+        segment.end = std::min(segment.end, duration);
+    }
+    std::erase_if(
+        segments, [](const TranscriptSegment& s) { return !(s.end - s.start > kShortest); });
+    std::ranges::stable_sort(segments, {}, &TranscriptSegment::start);
+    return segments;
+}
+
+} // namespace zento::NarrationTranscriber

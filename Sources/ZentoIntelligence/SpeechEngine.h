@@ -1,0 +1,41 @@
+#pragma once
+
+#include "ZentoIntelligence/SpeechStretch.h"
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <span>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+namespace zento {
+
+struct SpokenWord {
+    double start = 0; // seconds of the sound
+    double end = 0;
+    std::string text;
+    bool operator==(const SpokenWord&) const = default;
+};
+
+/// Turns speech into words. Threading: used by one thread at a time.
+class SpeechEngine {
+public:
+    virtual ~SpeechEngine() = default;
+
+    /// The words of the stretches of a sound at `kSpeechRate`, in order. `onProgress` may be empty;
+    /// it is told how much is done, in (0, 1]. Ends within a stretch once `stop` is requested, with
+    /// what it has. Throws `Error`.
+    virtual std::vector<SpokenWord> words(
+        std::span<const float> sound,
+        std::span<const SpeechStretch> stretches,
+        const std::function<void(double)>& onProgress,
+        const std::stop_token& stop) = 0;
+};
+
+/// PocketSphinx with Debian's English model: no download, no other language; about one word in four
+/// to eight is wrong. Throws `Error` where the model is not installed.
+std::unique_ptr<SpeechEngine> makeSphinx();
+
+} // namespace zento

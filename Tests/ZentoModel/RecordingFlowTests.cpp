@@ -328,6 +328,34 @@ TEST_F(RecordingFlowTest, TheEndOfTheProgramWaitsForTheBundle)
     EXPECT_TRUE(isDone);
 }
 
+TEST_F(RecordingFlowTest, APickerAnswersWhoeverOpenedItOnce)
+{
+    std::vector<std::optional<QRectF>> areas;
+    std::vector<std::optional<quint32>> windows;
+    const auto pickArea = [&] {
+        m_model->pickArea([&](const std::optional<QRectF>& area) { areas.push_back(area); });
+    };
+    const auto pickWindow = [&] {
+        m_model->pickWindow([&](std::optional<quint32> window) { windows.push_back(window); });
+    };
+    pickArea();
+    EXPECT_TRUE(m_model->picksForShot());
+    m_model->finishArea({5, 5, 200, 100});
+    m_model->finishArea({5, 5, 300, 100}); // nobody asks any more
+    pickArea();
+    m_model->cancelArea();
+    pickArea();
+    pickWindow(); // instead of the other
+    m_model->finishWindow(7);
+    pickWindow();
+    m_model->setPanel(AppModel::Panel::NoPanel);
+    EXPECT_FALSE(m_model->picksForShot());
+    EXPECT_EQ(
+        areas, (std::vector<std::optional<QRectF>>{QRectF(5, 5, 200, 100), std::nullopt, {}}));
+    EXPECT_EQ(windows, (std::vector<std::optional<quint32>>{7, std::nullopt}));
+    EXPECT_TRUE(m_captures.orders.empty()); // and nothing is recorded
+}
+
 TEST_F(RecordingFlowTest, AnAreaOf40PointsIsACancel)
 {
     for (const auto& [width, height] : {std::pair(40.0, 300.0), std::pair(300.0, 40.0)}) {

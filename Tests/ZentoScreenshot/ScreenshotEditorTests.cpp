@@ -64,8 +64,8 @@ class Editor : public testing::Test {
 protected:
     static void SetUpTestSuite()
     {
-        ::setenv(
-            "QT_QPA_PLATFORM", "offscreen", 1); // NOLINT(concurrency-mt-unsafe): no threads yet
+        // There are no other threads yet. NOLINTNEXTLINE(concurrency-mt-unsafe)
+        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
         static int count = 1;
         static char name[] = "screenshot_tests";
         static char* words[] = {name, nullptr};

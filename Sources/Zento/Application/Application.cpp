@@ -19,6 +19,7 @@
 #include <chrono>
 #include <exception>
 #include <iostream>
+#include <stop_token>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -44,7 +45,7 @@ std::vector<ShotPresets::Picture> desktopPictures()
 }
 
 /// Blocks until the page has ended.
-ScrolledShot shootScrolling(const Rect& area)
+ScrolledShot shootScrolling(const Rect& area, const std::stop_token& stop)
 {
     const auto desktop = openDesktop();
     const auto wheel = openScrollWheel();
@@ -52,7 +53,8 @@ ScrolledShot shootScrolling(const Rect& area)
         area,
         {.shoot = [&] { return ScreenshotTool::capture(*desktop, Target::Area{area}); },
          .wheel = *wheel,
-         .settle = [] { std::this_thread::sleep_for(kSettleTime); }});
+         .settle = [] { std::this_thread::sleep_for(kSettleTime); }},
+        stop);
 }
 
 /// The threads of screenshots, and what connects them to the application.
@@ -66,11 +68,12 @@ struct ScreenshotParts {
                .files = &files,
                .clock = clock,
                .shoot =
-                   [](const CaptureTarget& target) {
+                   [stop = stopping.get_token()](const CaptureTarget& target) {
                        const auto desktop = openDesktop();
-                       return ScreenshotTool::capture(*desktop, target);
+                       return ScreenshotTool::capture(*desktop, target, stop);
                    },
-               .shootScrolling = shootScrolling,
+               .shootScrolling = [stop = stopping.get_token()](
+                                     const Rect& area) { return shootScrolling(area, stop); },
                .desktopImage = desktopImage,
                .wallpapers = desktopPictures})
         , windows(&engine)
@@ -78,6 +81,11 @@ struct ScreenshotParts {
         QObject::connect(&screenshots, &Screenshots::opened, &windows, &ScreenshotWindows::open);
     }
 
+    ~ScreenshotParts() { stopping.request_stop(); } // the shot under way, before it is waited for
+    ScreenshotParts(const ScreenshotParts&) = delete;
+    ScreenshotParts& operator=(const ScreenshotParts&) = delete;
+
+    std::stop_source stopping;
     EventLoopClock clock;
     DesktopFileServices files;
     ThreadWorker shooting{"shot.shooting"};

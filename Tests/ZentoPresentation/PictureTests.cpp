@@ -1,6 +1,7 @@
 #include "TestSupport/NumberedMovie.h"
 #include "TestSupport/TemporaryFolder.h"
 #include "Zento/Desktop/WallpaperCatalog.h"
+#include "Zento/Model/PictureImage.h"
 #include "Zento/Presentation/CanvasImage.h"
 #include "Zento/Presentation/Gallery.h"
 #include "Zento/Presentation/IconProvider.h"

@@ -323,9 +323,7 @@ void EditSession::analyzeMusic()
 /// A narration that was never listened to is planned once it is known what it says.
 void EditSession::transcribeNarration()
 {
-    std::error_code ignored;
-    const bool isKnown = std::filesystem::exists(m_sources.bundle->transcriptURL(), ignored);
-    if (isKnown || !m_sources.analyses->hasNarration || !m_ports.transcribe) {
+    if (!transcript().empty() || !m_sources.analyses->hasNarration || !m_ports.transcribe) {
         return;
     }
     const auto stop = m_session.get_token();

@@ -1,6 +1,5 @@
 #include "Zento/Model/PictureImage.h"
 
-#include "ZentoImaging/Canvas.h"
 #include "ZentoImaging/Convert.h"
 
 #include <algorithm>
@@ -9,11 +8,9 @@
 
 namespace zento {
 
-namespace {
-
-QImage copied(const Canvas& canvas)
+QImage toImage(const Canvas& canvas)
 {
-    QImage image(canvas.width(), canvas.height(), QImage::Format_RGB32);
+    QImage image(canvas.width(), canvas.height(), QImage::Format_ARGB32_Premultiplied);
     const auto pixels = canvas.pixels();
     for (int y = 0; y < canvas.height(); ++y) {
         std::memcpy(
@@ -24,11 +21,11 @@ QImage copied(const Canvas& canvas)
     return image;
 }
 
-} // namespace
-
 QImage toImage(const ConstPictureView& picture)
 {
-    return copied(toCanvas(picture));
+    QImage image = toImage(toCanvas(picture));
+    image.reinterpretAsFormat(QImage::Format_RGB32);
+    return image;
 }
 
 QImage toImage(const VideoFrame& frame, int height)

@@ -1,5 +1,6 @@
 #include "Zento/Presentation/PictureProvider.h"
 
+#include "Zento/Model/PictureImage.h"
 #include "Zento/Presentation/CanvasImage.h"
 
 #include <QDebug>

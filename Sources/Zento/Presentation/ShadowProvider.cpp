@@ -1,5 +1,6 @@
 #include "Zento/Presentation/ShadowProvider.h"
 
+#include "Zento/Model/PictureImage.h"
 #include "Zento/Presentation/CanvasImage.h"
 #include "ZentoImaging/Canvas.h"
 

@@ -1,5 +1,6 @@
 #include "Zento/Screenshot/ScreenshotEditor.h"
 
+#include "Zento/Model/PictureImage.h"
 #include "ZentoImaging/Font.h"
 #include "ZentoRender/Screenshot/AnnotationRenderer.h"
 
@@ -14,7 +15,6 @@
 #include <QUrl>
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -49,19 +49,6 @@ QImage reduced(QImage picture, const QSize& size)
         return picture;
     }
     return picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-}
-
-QImage toImage(const Canvas& canvas)
-{
-    QImage image(canvas.width(), canvas.height(), QImage::Format_ARGB32_Premultiplied);
-    const auto pixels = canvas.pixels();
-    for (int y = 0; y < canvas.height(); ++y) {
-        std::memcpy(
-            image.scanLine(y),
-            pixels.row(y),
-            static_cast<std::size_t>(canvas.width()) * sizeof(std::uint32_t));
-    }
-    return image;
 }
 
 QByteArray pngOf(const Shot& shot, const ShotDocument& document, const ShotStyle& style)

@@ -509,22 +509,27 @@ QString ScreenshotEditor::proposedPath() const
 
 void ScreenshotEditor::save(const QString& path)
 {
-    produce([this, path](const QByteArray& png) {
-        ++m_outputsUnderWay;
-        compute(
-            m_ports.output,
-            this,
-            [path, png] { writeWhole(path, png); },
-            [this](const Outcome<void>& outcome) {
-                if (outcome) {
-                    note(tr("Saved"));
-                } else {
-                    Q_EMIT failed(QString::fromStdString(outcome.error()));
-                }
-                --m_outputsUnderWay;
-                finishIfClosed();
-            });
-    });
+    produce(
+        [this, path](const QByteArray& png) { write(path, png, [this] { note(tr("Saved")); }); });
+}
+
+/// Writes a file beside the main thread; `then` runs on it when the file is whole.
+void ScreenshotEditor::write(const QString& path, const QByteArray& png, std::function<void()> then)
+{
+    ++m_outputsUnderWay;
+    compute(
+        m_ports.output,
+        this,
+        [path, png] { writeWhole(path, png); },
+        [this, then = std::move(then)](const Outcome<void>& outcome) {
+            if (outcome) {
+                then();
+            } else {
+                Q_EMIT failed(QString::fromStdString(outcome.error()));
+            }
+            --m_outputsUnderWay;
+            finishIfClosed();
+        });
 }
 
 ShotExport ScreenshotEditor::shotExport()
@@ -553,12 +558,7 @@ void ScreenshotEditor::shareWith(void (*share)(ScreenshotEditor&, const QString&
 {
     produce([this, share](const QByteArray& png) {
         const QString path = QDir(m_ports.exportFolder).filePath(proposedName());
-        auto work = [&] { writeWhole(path, png); };
-        if (const auto outcome = attempt(work)) {
-            share(*this, path);
-        } else {
-            Q_EMIT failed(QString::fromStdString(outcome.error()));
-        }
+        write(path, png, [this, share, path] { share(*this, path); });
     });
 }
 

@@ -18,6 +18,7 @@
 #include <QVariantList>
 #include <QVariantMap>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -180,6 +181,7 @@ private:
     void drawn(const Look& look, Outcome<QImage> picture);
     template <typename Use>
     void produce(const Use& use);
+    void write(const QString& path, const QByteArray& png, std::function<void()> then);
     void shareWith(void (*share)(ScreenshotEditor&, const QString& path));
     void note(const QString& note);
     void finishIfClosed();

@@ -118,6 +118,7 @@ AppServices ApplicationHost::services()
              .desktopImage = desktopImage,
              .transcribe = transcribeQuietly},
         .music = m_musicWorker,
+        .musicPlayer = m_musicPlayer,
         .musicSources =
             musicSources({.api = ZENTO_MUSIC_API, .site = ZENTO_MUSIC_SITE, .ownSite = ZENTO_SITE}),
         .fileServices = m_fileServices,

@@ -110,6 +110,7 @@ AppServices ApplicationHost::services()
                      return NarrationTranscriber::loadOrTranscribe(bundle, stop);
                  }},
         .music = m_musicWorker,
+        .musicPlayer = m_musicPlayer,
         .musicSources =
             musicSources({.api = ZENTO_MUSIC_API, .site = ZENTO_MUSIC_SITE, .ownSite = ZENTO_SITE}),
         .fileServices = m_fileServices,

@@ -4,7 +4,7 @@
 #include "Zento/Model/Worker.h"
 #include "Zento/Screenshot/ShotDrawing.h"
 #include "Zento/Screenshot/ShotEditing.h"
-#include "Zento/Screenshot/ShotExport.h"
+#include "Zento/Screenshot/ShotOutput.h"
 #include "Zento/Screenshot/ShotPlacement.h"
 #include "Zento/Screenshot/ShotPresets.h"
 #include "ZentoCapture/ScreenshotTool.h"
@@ -18,10 +18,8 @@
 #include <QVariantList>
 #include <QVariantMap>
 
-#include <functional>
 #include <memory>
 #include <optional>
-#include <utility>
 #include <vector>
 
 namespace zento {
@@ -88,7 +86,7 @@ public:
     QString sizeText() const;
     bool canUndo() const { return m_editing.canUndo(); }
     bool canRedo() const { return m_editing.canRedo(); }
-    bool canShare() const { return m_ports.files != nullptr; }
+    bool canShare() const { return m_output.canShare(); }
     static QVariantList tools();
     QString tool() const;
     static QStringList palette();
@@ -153,7 +151,7 @@ public:
     /// The window is closed: the editor deletes itself when what is under way is done.
     Q_INVOKABLE void close();
 
-    ShotExport shotExport();
+    ShotExport shotExport() const;
 
 Q_SIGNALS:
     void changed();
@@ -164,25 +162,15 @@ Q_SIGNALS:
     void closed();
 
 private:
-    struct Look {
-        ShotDocument document;
-        ShotStyle style;
-        bool operator==(const Look&) const = default;
-    };
-
-    Look look(ShotEditing::PendingText text) const;
-    ShotPlacement placement(const Look& look) const;
-    QSizeF pictureSize(const Look& look) const; // in the view
+    ShotLook look(ShotEditing::PendingText text) const;
+    ShotPlacement placement(const ShotLook& look) const;
+    QSizeF pictureSize(const ShotLook& look) const; // in the view
     Vec2 raw(const QPointF& point) const;
     double rawTolerance() const;
     void edited();
     void restyled();
     void redraw();
-    void drawn(const Look& look, Outcome<QImage> picture);
-    template <typename Use>
-    void produce(const Use& use);
-    void write(const QString& path, const QByteArray& png, std::function<void()> then);
-    void shareWith(void (*share)(ScreenshotEditor&, const QString& path));
+    void drawn(const ShotLook& look, Outcome<QImage> picture);
     void note(const QString& note);
     void finishIfClosed();
 
@@ -197,11 +185,10 @@ private:
     double m_density = 1;
     std::shared_ptr<ShotDrawing> m_drawing; // used by the drawing's worker alone
     QImage m_picture;
-    std::optional<Look> m_pictured; // what the picture shows
-    QSize m_picturedSize;           // device pixels it is shown in
-    std::optional<Look> m_underWay;
-    std::optional<std::pair<Look, QByteArray>> m_output; // the last that was made
-    int m_outputsUnderWay = 0;
+    std::optional<ShotLook> m_pictured; // what the picture shows
+    QSize m_picturedSize;               // device pixels it is shown in
+    std::optional<ShotLook> m_underWay;
+    ShotOutput m_output;
     bool m_isClosed = false;
     QString m_savedNote;
 };

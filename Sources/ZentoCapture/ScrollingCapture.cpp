@@ -61,7 +61,7 @@ ScrolledShot run(const Rect& area, const Ports& ports, const std::stop_token& st
     for (;;) {
         ports.wheel.scroll(notches, centre);
         ports.settle();
-        if (stop.stop_requested()) {
+        if (stop.stop_requested() || ports.wheel.isGivenUp()) {
             throw Error(ErrorCode::kCancelled, "the scrolling capture was given up");
         }
         if (wasMoved(ports.wheel, centre)) {

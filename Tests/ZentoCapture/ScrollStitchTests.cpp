@@ -303,6 +303,9 @@ public:
         offset += notches * m_perNotch;
     }
 
+    bool isGivenUp() override { return isEscaped; }
+
+    bool isEscaped = false;
     Vec2 place{11, 22};
     int offset = 0;
 
@@ -352,6 +355,29 @@ TEST(ScrollingCapture, endsWhenAHandMovesThePointer)
     EXPECT_EQ(result.shot.image->height(), 400 + 100 + 200);
     EXPECT_EQ(result.seams, (std::vector<ScrollSeam>{{700, ScrollDoubt::CutShort}}));
     EXPECT_EQ(wheel.place, (Vec2{150, 300}));
+}
+
+TEST(ScrollingCapture, isGivenUpByEscapeAtEveryStep)
+{
+    test::Random random(4);
+    const Page page = textPage(random, 1500);
+    for (int step = 1; step <= 4; ++step) {
+        FakeWheel wheel(100);
+        int rests = 0;
+        const auto shoot = [&] {
+            return Shot{std::make_shared<const Canvas>(window(page, wheel.offset, 400, 0)), 1};
+        };
+        const auto settle = [&] { wheel.isEscaped = ++rests == step; };
+        try {
+            ScrollingCapture::run(
+                {0, 0, kWidth, 400}, {.shoot = shoot, .wheel = wheel, .settle = settle});
+            ADD_FAILURE() << step;
+        } catch (const Error& error) {
+            EXPECT_EQ(error.code(), ErrorCode::kCancelled) << step;
+        }
+        EXPECT_EQ(rests, step);
+        EXPECT_EQ(wheel.place, (Vec2{11, 22})) << step;
+    }
 }
 
 TEST(ScrollingCapture, putsThePointerBackWhenAShotFails)

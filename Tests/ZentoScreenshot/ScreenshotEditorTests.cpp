@@ -139,6 +139,25 @@ TEST_F(Editor, showsALargeShotAsItWillBe)
     EXPECT_LT(different, 1500); // along the edges of some thousand pixels of marks
 }
 
+/// What is too large for a frame is shown and given out without one, and says so.
+TEST_F(Editor, standsWithoutALookThatDoesNotFit)
+{
+    const auto editor = open(shotOf(40, 30000));
+    editor->setPresetID(QStringLiteral("indigo"));
+    EXPECT_FALSE(editor->notice().isEmpty());
+    m_drawing.runAll();
+    EXPECT_EQ(readImage(editor->shotExport().makePNG()).size(), QSize(40, 30000));
+    const QSize shown = editor->picture().size();
+    EXPECT_GT(shown.height(), 100 * shown.width()); // no margin
+    editor->setPresetID(QStringLiteral("bare"));
+    EXPECT_TRUE(editor->notice().isEmpty());
+    editor->setPresetID(QStringLiteral("docs"));
+    EXPECT_FALSE(editor->notice().isEmpty());
+    gesture(*editor, "crop", {{450, 100}, {451, 120}}); // 1,000 pixels
+    EXPECT_TRUE(editor->notice().isEmpty());
+    EXPECT_GT(readImage(editor->shotExport().makePNG()).width(), 100);
+}
+
 TEST_F(Editor, drawsTheNewestOfWhatChangedMeanwhile)
 {
     const auto editor = open(shotOf(320, 200));

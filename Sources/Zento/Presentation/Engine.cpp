@@ -6,6 +6,7 @@
 #include "Zento/Presentation/PictureProvider.h"
 #include "Zento/Presentation/ShadowProvider.h"
 
+#include <QFont>
 #include <QQmlEngine>
 
 // Written by the build for the QML module.
@@ -27,6 +28,9 @@ Singleton* singleton(QQmlEngine& engine, const char* name)
 void prepareEngine(QQmlEngine& engine, QObject* app)
 {
     qml_register_types_Zento();
+    // Without it Qt takes an emoji from whichever font has an outline of it.
+    for (const QString& family : {QStringLiteral("Inter"), QStringLiteral("JetBrains Mono")})
+        QFont::insertSubstitution(family, QStringLiteral("Noto Color Emoji"));
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QStringLiteral("icon"), new IconProvider);
     engine.addImageProvider(QStringLiteral("shadow"), new ShadowProvider);

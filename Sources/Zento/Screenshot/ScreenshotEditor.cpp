@@ -98,6 +98,14 @@ QString ScreenshotEditor::sizeText() const
     return QStringLiteral("%1 × %2").arg(kept.w).arg(kept.h);
 }
 
+QString ScreenshotEditor::notice() const
+{
+    const bool isUnframed = look(ShotEditing::PendingText::Hidden).style.bare && !m_style.bare;
+    return isUnframed ? tr("The picture is too large for this look, so it stands without one. Crop "
+                           "it to give it its look back.")
+                      : QString();
+}
+
 QVariantList ScreenshotEditor::tools()
 {
     QVariantList list;
@@ -126,7 +134,10 @@ QStringList ScreenshotEditor::palette()
 
 ShotLook ScreenshotEditor::look(ShotEditing::PendingText text) const
 {
-    return {m_editing.shown(text), m_style};
+    ShotLook look{m_editing.shown(text), m_style};
+    const Rect kept = AnnotationRenderer::keptArea(look.document.crop, sizeOf(m_shot));
+    look.style.bare = look.style.bare || !ShotComposer::fits(m_style, kept.w, kept.h);
+    return look;
 }
 
 ShotPlacement ScreenshotEditor::placement(const ShotLook& look) const

@@ -77,6 +77,7 @@ class ScreenshotEditor : public QObject {
     Q_PROPERTY(QRectF pictureFrame READ pictureFrame NOTIFY pictureChanged)
     Q_PROPERTY(QString savedNote READ savedNote NOTIFY noted)
     Q_PROPERTY(QString saveTo READ saveTo CONSTANT)
+    Q_PROPERTY(QString notice READ notice NOTIFY changed) // about how it is shown; empty without
     Q_PROPERTY(QString doubt READ doubt CONSTANT) // about the shot itself; empty without one
 
 public:
@@ -109,6 +110,7 @@ public:
     const QImage& picture() const { return m_picture; }
     QRectF pictureFrame() const;
     QString savedNote() const { return m_savedNote; }
+    QString notice() const;
     QString saveTo() const { return m_ports.saveTo; }
     QString doubt() const { return m_ports.doubt; }
 

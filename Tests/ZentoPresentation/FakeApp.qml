@@ -15,6 +15,7 @@ QtObject {
     property string freeSpace: "182 GB free"
     property var calls: []
     property var settings
+    property string desktop: "Wayland"
 
     signal actionRequested(string action)
 

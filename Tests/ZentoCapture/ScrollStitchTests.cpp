@@ -73,6 +73,7 @@ struct Page {
     int header = 0; // rows of a bar at the window's upper edge
     int footer = 0;
     bool moves = false; // a film in the middle of the window
+    int bar = 0;        // columns of a scroll bar at the right edge
 };
 
 Canvas window(const Page& page, int offset, int height, int shot)
@@ -86,6 +87,12 @@ Canvas window(const Page& page, int offset, int height, int shot)
     fill(frame, 0, height - page.footer, kWidth, page.footer, 0xAA5533);
     if (page.moves)
         fill(frame, 20, height / 3, 60, 40, static_cast<std::uint32_t>(0x101010 * (1 + shot % 9)));
+    if (page.bar > 0) {
+        fill(frame, kWidth - page.bar, 0, page.bar, height, 0xEEEEEE);
+        const int thumb = height * height / page.content.height();
+        const int place = offset * height / page.content.height();
+        fill(frame, kWidth - page.bar, place, page.bar, thumb, 0x888888);
+    }
     return frame;
 }
 
@@ -196,6 +203,13 @@ std::vector<Kind> kinds()
              return page;
          },
          false},
+        {"a scroll bar",
+         [](auto& r, int h, int) {
+             Page page = textPage(r, h * 3);
+             page.bar = 15;
+             return page;
+         },
+         false},
         {"a film",
          [](auto& r, int h, int) {
              Page page = textPage(r, h * 3);
@@ -238,6 +252,27 @@ TEST(ScrollStitch, isExactOrSaysThatItIsNot)
     EXPECT_EQ(counts["wrong"], 0);
     std::cout << counts["exact"] << " exact, " << counts["flagged"] << " flagged, "
               << counts["wrong"] << " wrong\n";
+}
+
+/// A scroll bar is told once, and hides no other doubt.
+TEST(ScrollStitch, followsAPageBesideItsScrollBar)
+{
+    test::Random random(8);
+    Page page = textPage(random, 1700);
+    page.bar = 15;
+    const Result result = scrolled(page, 300, 180);
+    EXPECT_EQ(result.seams, (std::vector<ScrollSeam>{{300, ScrollDoubt::ScrollBar}}));
+    ASSERT_EQ(result.page.height(), 1700);
+    for (int y = 0; y < 1700; ++y)
+        ASSERT_TRUE(std::equal(
+            result.page.pixels().row(y),
+            result.page.pixels().row(y) + kWidth - page.bar,
+            page.content.pixels().row(y)))
+            << y;
+    page.moves = true;
+    const Result film = scrolled(page, 300, 180);
+    EXPECT_TRUE(std::ranges::any_of(
+        film.seams, [](const ScrollSeam& seam) { return seam.doubt != ScrollDoubt::ScrollBar; }));
 }
 
 TEST(ScrollStitch, tellsWhereItDoubts)

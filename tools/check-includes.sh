@@ -15,6 +15,8 @@ cairo|pango|gdk-pixbuf|hwy/|gif_lib|libimagequant ZentoImaging
 X11/|xcb/|xkbcommon/ ZentoCapture/Backends|Zento/Desktop|Zento/Demo
 pipewire/|spa/ ZentoCapture/Backends
 atspi/ ZentoCapture/Backends|Zento/Demo
+gio/|glib ZentoCapture/Backends|Zento/Desktop|Zento/Demo
+libinput|libudev|linux/ ZentoCapture/Backends
 opencv ZentoIntelligence|ZentoRender
 simdjson ZentoCore
 curl/ ZentoNet

@@ -29,6 +29,8 @@ class App : public QObject {
     Q_PROPERTY(QVariant windows READ windows NOTIFY modelChanged)
     Q_PROPERTY(QVariant editor READ editor NOTIFY modelChanged)
     Q_PROPERTY(QVariant music READ music NOTIFY modelChanged)
+    /// What the screen is recorded by: "X11", "Wayland"; absent until it has been found out.
+    Q_PROPERTY(QVariant desktop READ desktop NOTIFY desktopChanged)
     /// What the settings are on a fresh install, by their keys.
     Q_PROPERTY(QVariant defaults READ defaults CONSTANT)
 
@@ -51,10 +53,16 @@ public:
     QVariant windows() const { return part("windows"); }
     QVariant editor() const { return part("editor"); }
     QVariant music() const { return part("music"); }
+    QVariant desktop() const { return part("desktop"); }
     static QVariant defaults();
 
 Q_SIGNALS:
     void modelChanged();
+    void desktopChanged();
+
+protected:
+    /// The desktop is a property the model gets once it is known.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     QVariant part(const char* name) const { return m_model ? m_model->property(name) : QVariant(); }

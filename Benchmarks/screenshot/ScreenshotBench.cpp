@@ -42,13 +42,13 @@ double median(int runs, const std::function<void(int)>& job)
     return times[static_cast<std::size_t>(runs / 2)];
 }
 
-/// Lines of dark words on white.
+/// Lines of dark words on white, at no regular distance.
 Canvas textPage(int width, int height)
 {
     std::mt19937 random(7);
     Canvas page(width, height);
     page.fillAll(Color::gray(1));
-    for (int y = 8; y < height; y += 26) {
+    for (int y = 8; y < height; y += 20 + static_cast<int>(random() % 13)) {
         for (int x = 20; x < width - 200;) {
             const int word = 20 + static_cast<int>(random() % 120);
             page.fill(Path().rect({double(x), double(y), double(word), 14}), Color::gray(0.2));

@@ -74,7 +74,7 @@ bool ScrollStitch::hasScrollBar() const
 /// Of all columns, or of all but the edge's where those cannot be had.
 std::vector<int> ScrollStitch::exactShiftsTo(const Frame& frame)
 {
-    const std::vector<int> inside = exactShifts(m_previous.rows, frame.rows);
+    std::vector<int> inside = exactShifts(m_previous.rows, frame.rows);
     std::vector<int> whole;
     std::ranges::set_intersection(
         inside, exactShifts(m_previous.edge, frame.edge), std::back_inserter(whole));

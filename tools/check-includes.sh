@@ -15,7 +15,8 @@ cairo|pango|gdk-pixbuf|hwy/|gif_lib|libimagequant ZentoImaging
 X11/|xcb/|xkbcommon/ ZentoCapture/Backends|Zento/Desktop|Zento/Demo
 pipewire/|spa/ ZentoCapture/Backends
 atspi/ ZentoCapture/Backends|Zento/Demo
-opencv ZentoIntelligence|ZentoRender
+opencv2/imgproc ZentoIntelligence
+opencv2/dnn|opencv2/core ZentoRender
 simdjson ZentoCore
 curl/ ZentoNet
 pocketsphinx|sphinxbase/ ZentoIntelligence

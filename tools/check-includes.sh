@@ -37,7 +37,7 @@ ZentoImaging ZentoCore
 ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
-ZentoIntelligence ZentoCore|ZentoMedia
+ZentoIntelligence ZentoCore|ZentoNet|ZentoMedia
 Zento/Timeline ZentoCore
 Zento/Model ZentoCore|ZentoMedia|ZentoImaging|ZentoEngine|ZentoCapture|ZentoRender|ZentoIntelligence|Zento/Timeline|Zento/Music
 Zento/Music ZentoCore|ZentoNet|ZentoMedia

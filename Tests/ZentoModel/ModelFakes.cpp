@@ -158,7 +158,7 @@ void ModelTest::makeModel()
                              const auto&) { return bundle / "proxy.mp4"; },
              .makeComposer = [](auto) { return std::make_unique<SilentComposer>(); },
              .desktopImage = [] { return std::optional<std::string>(); },
-             .transcribe = {}},
+             .analysers = {}},
         .music = m_files,
         .musicSources = {},
         .fileServices = m_services,

@@ -11,6 +11,7 @@
 #include "ZentoCapture/DeviceWatch.h"
 #include "ZentoCore/SessionBundle.h"
 #include "ZentoCore/UserFolders.h"
+#include "ZentoIntelligence/FrameAnalyzer.h"
 #include "ZentoIntelligence/NarrationTranscriber.h"
 
 #include <QCursor>
@@ -116,7 +117,10 @@ AppServices ApplicationHost::services()
                  },
              .makeComposer = threadedComposer,
              .desktopImage = desktopImage,
-             .transcribe = transcribeQuietly},
+             .analysers =
+                 {.findRegions = FrameAnalyzer::loadOrAnalyze,
+                  .transcribe = transcribeQuietly,
+                  .tellStory = {}}},
         .music = m_musicWorker,
         .musicSources =
             musicSources({.api = ZENTO_MUSIC_API, .site = ZENTO_MUSIC_SITE, .ownSite = ZENTO_SITE}),

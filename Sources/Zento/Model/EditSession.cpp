@@ -120,6 +120,7 @@ void EditSession::take(Loaded loadedSources)
     Q_EMIT editsChanged();
     plan();
     analyzeMusic();
+    findRegions();
     transcribeNarration();
 }
 
@@ -320,30 +321,69 @@ void EditSession::analyzeMusic()
         });
 }
 
-/// A narration that was never listened to is planned once it is known what it says.
-void EditSession::transcribeNarration()
+/// What an analysis finds becomes a part of what the film is planned from; `next` follows it,
+/// whatever it found.
+template <typename Result, typename Analyse>
+void EditSession::learn(
+    Worker& worker, Analyse analyse, Result BundleAnalyses::* part, std::function<void()> next)
 {
-    if (!transcript().empty() || !m_sources.analyses->hasNarration || !m_ports.transcribe) {
-        return;
-    }
     const auto stop = m_session.get_token();
     compute(
-        m_ports.speech,
+        worker,
         this,
-        [transcribe = m_ports.transcribe, bundle = m_sources.bundle, stop] {
-            return stop.stop_requested() ? std::vector<TranscriptSegment>()
-                                         : transcribe(*bundle, stop);
+        [analyse = std::move(analyse), bundle = m_sources.bundle, stop] {
+            return stop.stop_requested() ? Result() : analyse(*bundle, stop);
         },
-        [this, stop](Outcome<std::vector<TranscriptSegment>> outcome) {
-            if (stop.stop_requested() || !outcome || outcome->empty()) {
+        [this, stop, part, next = std::move(next)](Outcome<Result> outcome) {
+            if (stop.stop_requested()) {
                 return;
             }
-            auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
-            analyses->transcript = *std::move(outcome);
-            m_sources.analyses = std::move(analyses);
-            Q_EMIT editsChanged();
-            planSoon();
+            if (outcome && *outcome != Result() && *outcome != (*m_sources.analyses).*part) {
+                auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
+                (*analyses).*part = *std::move(outcome);
+                m_sources.analyses = std::move(analyses);
+                Q_EMIT editsChanged();
+                planSoon();
+            }
+            if (next) {
+                next();
+            }
         });
+}
+
+/// Clicks that nothing explains are planned around once it is known what they hit.
+void EditSession::findRegions()
+{
+    if (m_sources.analyses->framingHints.empty() && m_ports.analysers.findRegions) {
+        learn(m_ports.analyses, m_ports.analysers.findRegions, &BundleAnalyses::framingHints);
+    }
+}
+
+/// A narration that was never listened to is planned once it is known what it says. The story
+/// follows what is said.
+void EditSession::transcribeNarration()
+{
+    const bool isUnheard = transcript().empty() && m_sources.analyses->hasNarration;
+    if (isUnheard && m_ports.analysers.transcribe) {
+        learn(m_ports.speech, m_ports.analysers.transcribe, &BundleAnalyses::transcript, [this] {
+            tellStory();
+        });
+    } else {
+        tellStory();
+    }
+}
+
+void EditSession::tellStory()
+{
+    if (!m_sources.analyses->semantics && m_ports.analysers.tellStory) {
+        learn(
+            m_ports.speech,
+            [tell = m_ports.analysers.tellStory,
+             said = transcript()](const SessionBundle& bundle, const std::stop_token& stop) {
+                return tell(bundle, said, stop);
+            },
+            &BundleAnalyses::semantics);
+    }
 }
 
 void EditSession::setStaleDismissed(bool isDismissed)

@@ -21,6 +21,18 @@
 
 namespace zento {
 
+/// The ways to learn what a bundle holds. Each leaves its result in the bundle; those that are
+/// empty are not gone. On a worker; they block long.
+struct BundleAnalysers {
+    std::function<std::vector<FramingHint>(const SessionBundle&, const std::stop_token&)>
+        findRegions;
+    std::function<std::vector<TranscriptSegment>(const SessionBundle&, const std::stop_token&)>
+        transcribe;
+    std::function<std::optional<SemanticNotes>(
+        const SessionBundle&, const std::vector<TranscriptSegment>&, const std::stop_token&)>
+        tellStory;
+};
+
 /// The edit of the selected recording: its saved edits and the settings as values, the plan that is
 /// made of them in the background, undo, and the file "overrides.json".
 ///
@@ -50,13 +62,11 @@ public:
     struct Ports {
         Clock& clock;
         Worker& edits;    // loads, plans, saves
-        Worker& analyses; // the beats of a song
-        Worker& speech;   // what the narration says
+        Worker& analyses; // the beats of a song, the regions around clicks
+        Worker& speech;   // what the narration says, and the story
         SettingsModel& settings;
         std::function<std::optional<std::string>()> desktopImage; // on a worker; may block
-        /// What was said, with the transcript left in the bundle. On a worker; blocks long.
-        std::function<std::vector<TranscriptSegment>(const SessionBundle&, const std::stop_token&)>
-            transcribe;
+        BundleAnalysers analysers = {};
     };
 
     explicit EditSession(Ports ports);
@@ -132,7 +142,15 @@ private:
     void plan();
     void save();
     void analyzeMusic();
+    void findRegions();
     void transcribeNarration();
+    void tellStory();
+    template <typename Result, typename Analyse>
+    void learn(
+        Worker& worker,
+        Analyse analyse,
+        Result BundleAnalyses::* part,
+        std::function<void()> next = {});
 
     Ports m_ports;
     std::filesystem::path m_path;

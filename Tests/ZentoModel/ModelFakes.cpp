@@ -159,6 +159,8 @@ void ModelTest::makeModel()
              .makeComposer = [](auto) { return std::make_unique<SilentComposer>(); },
              .desktopImage = [] { return std::optional<std::string>(); },
              .analysers = {}},
+        .language = m_analyses,
+        .findModel = [this](const auto& choice, const auto&) { return m_findModel(choice); },
         .music = m_files,
         .musicSources = {},
         .fileServices = m_services,

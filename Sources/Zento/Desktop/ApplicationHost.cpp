@@ -13,6 +13,7 @@
 #include "ZentoCore/UserFolders.h"
 #include "ZentoIntelligence/FrameAnalyzer.h"
 #include "ZentoIntelligence/NarrationTranscriber.h"
+#include "ZentoIntelligence/SemanticAnalyzer.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -31,6 +32,8 @@ namespace zento {
 namespace {
 
 constexpr std::chrono::milliseconds kTimeToFront{1500};
+constexpr auto kSettingsFormat = QSettings::IniFormat;
+constexpr auto kSettingsName = "Zento";
 constexpr auto kRecordingIcon = "dev.halvek.zento-recording";
 
 QScreen* screenAt(QPoint point)
@@ -46,6 +49,26 @@ transcribeQuietly(const SessionBundle& bundle, const std::stop_token& stop)
     constexpr int kLow = 10;
     setpriority(PRIO_PROCESS, 0, kLow); // of this thread alone, which does nothing else
     return NarrationTranscriber::loadOrTranscribe(bundle, stop);
+}
+
+/// The story, told by the model of the user's choice.
+std::optional<SemanticNotes> storyOf(
+    const SessionBundle& bundle,
+    const std::vector<TranscriptSegment>& transcript,
+    const std::stop_token& stop)
+{
+    return SemanticAnalyzer::loadOrAnalyze(
+        bundle,
+        transcript,
+        [](const std::stop_token& token) {
+            const QSettings defaults( // an object of this thread
+                kSettingsFormat,
+                QSettings::UserScope,
+                kSettingsName,
+                kSettingsName);
+            return SystemLanguageModel::find(languageModelChoice(defaults), token);
+        },
+        stop);
 }
 
 /// Where the panels of a recording belong: on the area's display, else on the pointer's.
@@ -73,7 +96,7 @@ std::vector<QRectF> displays()
 } // namespace
 
 ApplicationHost::ApplicationHost()
-    : m_defaults(QSettings::IniFormat, QSettings::UserScope, "Zento", "Zento")
+    : m_defaults(kSettingsFormat, QSettings::UserScope, kSettingsName, kSettingsName)
     , m_model(std::make_unique<AppModel>(services()))
 {
     QGuiApplication::setDesktopFileName(kApplicationId);
@@ -120,7 +143,12 @@ AppServices ApplicationHost::services()
              .analysers =
                  {.findRegions = FrameAnalyzer::loadOrAnalyze,
                   .transcribe = transcribeQuietly,
-                  .tellStory = {}}},
+                  .tellStory = storyOf}},
+        .language = m_language,
+        .findModel =
+            [](const LanguageModelChoice& choice, const std::stop_token& stop) {
+                return SystemLanguageModel::find(choice, stop);
+            },
         .music = m_musicWorker,
         .musicSources =
             musicSources({.api = ZENTO_MUSIC_API, .site = ZENTO_MUSIC_SITE, .ownSite = ZENTO_SITE}),

@@ -394,6 +394,17 @@ void EditSession::setStaleDismissed(bool isDismissed)
     }
 }
 
+void EditSession::titleChanged()
+{
+    const AppSettings& settings = m_ports.settings.current();
+    if (isLoaded() && settings.titleCard && trimmed(settings.titleCardText).empty()) {
+        ++m_version;
+        if (!std::exchange(m_isRenderStale, true)) {
+            Q_EMIT renderStaleChanged();
+        }
+    }
+}
+
 void EditSession::rendered(std::uint64_t version)
 {
     if (version == m_version && std::exchange(m_isRenderStale, false)) {

@@ -112,6 +112,8 @@ public:
     void setStaleDismissed(bool isDismissed);
     /// Grows with every change of what the film is made from.
     std::uint64_t version() const { return m_version; }
+    /// The words that the title card may show are others now.
+    void titleChanged();
     /// The film of this recording was written with the edit of that version.
     void rendered(std::uint64_t version);
 

@@ -29,6 +29,8 @@ class App : public QObject {
     Q_PROPERTY(QVariant windows READ windows NOTIFY modelChanged)
     Q_PROPERTY(QVariant editor READ editor NOTIFY modelChanged)
     Q_PROPERTY(QVariant music READ music NOTIFY modelChanged)
+    Q_PROPERTY(QVariant language READ language NOTIFY modelChanged)
+    Q_PROPERTY(QVariant filmCopy READ filmCopy NOTIFY modelChanged)
     /// What the settings are on a fresh install, by their keys.
     Q_PROPERTY(QVariant defaults READ defaults CONSTANT)
 
@@ -51,6 +53,8 @@ public:
     QVariant windows() const { return part("windows"); }
     QVariant editor() const { return part("editor"); }
     QVariant music() const { return part("music"); }
+    QVariant language() const { return part("language"); }
+    QVariant filmCopy() const { return part("filmCopy"); }
     static QVariant defaults();
 
 Q_SIGNALS:

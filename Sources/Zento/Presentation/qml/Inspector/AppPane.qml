@@ -7,6 +7,7 @@ Pane {
     signal aboutRequested()
 
     title: qsTr("App")
+    Component.onCompleted: App.language.refresh()
     Repeater {
         model: App.shortcuts.groups
         delegate: Section {
@@ -35,6 +36,54 @@ Pane {
                     onResetRequested: App.shortcuts.reset(action)
                 }
             }
+        }
+    }
+    Section {
+        title: qsTr("Writing and story")
+        Caption {
+            width: parent.width
+            wrapMode: Text.Wrap
+            visible: text.length > 0
+            text: App.language.status
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
+        Gap {}
+        Choice {
+            width: parent.width
+            visible: App.language.models.length > 1
+            label: qsTr("Language model")
+            model: App.language.models.map(name => ({ value: name, name: name }))
+            current: App.language.model
+            onPicked: value => App.language.model = value
+        }
+        Caption {
+            width: parent.width
+            visible: App.language.models.length === 1
+            elide: Text.ElideMiddle
+            text: App.language.model
+        }
+        Gap {}
+        TextBox {
+            width: parent.width
+            label: qsTr("Language server")
+            placeholderText: qsTr("On this computer")
+            value: App.language.host
+            onEdited: value => App.language.host = value
+        }
+        Gap { size: 4 }
+        Caption {
+            width: parent.width
+            wrapMode: Text.Wrap
+            text: App.language.privacy
+        }
+        Gap {}
+        Button {
+            size: Button.Small
+            iconName: "refresh"
+            enabled: !App.language.isLooking
+            text: qsTr("Look again")
+            onClicked: App.language.refresh()
         }
     }
     Section {

@@ -21,8 +21,6 @@
 #include <QScreen>
 #include <QTimer>
 
-#include <sys/resource.h>
-
 #include <chrono>
 #include <utility>
 #include <variant>
@@ -40,15 +38,6 @@ QScreen* screenAt(QPoint point)
 {
     QScreen* const screen = QGuiApplication::screenAt(point);
     return screen == nullptr ? QGuiApplication::primaryScreen() : screen;
-}
-
-/// Behind everything a hand waits for.
-std::vector<TranscriptSegment>
-transcribeQuietly(const SessionBundle& bundle, const std::stop_token& stop)
-{
-    constexpr int kLow = 10;
-    setpriority(PRIO_PROCESS, 0, kLow); // of this thread alone, which does nothing else
-    return NarrationTranscriber::loadOrTranscribe(bundle, stop);
 }
 
 /// The story, told by the model of the user's choice.
@@ -142,7 +131,10 @@ AppServices ApplicationHost::services()
              .desktopImage = desktopImage,
              .analysers =
                  {.findRegions = FrameAnalyzer::loadOrAnalyze,
-                  .transcribe = transcribeQuietly,
+                  .transcribe =
+                      [](const SessionBundle& bundle, const std::stop_token& stop) {
+                          return NarrationTranscriber::loadOrTranscribe(bundle, stop);
+                      },
                   .tellStory = storyOf}},
         .language = m_language,
         .findModel =

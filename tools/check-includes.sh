@@ -19,7 +19,7 @@ opencv2/imgproc ZentoIntelligence
 opencv2/dnn|opencv2/core ZentoRender
 simdjson ZentoCore
 curl/ ZentoNet
-pocketsphinx|sphinxbase/ ZentoIntelligence
+pocketsphinx|sphinxbase/|whisper.h ZentoIntelligence
 fftw3 ZentoEngine
 Q[A-Z]|Qt[A-Z] Zento
 RULES
@@ -39,7 +39,7 @@ ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
 ZentoIntelligence ZentoCore|ZentoNet|ZentoMedia
 Zento/Timeline ZentoCore
-Zento/Model ZentoCore|ZentoMedia|ZentoImaging|ZentoEngine|ZentoCapture|ZentoRender|ZentoIntelligence|Zento/Timeline|Zento/Music
+Zento/Model ZentoCore|ZentoNet|ZentoMedia|ZentoImaging|ZentoEngine|ZentoCapture|ZentoRender|ZentoIntelligence|Zento/Timeline|Zento/Music
 Zento/Music ZentoCore|ZentoNet|ZentoMedia
 Zento/Screenshot ZentoCore|ZentoImaging|ZentoCapture|ZentoRender|Zento/Model
 Zento/Desktop ZentoCore|ZentoCapture|ZentoIntelligence|ZentoRender|Zento/Model

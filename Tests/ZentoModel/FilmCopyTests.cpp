@@ -191,6 +191,27 @@ TEST_F(AnalysisTest, WhatIsInTheBundleIsNotSoughtAgain)
     EXPECT_EQ(m_calls, "");
 }
 
+TEST_F(AnalysisTest, ListeningAgainReplacesWhatWasHeard)
+{
+    const auto path = bundle("a.zento");
+    writeFile(path / "narration.wav", "");
+    writeFile(path / "transcript.json", R"([{"start":1,"end":2,"text":"x"}])");
+    open(path);
+    EXPECT_TRUE(m_session->canTranscribe());
+    m_calls.clear();
+    m_said = {{1, 2, "better"}};
+    m_analyses.isHeld = true;
+    m_session->retranscribe();
+    EXPECT_TRUE(m_session->isTranscribing());
+    EXPECT_FALSE(m_session->canTranscribe());
+    EXPECT_FALSE(std::filesystem::exists(path / "transcript.json"));
+    m_analyses.release();
+    EXPECT_EQ(m_session->transcript(), m_said);
+    EXPECT_TRUE(m_session->canTranscribe());
+    EXPECT_TRUE(m_session->isRenderStale());
+    EXPECT_EQ(m_calls, "heard told after 1 ");
+}
+
 TEST_F(AnalysisTest, RegionsAroundClicksJoinThePlan)
 {
     open(bundle("a.zento"));

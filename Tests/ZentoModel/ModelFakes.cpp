@@ -161,6 +161,8 @@ void ModelTest::makeModel()
              .analysers = {}},
         .language = m_analyses,
         .findModel = [this](const auto& choice, const auto&) { return m_findModel(choice); },
+        .speechModels = m_files,
+        .speechModel = {},
         .music = m_files,
         .musicSources = {},
         .fileServices = m_services,

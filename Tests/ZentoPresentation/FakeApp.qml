@@ -133,6 +133,21 @@ QtObject {
         function uploadToCloud() {}
         function shareCloudLink() {}
     }
+    property QtObject speech: QtObject {
+        property string engine: "PocketSphinx, built in, English only"
+        property string expectation: "Basic: expect one word in five to be wrong. Good enough to keep speech from being cut; read captions before you show them. Speech is recognised on this computer; nothing leaves it."
+        property bool hasModel: false
+        property bool canUseModels: true
+        property var offers: [{ id: "base.en-q5_1", name: "English", megabytes: 57 }, { id: "base-q5_1", name: "Any language", megabytes: 57 }]
+        property bool isFetching: false
+        property real progress: 0
+
+        function refresh() { app.note("refreshSpeech") }
+        function fetch(id) { app.note("fetchSpeech " + id); isFetching = true }
+        function cancelFetch() { app.note("cancelFetchSpeech"); isFetching = false }
+        function useFile(path) { app.note("useSpeech " + path) }
+        function removeModel() { app.note("removeSpeech") }
+    }
     property QtObject language: QtObject {
         property string host
         property string model: "small:1b"

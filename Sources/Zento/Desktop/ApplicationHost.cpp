@@ -14,6 +14,8 @@
 #include "ZentoIntelligence/FrameAnalyzer.h"
 #include "ZentoIntelligence/NarrationTranscriber.h"
 #include "ZentoIntelligence/SemanticAnalyzer.h"
+#include "ZentoIntelligence/SpeechEngine.h"
+#include "ZentoIntelligence/SpeechModelFile.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -141,6 +143,12 @@ AppServices ApplicationHost::services()
             [](const LanguageModelChoice& choice, const std::stop_token& stop) {
                 return SystemLanguageModel::find(choice, stop);
             },
+        .speechModels = m_speechModels,
+        .speechModel =
+            {.file = speechModelFile(),
+             .site = ZENTO_SPEECH_MODELS,
+             .canUseModels = canUseWhisper(),
+             .requireModel = requireSpeechModel},
         .music = m_musicWorker,
         .musicSources =
             musicSources({.api = ZENTO_MUSIC_API, .site = ZENTO_MUSIC_SITE, .ownSite = ZENTO_SITE}),

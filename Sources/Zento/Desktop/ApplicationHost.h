@@ -75,6 +75,7 @@ private:
     ThreadWorker m_sounds{"editor.sounds", ThreadWorker::Priority::Background};
     ThreadWorker m_speech{"editor.speech", ThreadWorker::Priority::Background};
     ThreadWorker m_language{"model.language"};
+    ThreadWorker m_speechModels{"model.speech"};
     ThreadWorker m_musicWorker{"model.music"};
     std::unique_ptr<AppModel> m_model; // goes before the threads that work for it
     std::optional<std::stop_callback<std::function<void()>>> m_onStop;

@@ -83,6 +83,11 @@ AppModel::AppModel(AppServices services)
           {.worker = m_services.language,
            .defaults = m_services.defaults,
            .findModel = m_services.findModel})
+    , m_speech(
+          {.clock = m_services.clock,
+           .worker = m_services.speechModels,
+           .messages = m_messages,
+           .place = m_services.speechModel})
     , m_copy(
           {.session = *m_editor.session(),
            .files = m_services.files,

@@ -13,6 +13,7 @@
 #include "Zento/Model/SettingsModel.h"
 #include "Zento/Model/Sharing.h"
 #include "Zento/Model/Shortcuts.h"
+#include "Zento/Model/SpeechSettings.h"
 #include "Zento/Model/UpdateCheck.h"
 #include "Zento/Model/WindowList.h"
 #include "ZentoCapture/DeviceWatch.h"
@@ -46,6 +47,8 @@ struct AppServices {
     EditorServices editor;
     Worker& language; // asks language models
     ModelSearch findModel;
+    Worker& speechModels; // fetches them
+    SpeechModelPlace speechModel;
     Worker& music; // fetches and copies it
     RecordingMusic::Sources musicSources;
     FileServices& fileServices;
@@ -92,6 +95,7 @@ class AppModel : public QObject {
     Q_PROPERTY(zento::WindowList* windows READ windows CONSTANT)
     Q_PROPERTY(zento::Editor* editor READ editor CONSTANT)
     Q_PROPERTY(zento::LanguageSettings* language READ language CONSTANT)
+    Q_PROPERTY(zento::SpeechSettings* speech READ speech CONSTANT)
     Q_PROPERTY(zento::FilmCopy* filmCopy READ filmCopy CONSTANT)
     /// Everything is written and the program is about to end: windows may close.
     Q_PROPERTY(bool isEnding READ isEnding)
@@ -139,6 +143,7 @@ public:
     WindowList* windows() { return &m_windows; }
     Editor* editor() { return &m_editor; }
     LanguageSettings* language() { return &m_language; }
+    SpeechSettings* speech() { return &m_speech; }
     FilmCopy* filmCopy() { return &m_copy; }
     bool isEnding() const { return m_isEnding; }
     RecordingMusic* music() { return &m_music; }
@@ -243,6 +248,7 @@ private:
     RecordingFlow m_recording;
     Editor m_editor;
     LanguageSettings m_language;
+    SpeechSettings m_speech;
     FilmCopy m_copy;
     RecordingMusic m_music;
     FilmExport m_export;

@@ -69,6 +69,7 @@ void EditSession::open(const QString& bundlePath)
     m_history = {};
     m_planTimer.reset();
     m_isPlanning = false;
+    m_isTranscribing = false;
     m_isRenderStale = false;
     m_isStaleDismissed = false;
     ++m_version;
@@ -77,6 +78,7 @@ void EditSession::open(const QString& bundlePath)
     Q_EMIT planned();
     Q_EMIT historyChanged();
     Q_EMIT renderStaleChanged();
+    Q_EMIT transcribing();
     if (!m_path.empty()) {
         load();
     }
@@ -117,6 +119,7 @@ void EditSession::take(Loaded loadedSources)
     m_sources.analyses = std::move(loadedSources.analyses);
     m_sources.edits = std::move(loadedSources.edits);
     Q_EMIT loaded();
+    Q_EMIT transcribing();
     Q_EMIT editsChanged();
     plan();
     analyzeMusic();
@@ -365,12 +368,46 @@ void EditSession::transcribeNarration()
 {
     const bool isUnheard = transcript().empty() && m_sources.analyses->hasNarration;
     if (isUnheard && m_ports.analysers.transcribe) {
+        m_isTranscribing = true;
+        Q_EMIT transcribing();
         learn(m_ports.speech, m_ports.analysers.transcribe, &BundleAnalyses::transcript, [this] {
+            m_isTranscribing = false;
+            Q_EMIT transcribing();
             tellStory();
         });
     } else {
         tellStory();
     }
+}
+
+bool EditSession::canTranscribe() const
+{
+    return isLoaded() && m_sources.analyses->hasNarration && m_ports.analysers.transcribe
+           && !m_isTranscribing;
+}
+
+void EditSession::retranscribe()
+{
+    if (!canTranscribe()) {
+        return;
+    }
+    compute(
+        m_ports.edits,
+        this,
+        [file = m_sources.bundle->transcriptURL()] {
+            std::error_code ignored; // the worst is that the words stay what they are
+            std::filesystem::remove(file, ignored);
+        },
+        [this, stop = m_session.get_token()](const Outcome<void>&) {
+            if (stop.stop_requested()) {
+                return;
+            }
+            auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
+            analyses->transcript.clear();
+            m_sources.analyses = std::move(analyses);
+            changed();
+            transcribeNarration();
+        });
 }
 
 void EditSession::tellStory()

@@ -52,6 +52,9 @@ class EditSession : public QObject {
     /// What the next step of undo and redo is called; empty for none.
     Q_PROPERTY(QString undoName READ undoName NOTIFY historyChanged)
     Q_PROPERTY(QString redoName READ redoName NOTIFY historyChanged)
+    /// There is a narration, and it is not being listened to.
+    Q_PROPERTY(bool canTranscribe READ canTranscribe NOTIFY transcribing)
+    Q_PROPERTY(bool isTranscribing READ isTranscribing NOTIFY transcribing)
     /// The film on the disk is older than the edit.
     Q_PROPERTY(bool isRenderStale READ isRenderStale NOTIFY renderStaleChanged)
     /// Writing true puts the notice of that away until the next recording is opened.
@@ -97,6 +100,11 @@ public:
     /// "transcript.json". Nothing happens for an index beyond the transcript.
     void setWord(int index, const QString& text);
 
+    /// Forgets what was heard, words of the user's as well, and listens anew.
+    Q_INVOKABLE void retranscribe();
+    bool canTranscribe() const;
+    bool isTranscribing() const { return m_isTranscribing; }
+
     /// The music file came, changed or went.
     Q_INVOKABLE void reloadMusic();
 
@@ -130,6 +138,7 @@ Q_SIGNALS:
     void planFailed(const QString& sentence);
     void historyChanged();
     void renderStaleChanged();
+    void transcribing();
 
 private:
     struct Loaded;
@@ -164,6 +173,7 @@ private:
     bool m_isPlanning = false;
     bool m_isRestoring = false;
     bool m_isUnsaved = false;
+    bool m_isTranscribing = false;
     bool m_isRenderStale = false;
     bool m_isStaleDismissed = false;
     std::unique_ptr<Timer> m_planTimer;

@@ -30,6 +30,7 @@ class App : public QObject {
     Q_PROPERTY(QVariant editor READ editor NOTIFY modelChanged)
     Q_PROPERTY(QVariant music READ music NOTIFY modelChanged)
     Q_PROPERTY(QVariant language READ language NOTIFY modelChanged)
+    Q_PROPERTY(QVariant speech READ speech NOTIFY modelChanged)
     Q_PROPERTY(QVariant filmCopy READ filmCopy NOTIFY modelChanged)
     /// What the settings are on a fresh install, by their keys.
     Q_PROPERTY(QVariant defaults READ defaults CONSTANT)
@@ -54,6 +55,7 @@ public:
     QVariant editor() const { return part("editor"); }
     QVariant music() const { return part("music"); }
     QVariant language() const { return part("language"); }
+    QVariant speech() const { return part("speech"); }
     QVariant filmCopy() const { return part("filmCopy"); }
     static QVariant defaults();
 

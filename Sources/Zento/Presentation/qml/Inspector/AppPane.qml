@@ -7,7 +7,10 @@ Pane {
     signal aboutRequested()
 
     title: qsTr("App")
-    Component.onCompleted: App.language.refresh()
+    Component.onCompleted: {
+        App.speech.refresh()
+        App.language.refresh()
+    }
     Repeater {
         model: App.shortcuts.groups
         delegate: Section {
@@ -35,6 +38,76 @@ Pane {
                     onPressed: (key, modifiers, scanCode) => App.shortcuts.pressed(key, modifiers, scanCode)
                     onResetRequested: App.shortcuts.reset(action)
                 }
+            }
+        }
+    }
+    Section {
+        title: qsTr("Speech")
+        Label {
+            width: parent.width
+            text: App.speech.engine
+            elide: Text.ElideMiddle
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
+        }
+        Gap { size: 4 }
+        Caption {
+            width: parent.width
+            wrapMode: Text.Wrap
+            text: App.speech.expectation
+        }
+        Gap {}
+        Column {
+            width: parent.width
+            spacing: 8
+            visible: App.speech.canUseModels
+            Choice {
+                id: offer
+
+                property string chosen: App.speech.offers.length > 0 ? App.speech.offers[0].id : ""
+
+                width: parent.width
+                visible: App.speech.offers.length > 0
+                enabled: !App.speech.isFetching
+                label: qsTr("Speech model to fetch")
+                model: App.speech.offers.map(one => ({ value: one.id, name: qsTr("%1, %2 MB").arg(one.name).arg(one.megabytes) }))
+                current: chosen
+                onPicked: value => chosen = value
+            }
+            ProgressLine {
+                width: parent.width
+                visible: App.speech.isFetching
+                value: App.speech.progress
+                label: qsTr("Fetching the speech model")
+            }
+            Row {
+                spacing: 8
+                Button {
+                    size: Button.Small
+                    visible: offer.visible
+                    text: App.speech.isFetching ? qsTr("Cancel") : qsTr("Fetch")
+                    onClicked: App.speech.isFetching ? App.speech.cancelFetch() : App.speech.fetch(offer.chosen)
+                }
+                Button {
+                    size: Button.Small
+                    iconName: "folder"
+                    enabled: !App.speech.isFetching
+                    text: qsTr("Choose file…")
+                    onClicked: modelChooser.open(qsTr("Choose a speech model"))
+                }
+                Button {
+                    size: Button.Small
+                    visible: App.speech.hasModel
+                    enabled: !App.speech.isFetching
+                    text: qsTr("Remove")
+                    onClicked: App.speech.removeModel()
+                }
+            }
+            FileChooser {
+                id: modelChooser
+
+                onChosen: path => App.speech.useFile(path)
+                onFailed: sentence => App.messages.errorMessage = sentence
             }
         }
     }

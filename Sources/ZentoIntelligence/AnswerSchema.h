@@ -13,7 +13,7 @@ struct AnswerField {
     std::string_view name;
     std::string_view type; // of JSON schema
     std::string_view guide;
-    std::span<const AnswerField> items = {}; // of the objects in a list
+    std::span<const AnswerField> items; // of the objects in a list
 };
 
 /// The JSON schema of an object of these fields: all required, no others.

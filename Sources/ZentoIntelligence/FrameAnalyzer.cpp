@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace zento::FrameAnalyzer {
 
@@ -30,9 +31,9 @@ VideoSize seenSize(const VideoSize& picture, const SessionMeta& meta)
 /// The regions of one frame after the other; clicks on the same picture share them.
 class FrameRegions {
 public:
-    FrameRegions(const std::filesystem::path& movie, const SessionMeta& meta)
+    FrameRegions(const std::filesystem::path& movie, SessionMeta meta)
         : m_seeker(movie)
-        , m_meta(meta)
+        , m_meta(std::move(meta))
     {
     }
 

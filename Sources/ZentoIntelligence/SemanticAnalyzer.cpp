@@ -167,6 +167,7 @@ SemanticNotes analyze(
         .writeSchema = [](JsonWriter& json) { writeAnswerSchema(json, kAnswer); }};
     auto read = decodeDocument<SemanticRead>(model.respond(request, stop));
     std::vector<std::pair<int, std::string>> chapters;
+    chapters.reserve(read.chapters.size());
     for (ChapterRead& chapter : read.chapters)
         chapters.emplace_back(chapter.startIndex, std::move(chapter.title));
     return notes(read.heroIndex, chapters, moments);

@@ -67,7 +67,7 @@ public:
         return number;
     }
 
-    std::uint64_t within(std::int32_t number, std::int32_t most)
+    std::uint64_t within(std::int32_t number, std::int32_t most) const
     {
         if (number < 1 || number > most)
             refuse();

@@ -16,7 +16,7 @@ namespace {
 constexpr int kOk = 200;
 constexpr int kNotYet = 503; // while llama.cpp's server loads its model
 
-HttpRequest request(std::string url, std::chrono::milliseconds limit)
+HttpRequest requestOf(std::string url, std::chrono::milliseconds limit)
 {
     HttpRequest request;
     request.url = std::move(url);
@@ -32,7 +32,7 @@ std::optional<HttpResponse> answerOf(const std::string& url, const std::stop_tok
 {
     constexpr std::chrono::seconds kProbe{2};
     try {
-        return fetch(request(url, kProbe), stop);
+        return fetch(requestOf(url, kProbe), stop);
     } catch (const Error&) {
         return std::nullopt;
     }
@@ -113,7 +113,7 @@ bool SystemLanguageModel::takeAnswer(Wire wire, const std::string& json, const s
 }
 
 std::string SystemLanguageModel::respond(
-    const LanguageRequest& asked,
+    const LanguageRequest& request,
     const std::stop_token& stop,
     std::chrono::milliseconds timeLimit) const
 {
@@ -121,10 +121,10 @@ std::string SystemLanguageModel::respond(
         throw Error(ErrorCode::kNoLanguageModel, "There is no language model to ask.");
     const bool isOllama = m_wire == Wire::Ollama;
     HttpRequest post =
-        request(m_address + (isOllama ? OllamaWire::kPath : CompletionsWire::kPath), timeLimit);
+        requestOf(m_address + (isOllama ? OllamaWire::kPath : CompletionsWire::kPath), timeLimit);
     post.headers = {{"Content-Type", "application/json"}};
-    post.body =
-        isOllama ? OllamaWire::question(m_model, asked) : CompletionsWire::question(m_model, asked);
+    post.body = isOllama ? OllamaWire::question(m_model, request)
+                         : CompletionsWire::question(m_model, request);
     const HttpResponse response = fetch(post, stop);
     if (response.status != kOk)
         throw Error(

@@ -80,7 +80,8 @@ void fetchSpeechModel(
     };
     const HttpResponse response = download(request, part, there, tell, stop);
     const bool isSent = response.status >= 200 && response.status < 300;
-    if (!isSent && !(response.status == kRangeBeyondEnd && there > 0)) {
+    const bool isThere = response.status == kRangeBeyondEnd && there > 0;
+    if (!isSent && !isThere) {
         throw refusal("the server answered with " + std::to_string(response.status) + ".");
     }
     if (sha1Of(part) != offer.sha1) {

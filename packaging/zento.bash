@@ -4,7 +4,7 @@ _zento() {
     _init_completion -n = || return
     local command=${words[1]}
     if ((cword == 1)); then
-        mapfile -t COMPREPLY < <(compgen -W 'record plan render recover demo toggle --help --version' -- "$cur")
+        mapfile -t COMPREPLY < <(compgen -W 'record plan render recover screenshot demo doctor toggle --help --version' -- "$cur")
         return
     fi
     case $prev in
@@ -15,6 +15,7 @@ _zento() {
     local options
     case $command in
     record) options='--screen --window --area --seconds --microphone --camera --system-audio' ;;
+    screenshot) options='--screen --window --area --edit --output' ;;
     plan) options='--settings --config --overrides --music --size --fps --output' ;;
     render) options='--settings --output --gif' ;;
     demo) options='--output' ;;

@@ -17,6 +17,8 @@ pipewire/|spa/ ZentoCapture/Backends
 atspi/ ZentoCapture/Backends|Zento/Demo
 opencv2/imgproc ZentoIntelligence
 opencv2/dnn|opencv2/core ZentoRender
+gio/|glib ZentoCapture/Backends|Zento/Desktop|Zento/Demo
+libinput|libudev|linux/ ZentoCapture/Backends
 simdjson ZentoCore
 curl/ ZentoNet
 pocketsphinx|sphinxbase/|whisper.h ZentoIntelligence

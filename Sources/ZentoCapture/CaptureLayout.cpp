@@ -13,7 +13,9 @@ namespace {
 
 int evenPixels(double points, double scale)
 {
-    const int pixels = static_cast<int>(points * scale);
+    // A whole number of pixels is one also where it was divided by a fraction of a scale.
+    constexpr double kRounding = 1e-6;
+    const int pixels = static_cast<int>(points * scale + kRounding);
     return pixels - pixels % 2;
 }
 

@@ -39,11 +39,12 @@ CaptureSession::CaptureSession(
 
 CaptureSession::~CaptureSession() = default;
 
-void CaptureSession::start()
+void CaptureSession::start(const std::stop_token& stop)
 {
     startEventTap();
     const FrameRequest request = [&] {
         try {
+            m_desktop.choose(target, stop);
             return prepare();
         } catch (...) {
             stopEventTap();
@@ -195,9 +196,9 @@ void CaptureSession::startCursorPolling()
             if (++tick % kTicksPerWindowRefresh == 0) {
                 refresh();
             }
-            // A pointer that cannot be read is logged at the global origin, not left out.
-            const Vec2 point = input->pointerPosition().value_or(Vec2{});
-            log->move(monotonicSeconds(), point);
+            if (const auto sample = input->pointerSample(monotonicSeconds())) {
+                log->move(sample->time, sample->point);
+            }
         });
 }
 

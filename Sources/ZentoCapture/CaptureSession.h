@@ -16,6 +16,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -72,7 +73,9 @@ public:
     /// Throws `Error`: 20 without a display, 24 when the window is gone or minimised, 25 without
     /// input, or what the desktop, the folder or the writer say. The session is then good for
     /// nothing but `stop` and the destructor.
-    void start();
+    ///
+    /// `stop` gives up waiting for the user, where the desktop asks what may be recorded.
+    void start(const std::stop_token& stop = {});
 
     /// Returns when the bundle is written.
     ///

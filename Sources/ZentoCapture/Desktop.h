@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZentoCapture/CaptureTarget.h"
 #include "ZentoCapture/ElementLookup.h"
 #include "ZentoCapture/FrameSource.h"
 #include "ZentoCapture/InputSource.h"
@@ -10,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -39,6 +41,21 @@ struct WindowInfo {
 class Desktop {
 public:
     virtual ~Desktop() = default;
+
+    /// Whether what is recorded is named by the program, or chosen by the user in a dialog of the
+    /// desktop's, which then knows no displays before and only the chosen one after.
+    enum class Choice : unsigned char { ByProgram, ByUser };
+    virtual Choice choice() const { return Choice::ByProgram; }
+
+    /// Lets the user choose, where that is how it goes; to be called before anything is asked about
+    /// a target that is to be recorded or shot. Blocks until the user has answered. Throws `Error`:
+    /// kPortalDenied when the answer is no, kPortalSilent, kPortalFailed, and kCancelled once
+    /// `stop` is requested.
+    virtual void choose(const CaptureTarget& /*target*/, const std::stop_token& /*stop*/) {}
+
+    /// What a recording here goes without and how to change that, in a sentence for the user;
+    /// nothing where nothing is missing. May be asked after `choose`.
+    virtual std::optional<std::string> shortcoming() { return {}; }
 
     /// From left to right, then from top to bottom; none when nothing is connected. Throws `Error`.
     virtual std::vector<DisplayInfo> displays() = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZentoCapture/PointerTrack.h"
 #include "ZentoCore/Geometry.h"
 
 #include <cstdint>
@@ -45,6 +46,13 @@ public:
 
     /// In global points; nothing when the desktop does not answer.
     virtual std::optional<Vec2> pointerPosition() = 0;
+
+    /// What a log of the pointer's way gets at the moment `now`. By default a pointer that cannot
+    /// be read is logged at the global origin, not left out.
+    virtual std::optional<PointerSample> pointerSample(double now)
+    {
+        return PointerSample{now, pointerPosition().value_or(Vec2{})};
+    }
 };
 
 } // namespace zento

@@ -95,8 +95,9 @@ bool isGone(const CaptureTarget& target, const DisplayInfo& display)
 
 Shot capture(Desktop& desktop, const CaptureTarget& target, const std::stop_token& stop)
 {
+    desktop.choose(target, stop);
     const CaptureLayout layout = captureLayout(target, desktop, {});
-    if (isGone(target, layout.display)) {
+    if (desktop.choice() == Desktop::Choice::ByProgram && isGone(target, layout.display)) {
         throw Error(ErrorCode::kShotDisplayGone, "the display is no longer connected");
     }
     if (layout.request.pixelWidth < 2 || layout.request.pixelHeight < 2) {

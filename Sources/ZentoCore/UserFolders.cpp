@@ -65,6 +65,11 @@ std::filesystem::path userCacheFolder()
     return folderVariable("XDG_CACHE_HOME").value_or(userHomeFolder() / ".cache");
 }
 
+std::filesystem::path userStateFolder()
+{
+    return folderVariable("XDG_STATE_HOME").value_or(userHomeFolder() / ".local/state");
+}
+
 std::filesystem::path userVideosFolder()
 {
     if (const auto folder = folderVariable("XDG_VIDEOS_DIR")) {

@@ -12,6 +12,7 @@ std::filesystem::path userHomeFolder();
 std::filesystem::path userConfigFolder(); // $XDG_CONFIG_HOME, else ~/.config
 std::filesystem::path userDataFolder();   // $XDG_DATA_HOME, else ~/.local/share
 std::filesystem::path userCacheFolder();  // $XDG_CACHE_HOME, else ~/.cache
+std::filesystem::path userStateFolder();  // $XDG_STATE_HOME, else ~/.local/state
 std::filesystem::path
 userVideosFolder(); // XDG_VIDEOS_DIR of the environment or user-dirs.dirs, else ~/Videos
 

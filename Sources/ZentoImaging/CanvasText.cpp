@@ -112,6 +112,21 @@ void visitRuns(cairo_t* context, PangoLayout* layout, Vec2 origin, Glyphs kind)
 
 } // namespace
 
+std::vector<std::string> missingTypefaces()
+{
+    const FontMap fonts(pango_cairo_font_map_new());
+    std::vector<std::string> missing;
+    for (const FontRole role :
+         {FontRole::System, FontRole::Monospaced, FontRole::Serif, FontRole::Rounded}) {
+        const std::string all = family(role);
+        const std::string wanted = all.substr(0, all.find(','));
+        PangoFontFamily* const found = pango_font_map_get_family(fonts.get(), wanted.c_str());
+        if (found == nullptr || wanted != pango_font_family_get_name(found))
+            missing.push_back(wanted);
+    }
+    return missing;
+}
+
 TextMetrics measureText(std::string_view text, const Font& font)
 {
     const TextLayout layout = layOut(text, font);

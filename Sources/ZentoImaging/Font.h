@@ -1,6 +1,8 @@
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace zento {
 
@@ -37,5 +39,8 @@ struct TextMetrics {
 ///
 /// Threading: any thread; each keeps its own set of fonts, made at its first use.
 TextMetrics measureText(std::string_view text, const Font& font);
+
+/// The typefaces of the roles that are not installed, so that others stand in for them.
+std::vector<std::string> missingTypefaces();
 
 } // namespace zento

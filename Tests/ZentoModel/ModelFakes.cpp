@@ -164,6 +164,7 @@ void ModelTest::makeModel()
         .speechModels = m_files,
         .speechModel = {},
         .music = m_files,
+        .musicPlayer = m_files,
         .musicSources = {},
         .fileServices = m_services,
         .hotkeys = m_hotkeys,

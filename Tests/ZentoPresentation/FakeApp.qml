@@ -15,6 +15,7 @@ QtObject {
     property string freeSpace: "182 GB free"
     property var calls: []
     property var settings
+    property string desktop: "Wayland"
 
     signal actionRequested(string action)
 
@@ -101,6 +102,11 @@ QtObject {
         property bool isSearching: false
         property string usingTrackID: "c"
         property string usedTrackID: "d"
+        property string previewingID: "a"
+        property bool isPreviewHeard: true
+        property string creditLine: ""
+
+        function togglePreview(id) { app.note("togglePreview " + id) }
 
         function useFile(path) { app.note("useFile " + path) }
         function useMade(id) { app.note("useMade " + id) }

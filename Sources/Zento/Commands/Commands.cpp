@@ -21,7 +21,8 @@ usage:
       records until S seconds have passed or Control-C; the last line of output is the recording's
       folder. Without a target: the display under the pointer
       --screen N         a display, counted from 0, from left to right, then from top to bottom
-      --window ID        a window by its X11 number, as xwininfo or xdotool tell it: 0x3e00001
+      --window ID        a window by its X11 number, as xwininfo or xdotool tell it: 0x3e00001;
+                         on Wayland "pick", and the desktop asks which one
       --area X,Y,W,H     a part of the desktop, in points from its top-left corner
       --microphone       the default microphone, too
       --camera           the default camera, too
@@ -40,6 +41,8 @@ usage:
       the bundle's folder
   zento demo [--output FOLDER]
       records a scripted session on a display of its own and renders it
+  zento doctor
+      looks at everything a recording needs and says in a line each what is there and what to do
   zento toggle
       starts or stops a recording in the application that runs, for a key of the desktop's own
   zento --help | --version
@@ -57,12 +60,13 @@ void alone(std::span<const std::string_view> words, const ShotEdit&)
     kRun(words);
 }
 
-constexpr std::array<Subcommand, 8> kSubcommands{{
+constexpr std::array<Subcommand, 9> kSubcommands{{
     {"record", alone<record>},
     {"plan", alone<plan>},
     {"render", alone<render>},
     {"recover", alone<recover>},
     {"demo", alone<demo>},
+    {"doctor", alone<doctor>},
     {"toggle", alone<toggle>},
     {"screenshot", screenshot},
     {"search-provider",

@@ -39,7 +39,7 @@ Recording::Recording(
         interruption.requestStop(); // the session has said why
     };
     try {
-        m_session.start();
+        m_session.start(interruption.token());
     } catch (const Error& error) {
         std::error_code ignored;
         std::filesystem::remove_all(m_bundle, ignored);

@@ -15,6 +15,7 @@ void render(std::span<const std::string_view> words);
 void screenshot(std::span<const std::string_view> words, const ShotEdit& editShot);
 void recover(std::span<const std::string_view> words);
 void demo(std::span<const std::string_view> words);
+void doctor(std::span<const std::string_view> words);
 void toggle(std::span<const std::string_view> words);
 void searchProvider(std::span<const std::string_view> words);
 

@@ -8,6 +8,7 @@
 #include "Zento/Desktop/HttpFetch.h"
 #include "Zento/Desktop/Identity.h"
 #include "Zento/Desktop/PermissionProbe.h"
+#include "ZentoCapture/DesktopKind.h"
 #include "ZentoCapture/DeviceWatch.h"
 #include "ZentoCore/SessionBundle.h"
 #include "ZentoCore/UserFolders.h"
@@ -150,6 +151,7 @@ AppServices ApplicationHost::services()
              .canUseModels = canUseWhisper(),
              .requireModel = requireSpeechModel},
         .music = m_musicWorker,
+        .musicPlayer = m_musicPlayer,
         .musicSources =
             musicSources({.api = ZENTO_MUSIC_API, .site = ZENTO_MUSIC_SITE, .ownSite = ZENTO_SITE}),
         .fileServices = m_fileServices,
@@ -198,6 +200,13 @@ void ApplicationHost::start(const std::stop_token& stop)
         QMetaObject::invokeMethod(this, &ApplicationHost::quit, Qt::QueuedConnection);
     });
     m_model->start();
+    compute(
+        m_probes,
+        this,
+        [] { return QString::fromStdString(name(desktopKind(sessionFacts()))); },
+        [this](const Outcome<QString>& desktop) {
+            m_model->setProperty("desktop", desktop.value_or(QString()));
+        });
 }
 
 void ApplicationHost::quit()

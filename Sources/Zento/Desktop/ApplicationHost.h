@@ -77,6 +77,7 @@ private:
     ThreadWorker m_language{"model.language"};
     ThreadWorker m_speechModels{"model.speech"};
     ThreadWorker m_musicWorker{"model.music"};
+    ThreadWorker m_musicPlayer{"music.preview"};
     std::unique_ptr<AppModel> m_model; // goes before the threads that work for it
     std::optional<std::stop_callback<std::function<void()>>> m_onStop;
     bool m_isQuitting = false;

@@ -50,6 +50,7 @@ struct AppServices {
     Worker& speechModels; // fetches them
     SpeechModelPlace speechModel;
     Worker& music; // fetches and copies it
+    Worker& musicPlayer;
     RecordingMusic::Sources musicSources;
     FileServices& fileServices;
     GlobalHotkeys& hotkeys;

@@ -105,7 +105,7 @@ public:
     bool canTranscribe() const;
     bool isTranscribing() const { return m_isTranscribing; }
 
-    /// The music file came, changed or went.
+    /// The music file came, changed or went: what was chosen of the one before is not of this one.
     Q_INVOKABLE void reloadMusic();
 
     bool canUndo() const { return !m_history.undoName().empty(); }
@@ -133,6 +133,8 @@ Q_SIGNALS:
     void loaded();
     void loadFailed(const QString& sentence);
     void editsChanged();
+    /// Music was analysed, or there is none any more.
+    void musicChanged();
     void planned();
     /// The planner refused; the plan before stays.
     void planFailed(const QString& sentence);

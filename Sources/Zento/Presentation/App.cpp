@@ -2,6 +2,7 @@
 
 #include "Zento/Model/AppSettings.h"
 
+#include <QEvent>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -10,7 +11,17 @@ namespace zento {
 void App::setModel(QObject* model)
 {
     m_model = model;
+    if (model != nullptr)
+        model->installEventFilter(this);
     Q_EMIT modelChanged();
+    Q_EMIT desktopChanged();
+}
+
+bool App::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_model && event->type() == QEvent::DynamicPropertyChange)
+        Q_EMIT desktopChanged();
+    return QObject::eventFilter(watched, event);
 }
 
 QVariant App::defaults()

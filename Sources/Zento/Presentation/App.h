@@ -32,6 +32,8 @@ class App : public QObject {
     Q_PROPERTY(QVariant language READ language NOTIFY modelChanged)
     Q_PROPERTY(QVariant speech READ speech NOTIFY modelChanged)
     Q_PROPERTY(QVariant filmCopy READ filmCopy NOTIFY modelChanged)
+    /// What the screen is recorded by: "X11", "Wayland"; absent until it has been found out.
+    Q_PROPERTY(QVariant desktop READ desktop NOTIFY desktopChanged)
     /// What the settings are on a fresh install, by their keys.
     Q_PROPERTY(QVariant defaults READ defaults CONSTANT)
 
@@ -57,10 +59,16 @@ public:
     QVariant language() const { return part("language"); }
     QVariant speech() const { return part("speech"); }
     QVariant filmCopy() const { return part("filmCopy"); }
+    QVariant desktop() const { return part("desktop"); }
     static QVariant defaults();
 
 Q_SIGNALS:
     void modelChanged();
+    void desktopChanged();
+
+protected:
+    /// The desktop is a property the model gets once it is known.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     QVariant part(const char* name) const { return m_model ? m_model->property(name) : QVariant(); }

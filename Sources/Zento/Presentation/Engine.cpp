@@ -7,6 +7,7 @@
 #include "Zento/Presentation/ShadowProvider.h"
 
 #include <QDir>
+#include <QFont>
 #include <QQmlEngine>
 #include <QQuickWindow>
 
@@ -45,6 +46,9 @@ void prepareEngine(QQmlEngine& engine, QObject* app)
 {
     chooseRenderer();
     qml_register_types_Zento();
+    // Without it Qt takes an emoji from whichever font has an outline of it.
+    for (const QString& family : {QStringLiteral("Inter"), QStringLiteral("JetBrains Mono")})
+        QFont::insertSubstitution(family, QStringLiteral("Noto Color Emoji"));
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QStringLiteral("icon"), new IconProvider);
     engine.addImageProvider(QStringLiteral("shadow"), new ShadowProvider);

@@ -4,11 +4,15 @@
 #include "ZentoCore/Error.h"
 
 #include <pipewire/pipewire.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdlib>
 #include <mutex>
 #include <new>
+#include <utility>
 
 // The library's macros cast as C does.
 #pragma GCC diagnostic ignored "-Wold-style-cast"
@@ -106,13 +110,17 @@ void PipeWireLoop::State::failed(
     }
 }
 
-PipeWireLoop::PipeWireLoop(const char* threadName)
+PipeWireLoop::PipeWireLoop(const char* threadName, int remote)
 {
     initialise();
     m_state = std::make_unique<State>(threadName);
     State& state = *m_state;
-    if (state.context != nullptr) {
+    if (state.context != nullptr && remote >= 0) {
+        state.core = pw_context_connect_fd(state.context, remote, nullptr, 0);
+    } else if (state.context != nullptr) {
         state.core = pw_context_connect(state.context, nullptr, 0);
+    } else if (remote >= 0) {
+        ::close(remote);
     }
     if (state.core == nullptr) {
         throw systemError("could not connect to", "PipeWire", errno);
@@ -157,6 +165,41 @@ PipeWireLoop::Lock::Lock(PipeWireLoop& loop)
 PipeWireLoop::Lock::~Lock()
 {
     pw_thread_loop_unlock(m_loop.m_state->thread);
+}
+
+struct PipeWireTimer::State {
+    PipeWireLoop& loop;
+    std::function<void()> ring;
+    spa_source* source = nullptr;
+};
+
+PipeWireTimer::PipeWireTimer(PipeWireLoop& loop, std::function<void()> ring)
+    : m_state(std::make_unique<State>(loop, std::move(ring)))
+{
+    const PipeWireLoop::Lock lock(loop);
+    m_state->source = pw_loop_add_timer(
+        loop.loop(),
+        [](void* state, std::uint64_t) { static_cast<const State*>(state)->ring(); },
+        m_state.get());
+    if (m_state->source == nullptr) {
+        throw systemError("could not make", "a timer for PipeWire", errno);
+    }
+}
+
+PipeWireTimer::~PipeWireTimer()
+{
+    const PipeWireLoop::Lock lock(m_state->loop);
+    pw_loop_destroy_source(m_state->loop.loop(), m_state->source);
+}
+
+void PipeWireTimer::set(double seconds)
+{
+    constexpr double kSoon = 1e-6; // a timer set to nothing is switched off
+    const double later = std::max(seconds, kSoon);
+    timespec time{};
+    time.tv_sec = static_cast<time_t>(later);
+    time.tv_nsec = static_cast<long>((later - std::floor(later)) * 1e9);
+    pw_loop_update_timer(m_state->loop.loop(), m_state->source, &time, nullptr, false);
 }
 
 } // namespace zento

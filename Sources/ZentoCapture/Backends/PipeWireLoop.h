@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 struct pw_core; // NOLINT(readability-identifier-naming): the library's own name
@@ -17,7 +18,9 @@ class PipeWireLoop {
 public:
     /// `threadName`: at most 15 bytes, of static life. Throws `Error` of the system when no service
     /// answers.
-    explicit PipeWireLoop(const char* threadName);
+    /// `remote`: the descriptor of a connection that somebody has opened for us, which is closed
+    /// with this object in any case; -1: the session's own service.
+    explicit PipeWireLoop(const char* threadName, int remote = -1);
     ~PipeWireLoop();
     PipeWireLoop(const PipeWireLoop&) = delete;
     PipeWireLoop& operator=(const PipeWireLoop&) = delete;
@@ -43,6 +46,22 @@ public:
     pw_loop* loop() const;
 
 private:
+    std::unique_ptr<State> m_state;
+};
+
+/// Calls a function on the loop's thread when its time has come.
+class PipeWireTimer {
+public:
+    PipeWireTimer(PipeWireLoop& loop, std::function<void()> ring);
+    ~PipeWireTimer();
+    PipeWireTimer(const PipeWireTimer&) = delete;
+    PipeWireTimer& operator=(const PipeWireTimer&) = delete;
+
+    /// Once, in place of what was set before. With the lock. `seconds` from now, [0, ∞).
+    void set(double seconds);
+
+private:
+    struct State;
     std::unique_ptr<State> m_state;
 };
 

@@ -143,9 +143,4 @@ std::unique_ptr<ElementLookup> X11Desktop::elementLookup()
     return std::make_unique<AtSpiLookup>(m_displayName);
 }
 
-std::unique_ptr<Desktop> openDesktop(const std::optional<std::string>& displayName)
-{
-    return std::make_unique<X11Desktop>(displayName.value_or(""));
-}
-
 } // namespace zento

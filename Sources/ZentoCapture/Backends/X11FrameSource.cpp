@@ -1,5 +1,6 @@
 #include "ZentoCapture/Backends/X11FrameSource.h"
 
+#include "ZentoCapture/FramePacing.h"
 #include "ZentoCapture/MonotonicClock.h"
 #include "ZentoCapture/ThreadName.h"
 
@@ -20,14 +21,6 @@ constexpr double kForever = std::numeric_limits<double>::infinity();
 Error lostDisplay()
 {
     return {ErrorCode::kNoDisplay, "the display being recorded is gone"};
-}
-
-/// The moment from which the next frame may be taken. Frames that follow each other keep to one
-/// beat, so that a late one does not slow all the others down.
-double nextSlot(double slot, double now)
-{
-    constexpr double kInterval = FrameSource::kMinimumFrameInterval;
-    return now - slot < kInterval ? slot + kInterval : now + kInterval;
 }
 
 } // namespace

@@ -154,29 +154,7 @@ void X11WindowSubject::drawScaledInto(X11Frames& frames, double scale)
         .width = m_placement.frame.width,
         .height = m_placement.frame.height,
         .stride = std::ptrdiff_t{m_placement.frame.width} * 4};
-    // A product that falls just above a whole number is that number.
-    constexpr double kRounding = 1e-6;
-    const Vec2 size{
-        std::min<double>(frames.width(), std::ceil(source.width * scale - kRounding)),
-        std::min<double>(frames.height(), std::ceil(source.height * scale - kRounding))};
-    if (m_scaled.isEmpty() || size != m_scaledSize) {
-        m_scaled = Picture(frames.width(), frames.height(), Layout::Rgb);
-        m_scaledSize = size;
-    }
-    const Picture planes = toPicture(source, Layout::Rgb);
-    drawScaled(
-        m_scaler,
-        planes.view(),
-        {.origin = {0, 0}, .scaleX = scale, .scaleY = scale},
-        m_scaled.view(),
-        {0, 0, size.x, size.y});
-    const Canvas joined = toCanvas(m_scaled.view());
-    for (int y = 0; y < frames.height(); ++y) {
-        std::memcpy(
-            frames.next().data() + static_cast<std::size_t>(y) * frames.rowBytes(),
-            joined.pixels().row(y),
-            frames.rowBytes());
-    }
+    m_fitted.draw(source, scale, frames.next().pixels(), frames.width(), frames.height());
 }
 
 } // namespace zento

@@ -1,12 +1,11 @@
 #pragma once
 
+#include "ZentoCapture/Backends/FittedPicture.h"
 #include "ZentoCapture/Backends/X11Damage.h"
 #include "ZentoCapture/Backends/X11Redirection.h"
 #include "ZentoCapture/Backends/X11Subject.h"
 #include "ZentoCapture/Backends/X11Windows.h"
 #include "ZentoCore/Geometry.h"
-#include "ZentoImaging/Picture.h"
-#include "ZentoImaging/Scale.h"
 
 #include <cstdint>
 #include <optional>
@@ -47,9 +46,7 @@ private:
     X11WindowPixmap m_pixmap;
     std::optional<X11Damage> m_damage;
     X11Pixels m_source; // the window's own picture
-    PictureScaler m_scaler;
-    Picture m_scaled; // of the frame's size, black where the window is not
-    Vec2 m_scaledSize;
+    FittedPicture m_fitted;
 };
 
 } // namespace zento

@@ -45,7 +45,8 @@ FocusScope {
         Gap { size: 2 }
         Label {
             anchors.horizontalCenter: parent.horizontalCenter
-            text: qsTr("Version %1").arg(App.updates.version)
+            text: App.desktop ? qsTr("Version %1 on %2").arg(App.updates.version).arg(App.desktop)
+                              : qsTr("Version %1").arg(App.updates.version)
             color: Theme.textSecondary
         }
         Gap { size: 16 }

@@ -1,0 +1,45 @@
+#include "Zento/Commands/Arguments.h"
+#include "Zento/Commands/Diagnosis.h"
+#include "Zento/Commands/Subcommands.h"
+#include "Zento/Desktop/DiskSpace.h"
+#include "ZentoCore/Error.h"
+#include "ZentoCore/SessionBundle.h"
+#include "ZentoImaging/Font.h"
+#include "ZentoIntelligence/SpeechEngine.h"
+#include "ZentoMedia/Encoders.h"
+
+#include <iostream>
+
+namespace zento {
+
+namespace {
+
+bool hasSpeechModel()
+try {
+    makeSphinx();
+    return true;
+} catch (const Error&) {
+    return false;
+}
+
+} // namespace
+
+void doctor(std::span<const std::string_view> words)
+{
+    Arguments(words, {}).expectNone();
+    const Circumstances circumstances{
+        .services = desktopServices(),
+        .missingEncoders = missingEncoders(),
+        .missingTypefaces = missingTypefaces(),
+        .hasSpeechModel = hasSpeechModel(),
+        .recordings = sessionsFolder(),
+        .freeBytes = freeSpace(sessionsFolder())};
+    for (const Finding& finding : diagnose(circumstances)) {
+        std::cout << line(finding) << '\n';
+    }
+    if (!canRecord(circumstances)) {
+        throw Error(ErrorCode::kNoDisplay, "what is missing must be there before Zento can record");
+    }
+}
+
+} // namespace zento

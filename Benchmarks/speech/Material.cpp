@@ -16,7 +16,7 @@ namespace zento {
 namespace {
 
 constexpr const char* kProse = "/usr/share/pocketsphinx/test/data/librivox/";
-constexpr double kPause = 1.5; // seconds
+constexpr std::size_t kPause = std::size_t{kSpeechRate} * 3 / 2; // samples
 
 std::vector<float> readSound(const std::filesystem::path& file)
 {
@@ -29,8 +29,7 @@ std::vector<float> readSound(const std::filesystem::path& file)
 
 void addPause(std::vector<float>& sound)
 {
-    for (const float sample :
-         test::noise(static_cast<unsigned>(sound.size()), std::size_t{kSpeechRate * 3 / 2}))
+    for (const float sample : test::noise(sound.size(), kPause))
         sound.push_back(sample * 0.0005F);
 }
 
@@ -40,7 +39,7 @@ SpeechStretch voiced(const std::vector<float>& sound)
     constexpr float kHeard = 0.01F;
     const auto isHeard = [](float sample) { return std::abs(sample) > kHeard; };
     const auto first = std::ranges::find_if(sound, isHeard);
-    const auto last = std::find_if(sound.rbegin(), sound.rend(), isHeard);
+    const auto last = std::ranges::find_if(sound.rbegin(), sound.rend(), isHeard);
     return {
         static_cast<double>(first - sound.begin()) / kSpeechRate,
         static_cast<double>(sound.rend() - last) / kSpeechRate};

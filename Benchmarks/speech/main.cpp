@@ -81,7 +81,7 @@ boundaryErrors(const std::vector<SpokenWord>& words, const std::vector<SpeechStr
             return middle > sentence.start - 0.5 && middle < sentence.end + 0.5;
         };
         const auto first = std::ranges::find_if(words, isOfIt);
-        const auto last = std::find_if(words.rbegin(), words.rend(), isOfIt);
+        const auto last = std::ranges::find_if(words.rbegin(), words.rend(), isOfIt);
         if (first == words.end())
             continue;
         add(first->start - sentence.start);

@@ -45,7 +45,10 @@ std::unique_ptr<SpeechEngine> makeSphinx();
 std::unique_ptr<SpeechEngine> makeWhisper(const std::filesystem::path& model);
 bool canUseWhisper();
 
-/// The one with the user's model (see `speechModelFile`), or PocketSphinx without one.
+/// whisper.cpp where the model is there and whole, else PocketSphinx.
+std::unique_ptr<SpeechEngine> makeEngineFor(const std::filesystem::path& model);
+
+/// The same for the user's model, see `speechModelFile`.
 std::unique_ptr<SpeechEngine> makeBestEngine();
 
 } // namespace zento

@@ -208,10 +208,15 @@ std::unique_ptr<SpeechEngine> makeWhisper(const std::filesystem::path&)
 
 std::unique_ptr<SpeechEngine> makeBestEngine()
 {
+    return makeEngineFor(speechModelFile());
+}
+
+std::unique_ptr<SpeechEngine> makeEngineFor(const std::filesystem::path& model)
+{
     std::error_code ignored;
-    if (canUseWhisper() && std::filesystem::exists(speechModelFile(), ignored)) {
+    if (canUseWhisper() && std::filesystem::exists(model, ignored)) {
         try {
-            return makeWhisper(speechModelFile());
+            return makeWhisper(model);
         } catch (const Error&) { // NOLINT(bugprone-empty-catch): there is another
         }
     }

@@ -174,6 +174,9 @@ TEST(LanguageModel, aBadAnswerIsAnErrorAndTheTemplatesWrite)
     const auto says = [](std::string body) {
         return [body = std::move(body)](const auto& c) { c.send(test::json(body)); };
     };
+    std::string large; // ten megabytes
+    for (int i = 0; i < 100'000; ++i)
+        large.append(100, 'a');
     struct Case {
         const char* name;
         HttpServer::Answer answer;
@@ -196,7 +199,7 @@ TEST(LanguageModel, aBadAnswerIsAnErrorAndTheTemplatesWrite)
          says(R"({"message":{"content":"{\"title\":"},"done_reason":"length"})"),
          ErrorCode::kNoUsableAnswer},
         {"ten megabytes",
-         says(R"({"message":{"content":")" + std::string(10'000'000, 'a') + "\"}}"),
+         says(R"({"message":{"content":")" + large + "\"}}"),
          ErrorCode::kNetworkFailed},
         {"deeply nested", says(std::string(100'000, '[')), ErrorCode::kNoUsableAnswer},
         {"a redirection to another server",
@@ -256,9 +259,10 @@ TEST(LanguageModel, noProxyHearsWhatIsAsked)
 {
     const HttpServer proxy([](const auto& c) { c.send(test::notFound()); });
     const HttpServer server(ollamaSaying("{}"));
-    setenv("http_proxy", proxy.url().c_str(), 1);
+    // Nothing else runs in this process that reads the environment.
+    setenv("http_proxy", proxy.url().c_str(), 1); // NOLINT(concurrency-mt-unsafe)
     const auto availability = modelAt(server).availability();
-    unsetenv("http_proxy");
+    unsetenv("http_proxy"); // NOLINT(concurrency-mt-unsafe)
     EXPECT_EQ(availability, Availability::Available);
     EXPECT_TRUE(proxy.requests().empty());
 }

@@ -68,6 +68,7 @@ TEST(SessionDigestTest, countsWhatWasDone)
 TEST(SessionDigestTest, aThirteenthTitleIsDropped)
 {
     std::vector<InputEvent> events;
+    events.reserve(14);
     for (int i = 0; i < 14; ++i)
         events.push_back(clickOn(i, "Button " + std::to_string(i)));
     const auto digest = SessionDigest::extract({}, events, nullptr);
@@ -184,6 +185,7 @@ TEST(SemanticAnalyzerTest, keyMomentsAreNamedClicksAndTheStartsOfTyping)
             SemanticAnalyzer::KeyMoment{2, "typed into a field"},
             SemanticAnalyzer::KeyMoment{3.2, "typed into a field"}));
     std::vector<InputEvent> many;
+    many.reserve(30);
     for (int i = 0; i < 30; ++i)
         many.push_back(clickOn(i, "B" + std::to_string(i)));
     EXPECT_THAT(SemanticAnalyzer::keyMoments(many), SizeIs(24));

@@ -70,6 +70,7 @@ void EditSession::open(const QString& bundlePath)
     m_history = {};
     m_planTimer.reset();
     m_isPlanning = false;
+    m_isTranscribing = false;
     m_isRenderStale = false;
     m_isStaleDismissed = false;
     ++m_version;
@@ -78,6 +79,7 @@ void EditSession::open(const QString& bundlePath)
     Q_EMIT planned();
     Q_EMIT historyChanged();
     Q_EMIT renderStaleChanged();
+    Q_EMIT transcribing();
     if (!m_path.empty()) {
         load();
     }
@@ -118,9 +120,11 @@ void EditSession::take(Loaded loadedSources)
     m_sources.analyses = std::move(loadedSources.analyses);
     m_sources.edits = std::move(loadedSources.edits);
     Q_EMIT loaded();
+    Q_EMIT transcribing();
     Q_EMIT editsChanged();
     plan();
     analyzeMusic();
+    findRegions();
     transcribeNarration();
 }
 
@@ -324,30 +328,103 @@ void EditSession::analyzeMusic()
         });
 }
 
-/// A narration that was never listened to is planned once it is known what it says.
-void EditSession::transcribeNarration()
+/// What an analysis finds becomes a part of what the film is planned from; `next` follows it,
+/// whatever it found.
+template <typename Result, typename Analyse>
+void EditSession::learn(
+    Worker& worker, Analyse analyse, Result BundleAnalyses::* part, std::function<void()> next)
 {
-    if (!transcript().empty() || !m_sources.analyses->hasNarration || !m_ports.transcribe) {
-        return;
-    }
     const auto stop = m_session.get_token();
     compute(
-        m_ports.speech,
+        worker,
         this,
-        [transcribe = m_ports.transcribe, bundle = m_sources.bundle, stop] {
-            return stop.stop_requested() ? std::vector<TranscriptSegment>()
-                                         : transcribe(*bundle, stop);
+        [analyse = std::move(analyse), bundle = m_sources.bundle, stop] {
+            return stop.stop_requested() ? Result() : analyse(*bundle, stop);
         },
-        [this, stop](Outcome<std::vector<TranscriptSegment>> outcome) {
-            if (stop.stop_requested() || !outcome || outcome->empty()) {
+        [this, stop, part, next = std::move(next)](Outcome<Result> outcome) {
+            if (stop.stop_requested()) {
+                return;
+            }
+            if (outcome && *outcome != Result() && *outcome != (*m_sources.analyses).*part) {
+                auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
+                (*analyses).*part = *std::move(outcome);
+                m_sources.analyses = std::move(analyses);
+                Q_EMIT editsChanged();
+                planSoon();
+            }
+            if (next) {
+                next();
+            }
+        });
+}
+
+/// Clicks that nothing explains are planned around once it is known what they hit.
+void EditSession::findRegions()
+{
+    if (m_sources.analyses->framingHints.empty() && m_ports.analysers.findRegions) {
+        learn(m_ports.analyses, m_ports.analysers.findRegions, &BundleAnalyses::framingHints);
+    }
+}
+
+/// A narration that was never listened to is planned once it is known what it says. The story
+/// follows what is said.
+void EditSession::transcribeNarration()
+{
+    const bool isUnheard = transcript().empty() && m_sources.analyses->hasNarration;
+    if (isUnheard && m_ports.analysers.transcribe) {
+        m_isTranscribing = true;
+        Q_EMIT transcribing();
+        learn(m_ports.speech, m_ports.analysers.transcribe, &BundleAnalyses::transcript, [this] {
+            m_isTranscribing = false;
+            Q_EMIT transcribing();
+            tellStory();
+        });
+    } else {
+        tellStory();
+    }
+}
+
+bool EditSession::canTranscribe() const
+{
+    return isLoaded() && m_sources.analyses->hasNarration && m_ports.analysers.transcribe
+           && !m_isTranscribing;
+}
+
+void EditSession::retranscribe()
+{
+    if (!canTranscribe()) {
+        return;
+    }
+    compute(
+        m_ports.edits,
+        this,
+        [file = m_sources.bundle->transcriptURL()] {
+            std::error_code ignored; // the worst is that the words stay what they are
+            std::filesystem::remove(file, ignored);
+        },
+        [this, stop = m_session.get_token()](const Outcome<void>&) {
+            if (stop.stop_requested()) {
                 return;
             }
             auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
-            analyses->transcript = *std::move(outcome);
+            analyses->transcript.clear();
             m_sources.analyses = std::move(analyses);
-            Q_EMIT editsChanged();
-            planSoon();
+            changed();
+            transcribeNarration();
         });
+}
+
+void EditSession::tellStory()
+{
+    if (!m_sources.analyses->semantics && m_ports.analysers.tellStory) {
+        learn(
+            m_ports.speech,
+            [tell = m_ports.analysers.tellStory,
+             said = transcript()](const SessionBundle& bundle, const std::stop_token& stop) {
+                return tell(bundle, said, stop);
+            },
+            &BundleAnalyses::semantics);
+    }
 }
 
 void EditSession::setStaleDismissed(bool isDismissed)
@@ -355,6 +432,17 @@ void EditSession::setStaleDismissed(bool isDismissed)
     if (m_isStaleDismissed != isDismissed) {
         m_isStaleDismissed = isDismissed;
         Q_EMIT renderStaleChanged();
+    }
+}
+
+void EditSession::titleChanged()
+{
+    const AppSettings& settings = m_ports.settings.current();
+    if (isLoaded() && settings.titleCard && trimmed(settings.titleCardText).empty()) {
+        ++m_version;
+        if (!std::exchange(m_isRenderStale, true)) {
+            Q_EMIT renderStaleChanged();
+        }
     }
 }
 

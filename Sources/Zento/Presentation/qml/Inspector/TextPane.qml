@@ -18,6 +18,16 @@ Pane {
             checked: pane.settings.showCaptions
             onToggled: pane.settings.showCaptions = checked
         }
+        Button {
+            readonly property var session: App.editor?.session ?? null
+
+            size: Button.Small
+            iconName: "refresh"
+            visible: session !== null && (session.canTranscribe || session.isTranscribing)
+            enabled: session?.canTranscribe ?? false
+            text: session?.isTranscribing ? qsTr("Transcribing…") : qsTr("Transcribe again")
+            onClicked: session.retranscribe()
+        }
     }
     Section {
         title: qsTr("Cards")

@@ -6,6 +6,7 @@
 #include "ZentoCore/Text.h"
 
 #include <exception>
+#include <system_error>
 #include <utility>
 
 namespace zento {
@@ -70,6 +71,7 @@ void EditSession::open(const QString& bundlePath)
     m_history = {};
     m_planTimer.reset();
     m_isPlanning = false;
+    m_isTranscribing = false;
     m_isRenderStale = false;
     m_isStaleDismissed = false;
     ++m_version;
@@ -283,10 +285,9 @@ void EditSession::setWord(int index, const QString& text)
     if (index < 0 || static_cast<std::size_t>(index) >= transcript().size()) {
         return;
     }
-    auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
-    analyses->transcript[static_cast<std::size_t>(index)].text =
-        std::string(trimmed(text.toStdString()));
-    m_sources.analyses = std::move(analyses);
+    std::vector<TranscriptSegment> segments = transcript();
+    segments[static_cast<std::size_t>(index)].text = std::string(trimmed(text.toStdString()));
+    setTranscript(std::move(segments));
     m_ports.edits.run(
         [file = m_sources.bundle->transcriptURL(), text = encodeTranscript(transcript())] {
             writeWhole(file, text);
@@ -324,13 +325,51 @@ void EditSession::analyzeMusic()
         });
 }
 
+bool EditSession::canTranscribe() const
+{
+    return isLoaded() && m_sources.analyses->hasNarration && m_ports.transcribe != nullptr;
+}
+
+void EditSession::setTranscript(std::vector<TranscriptSegment> transcript)
+{
+    auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
+    analyses->transcript = std::move(transcript);
+    m_sources.analyses = std::move(analyses);
+    planSoon();
+}
+
+void EditSession::retranscribe()
+{
+    if (!canTranscribe() || m_isTranscribing) {
+        return;
+    }
+    setTranscript({});
+    m_isTranscribing = true;
+    Q_EMIT editsChanged();
+    // On the thread that saves captions: one on its way must not come after this.
+    compute(
+        m_ports.edits,
+        this,
+        [file = m_sources.bundle->transcriptURL()] {
+            std::error_code ignored;
+            std::filesystem::remove(file, ignored);
+        },
+        [this, stop = m_session.get_token()](const Outcome<void>&) {
+            if (!stop.stop_requested()) {
+                transcribeNarration();
+            }
+        });
+}
+
 /// A narration that was never listened to is planned once it is known what it says.
 void EditSession::transcribeNarration()
 {
-    if (!transcript().empty() || !m_sources.analyses->hasNarration || !m_ports.transcribe) {
+    if (!transcript().empty() || !canTranscribe()) {
         return;
     }
     const auto stop = m_session.get_token();
+    m_isTranscribing = true;
+    Q_EMIT editsChanged();
     compute(
         m_ports.speech,
         this,
@@ -339,14 +378,14 @@ void EditSession::transcribeNarration()
                                          : transcribe(*bundle, stop);
         },
         [this, stop](Outcome<std::vector<TranscriptSegment>> outcome) {
-            if (stop.stop_requested() || !outcome || outcome->empty()) {
+            if (stop.stop_requested()) {
                 return;
             }
-            auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
-            analyses->transcript = *std::move(outcome);
-            m_sources.analyses = std::move(analyses);
+            m_isTranscribing = false;
+            if (outcome && !outcome->empty()) {
+                setTranscript(*std::move(outcome));
+            }
             Q_EMIT editsChanged();
-            planSoon();
         });
 }
 

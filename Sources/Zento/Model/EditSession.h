@@ -40,6 +40,9 @@ class EditSession : public QObject {
     /// What the next step of undo and redo is called; empty for none.
     Q_PROPERTY(QString undoName READ undoName NOTIFY historyChanged)
     Q_PROPERTY(QString redoName READ redoName NOTIFY historyChanged)
+    Q_PROPERTY(bool isTranscribing READ isTranscribing NOTIFY editsChanged)
+    /// There is a narration to listen to.
+    Q_PROPERTY(bool canTranscribe READ canTranscribe NOTIFY editsChanged)
     /// The film on the disk is older than the edit.
     Q_PROPERTY(bool isRenderStale READ isRenderStale NOTIFY renderStaleChanged)
     /// Writing true puts the notice of that away until the next recording is opened.
@@ -86,6 +89,11 @@ public:
     /// Replaces the text of a segment; an emptied one stays and still protects the speech. Writes
     /// "transcript.json". Nothing happens for an index beyond the transcript.
     void setWord(int index, const QString& text);
+
+    bool isTranscribing() const { return m_isTranscribing; }
+    bool canTranscribe() const;
+    /// Listens to the narration once more; the transcript that is there goes, with what was edited.
+    Q_INVOKABLE void retranscribe();
 
     /// The music file came, changed or went: what was chosen of the one before is not of this one.
     Q_INVOKABLE void reloadMusic();
@@ -134,6 +142,7 @@ private:
     void plan();
     void save();
     void analyzeMusic();
+    void setTranscript(std::vector<TranscriptSegment> transcript);
     void transcribeNarration();
 
     Ports m_ports;
@@ -145,6 +154,7 @@ private:
     std::uint64_t m_version = 0; // of what a plan is made from
     bool m_isPlanning = false;
     bool m_isRestoring = false;
+    bool m_isTranscribing = false;
     bool m_isUnsaved = false;
     bool m_isRenderStale = false;
     bool m_isStaleDismissed = false;

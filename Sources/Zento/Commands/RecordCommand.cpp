@@ -3,12 +3,40 @@
 #include "Zento/Commands/Recording.h"
 #include "Zento/Commands/Subcommands.h"
 #include "Zento/Commands/TargetChoice.h"
+#include "ZentoCore/FileIO.h"
 #include "ZentoCore/SessionBundle.h"
+#include "ZentoCore/UserFolders.h"
 
 #include <array>
+#include <filesystem>
 #include <iostream>
+#include <string>
 
 namespace zento {
+
+namespace {
+
+/// Says something on standard error that this user has not been told before.
+void tellOnce(const std::string& sentence)
+{
+    const std::filesystem::path file = userStateFolder() / "Zento" / "told";
+    std::string told;
+    try {
+        told = readFile(file);
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch): nothing has been told yet
+    }
+    if (told.contains(sentence)) {
+        return;
+    }
+    std::cerr << sentence << '\n';
+    try {
+        makeFolder(file.parent_path());
+        writeFile(file, told + sentence + '\n');
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch): it is told again next time
+    }
+}
+
+} // namespace
 
 void record(std::span<const std::string_view> words)
 {
@@ -34,6 +62,9 @@ void record(std::span<const std::string_view> words)
          .camera = arguments.has("--camera"),
          .systemAudio = arguments.has("--system-audio")},
         interruption);
+    if (const auto shortcoming = desktop->shortcoming()) {
+        tellOnce(*shortcoming);
+    }
     std::cerr << "Recording; Control-C ends it.\n";
     interruption.wait(
         seconds ? std::optional(std::chrono::duration<double>(*seconds)) : std::nullopt);

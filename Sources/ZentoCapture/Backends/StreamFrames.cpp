@@ -37,6 +37,9 @@ void StreamFrames::take(const ScreenUpdate& update, double now)
         keepWhole(picture);
         return;
     }
+    if (!m_recorded) {
+        m_recorded = m_size;
+    }
     if (!hasNewSize && !concernsPart(update)) {
         return;
     }

@@ -1,6 +1,7 @@
 #include "Heartbeat.h"
 
 #include <ctime>
+#include <fstream>
 #include <utility>
 
 namespace zento::bench {
@@ -14,11 +15,22 @@ double threadMilliseconds()
     return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
 }
 
+/// Time this thread was ready to run and had no core, milliseconds.
+double threadDelay()
+{
+    std::ifstream file("/proc/thread-self/schedstat");
+    double ran = 0;
+    double waited = 0;
+    file >> ran >> waited;
+    return waited / 1e6;
+}
+
 } // namespace
 
 Heartbeat::Heartbeat()
     : m_last(std::chrono::steady_clock::now())
     , m_lastWork(threadMilliseconds())
+    , m_lastDelay(threadDelay())
 {
     m_timer.setTimerType(Qt::PreciseTimer);
     m_timer.setInterval(1);
@@ -32,8 +44,10 @@ void Heartbeat::beat()
     const double work = threadMilliseconds();
     const std::chrono::duration<double, std::milli> away = now - std::exchange(m_last, now);
     const double own = work - std::exchange(m_lastWork, work);
+    const double delay = threadDelay();
+    const double delayed = delay - std::exchange(m_lastDelay, delay);
     if (away.count() > m_longest.milliseconds) {
-        m_longest = {away.count(), own};
+        m_longest = {away.count(), own, delayed};
     }
 }
 

@@ -14,7 +14,8 @@ public:
 
     struct Pause {
         double milliseconds = 0;
-        double work = 0; // of these, the thread's own processor time; the rest it was not let
+        double work = 0;    // of these, the thread's own processor time
+        double delayed = 0; // of these, ready to run without a core; the rest it waited for others
     };
 
     /// The longest pause since the last call.
@@ -26,6 +27,7 @@ private:
     QTimer m_timer;
     std::chrono::steady_clock::time_point m_last;
     double m_lastWork = 0;
+    double m_lastDelay = 0;
     Pause m_longest;
 };
 

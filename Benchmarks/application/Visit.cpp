@@ -73,29 +73,43 @@ public:
     void begin()
     {
         m_heartbeat.takeLongest();
-        m_acts.front().begin();
+        beginAct();
         m_timer.start();
     }
 
 private:
+    void beginAct()
+    {
+        m_begun = std::chrono::steady_clock::now();
+        m_acts[m_index].begin();
+    }
+
     void look()
     {
         if (!m_acts[m_index].isOver()) {
             return;
         }
         const Heartbeat::Pause pause = m_heartbeat.takeLongest();
-        std::printf("%s %.1f %.1f\n", m_acts[m_index].name, pause.milliseconds, pause.work);
+        const std::chrono::duration<double> took = std::chrono::steady_clock::now() - m_begun;
+        std::printf(
+            "%s %.1f %.1f %.1f %.1f\n",
+            m_acts[m_index].name,
+            took.count(),
+            pause.milliseconds,
+            pause.work,
+            pause.delayed);
         std::fflush(stdout);
         if (++m_index == m_acts.size()) {
             QCoreApplication::quit();
             m_timer.stop();
         } else {
-            m_acts[m_index].begin();
+            beginAct();
         }
     }
 
     std::vector<Act> m_acts;
     std::size_t m_index = 0;
+    std::chrono::steady_clock::time_point m_begun;
     QTimer m_timer;
     Heartbeat m_heartbeat;
 };
@@ -124,8 +138,15 @@ int visitPauses(int argc, char** argv)
     Application application(argc, argv);
     AppModel& model = application.host.model();
     bool isListed = false;
+    bool isExported = false;
     std::chrono::steady_clock::time_point begun;
     const auto isIdle = [&] { return model.recording()->phase() == Phase::Idle; };
+    const auto fail = [&] {
+        if (const QString message = model.messages()->errorMessage(); !message.isEmpty()) {
+            std::fprintf(stderr, "%s\n", qUtf8Printable(message));
+            std::exit(1); // NOLINT(concurrency-mt-unsafe): without an export nothing was measured
+        }
+    };
     Course course(
         {{"listing",
           [&] { model.library()->refresh([&] { isListed = true; }); },
@@ -137,7 +158,14 @@ int visitPauses(int argc, char** argv)
           },
           [&] { return std::chrono::steady_clock::now() - begun > kRecorded; }},
          {"stopping", [&] { model.recording()->stopRecording(); }, isIdle},
-         {"exporting", [&] { model.filmExport()->start(); }, isIdle}});
+         {"exporting",
+          [&] {
+              QObject::connect(model.messages(), &Messages::errorMessageChanged, fail);
+              model.filmExport()->start();
+          },
+          [&] { return isExported; }}});
+    QObject::connect(
+        model.filmExport(), &FilmExport::filmWritten, &course, [&] { isExported = true; });
     // The window's first pictures are the start's.
     application.onShown([&] { QTimer::singleShot(1000, &course, &Course::begin); });
     application.host.start();

@@ -8,6 +8,7 @@
 #include "Zento/Demo/PrivateDesktop.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoCore/SessionBundle.h"
+#include "capture/Animation.h"
 
 #include <algorithm>
 #include <chrono>
@@ -52,6 +53,8 @@ void fillLibrary(const std::filesystem::path& folder, int count)
 std::string visited(const std::string& program, const std::string& visit, int recordings)
 {
     PrivateDesktop stage({1600, 1000});
+    constexpr double kShare = 0.3; // of the screen, in motion while it is recorded
+    const Animation animation(stage.display(), 1600, 1000, kShare);
     const auto& home = stage.home();
     fillLibrary(home.path() / "Videos/Zento", recordings);
     home.writeFile(".config/Zento/settings.json", R"({"countdownSeconds": 0})");
@@ -93,14 +96,21 @@ void tellPauses(const std::string& printed)
     for (std::string line; std::getline(lines, line);) {
         std::istringstream words(line);
         std::string name;
+        double took = 0;
         double pause = 0;
         double work = 0;
-        if (words >> name >> pause >> work) {
+        double delayed = 0;
+        if (words >> name >> took >> pause >> work >> delayed) {
             std::printf(
-                "longest pause while %-16s %6.1f ms   limit 50 ms; the thread's own work %.1f ms\n",
+                "longest pause while %-10s %5.1f s %6.1f ms   limit 50 ms; own work %.1f, no core "
+                "%.1f\n",
                 name.c_str(),
+                took,
                 pause,
-                work);
+                work,
+                delayed);
+        } else {
+            std::fprintf(stderr, "%s\n", line.c_str());
         }
     }
 }

@@ -40,8 +40,8 @@ struct ScrollSeam {
 class ScrollStitch {
 public:
     static constexpr int kMostSteps = 60;
-    static constexpr int kMostHeight = 32767; // pixels, which a canvas may have; a page ends there
-    static constexpr int kSmallMove = 4;      // pixels
+    static constexpr int kMostHeight = Canvas::kMostSide; // a page ends there
+    static constexpr int kSmallMove = 4;                  // pixels
 
     enum class Verdict : std::uint8_t { Continue, Ended };
 

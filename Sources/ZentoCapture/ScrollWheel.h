@@ -8,7 +8,7 @@
 
 namespace zento {
 
-/// A hand on the wheel of the user's pointer.
+/// A hand on the wheel of the user's pointer, which Escape takes away.
 ///
 /// Threading: one thread at a time.
 class ScrollWheel {
@@ -18,6 +18,10 @@ public:
     /// Where the pointer is, in pixels of the desktop; nothing when it cannot be read.
     virtual std::optional<Vec2> pointer() = 0;
     virtual void movePointer(Vec2 pixel) = 0;
+
+    /// Whether the user has pressed Escape since the wheel was opened. While it is, no other
+    /// program sees that key.
+    virtual bool isGivenUp() = 0;
 
     /// Turns the wheel down by so many notches over what lies at a pixel of the desktop.
     virtual void scroll(int notches, Vec2 pixel) = 0;

@@ -32,8 +32,11 @@ struct Ports {
 /// Whoever moves the pointer meanwhile ends the run; what was gathered is kept, and told to be cut
 /// short.
 ///
+/// Escape gives the run up.
+///
 /// `area`: global points. The pointer goes back to where it was, also when the run fails.
-/// Threading: blocks; any thread. Throws `Error`: 9 when it was stopped, 45, or what a shot says.
+/// Threading: blocks; any thread. Throws `Error`: 9 when it was stopped or given up, 45, or what a
+/// shot says.
 ScrolledShot run(const Rect& area, const Ports& ports, const std::stop_token& stop = {});
 
 } // namespace ScrollingCapture

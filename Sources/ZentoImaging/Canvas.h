@@ -26,7 +26,8 @@ enum class Interpolation {
 /// Errors: a size that is not positive, or no memory for it, throws.
 class Canvas {
 public:
-    Canvas(int width, int height); // pixels
+    static constexpr int kMostSide = 32767; // pixels, of what draws
+    Canvas(int width, int height);          // pixels
     Canvas(Canvas&&) noexcept;
     Canvas& operator=(Canvas&&) noexcept;
     ~Canvas();

@@ -4,8 +4,11 @@
 #include "ZentoMedia/Ffmpeg/AudioConverter.h"
 #include "ZentoMedia/Ffmpeg/Handles.h"
 #include "ZentoMedia/Ffmpeg/Input.h"
+#include "ZentoMedia/Ffmpeg/InputStream.h"
 
 #include <algorithm>
+#include <exception>
+#include <memory>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -31,6 +34,7 @@ struct AudioReader::State {
 
     std::filesystem::path path;
     ChannelMix mix;
+    std::unique_ptr<InputStream> bytes; // null for a file; outlives `input`
     InputHandle input;
     AVStream* stream = nullptr;
     CodecHandle codec;
@@ -41,10 +45,14 @@ struct AudioReader::State {
     bool hasPackets = false;
     bool isFirstWaiting = false; // `frame` holds the first one
 
-    State(std::filesystem::path file, ChannelMix channelMix)
-        : path(std::move(file))
+    State(
+        std::filesystem::path itsPath,
+        ChannelMix channelMix,
+        std::unique_ptr<InputStream> itsBytes = nullptr)
+        : path(std::move(itsPath))
         , mix(channelMix)
-        , input(openInput(path))
+        , bytes(std::move(itsBytes))
+        , input(bytes ? openInput(bytes->context(), path) : openInput(path))
         , stream(chooseSound(*input, path))
         , codec(makeDecoder(*stream, path))
     {
@@ -62,6 +70,30 @@ AudioReader::AudioReader(
     : m_state(std::make_unique<State>(path, mix))
 {
     m_state->readFirst(sampleRate);
+}
+
+AudioReader::AudioReader(
+    ByteSource source, const std::string& name, ChannelMix mix, std::optional<int> sampleRate)
+{
+    // Of the source, which the library tells as one of its own.
+    const auto failure = std::make_shared<std::exception_ptr>();
+    const auto watched = [failure, from = std::move(source)](std::span<char> into) {
+        try {
+            return from(into);
+        } catch (...) {
+            *failure = std::current_exception();
+            throw;
+        }
+    };
+    auto bytes = std::make_unique<InputStream>(watched);
+    try {
+        m_state = std::make_unique<State>(name, mix, std::move(bytes));
+        m_state->readFirst(sampleRate);
+    } catch (const Error&) {
+        if (*failure)
+            std::rethrow_exception(*failure);
+        throw;
+    }
 }
 
 AudioReader::~AudioReader() = default;

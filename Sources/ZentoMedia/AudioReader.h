@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 
 namespace zento {
 
@@ -18,6 +21,10 @@ enum class ChannelMix {
     /// whose places nobody knows go left and right in turn.
     Stereo,
 };
+
+/// Bytes that come one after the other from somewhere else than a file: fills `into` from its start
+/// and gives how many came, 0 at the end. May block and throw.
+using ByteSource = std::function<std::size_t(std::span<char> into)>;
 
 /// Reads the sound of a file's first audio track, forwards, in any format the media library opens,
 /// also that of a movie.
@@ -35,6 +42,15 @@ public:
     /// sound that cannot be converted. A track of no samples is no failure.
     explicit AudioReader(
         const std::filesystem::path& path,
+        ChannelMix mix = ChannelMix::AsStored,
+        std::optional<int> sampleRate = std::nullopt);
+
+    /// The sound of bytes as they come, in any format that can be read forwards. `name` is for
+    /// messages. What `source` throws while the sound is opened is thrown on; later it ends the
+    /// sound.
+    AudioReader(
+        ByteSource source,
+        const std::string& name,
         ChannelMix mix = ChannelMix::AsStored,
         std::optional<int> sampleRate = std::nullopt);
     ~AudioReader();

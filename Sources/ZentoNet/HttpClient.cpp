@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 namespace zento {
 
@@ -55,11 +56,13 @@ std::string hostOf(const std::string& url)
 /// Where a body goes. False stops the transfer.
 using Sink = std::function<bool(int status, std::string_view bytes)>;
 
+using ProgressCallback = std::function<void(const HttpProgress&)>;
+
 /// What the library calls back with.
 struct Transfer {
     CURL* handle = nullptr;
     const Sink* sink = nullptr;
-    const std::function<void(const HttpProgress&)>* onProgress = nullptr;
+    const ProgressCallback* onProgress = nullptr;
     std::size_t received = 0;
     std::size_t most = 0;
 };
@@ -123,68 +126,102 @@ void configure(CURL* handle, const HttpRequest& request, curl_slist* headers, Tr
     set(CURLOPT_XFERINFODATA, static_cast<void*>(&transfer));
 }
 
-/// The library's verdict once the exchange is over.
-CURLcode run(CURL* handle, const std::string& host, const std::stop_token& stop)
-{
-    constexpr int kLookEvery = 50; // milliseconds
-    const std::unique_ptr<CURLM, ReleaseTransfers> transfers(curl_multi_init());
-    curl_multi_add_handle(transfers.get(), handle);
-    CURLcode verdict = CURLE_OK;
-    for (int running = 1; running > 0;) {
-        if (stop.stop_requested()) {
-            curl_multi_remove_handle(transfers.get(), handle);
-            throw Error(ErrorCode::kCancelled, "the exchange with " + host + " was cancelled");
-        }
-        curl_multi_perform(transfers.get(), &running);
-        int left = 0;
-        while (const CURLMsg* message = curl_multi_info_read(transfers.get(), &left)) {
-            if (message->msg == CURLMSG_DONE)
-                verdict = message->data.result;
-        }
-        if (running > 0)
-            curl_multi_poll(transfers.get(), nullptr, 0, kLookEvery, nullptr);
-    }
-    curl_multi_remove_handle(transfers.get(), handle);
-    return verdict;
-}
-
 Error failure(const std::string& host, std::string_view reason)
 {
     return {ErrorCode::kNetworkFailed, "no answer from " + host + ": " + std::string(reason)};
 }
 
+/// One request and its answer, which comes in steps.
+class Exchange {
+public:
+    Exchange(
+        const HttpRequest& request,
+        std::uint64_t continueFrom,
+        const Sink& sink,
+        const ProgressCallback& onProgress)
+        : m_host((startLibrary(), hostOf(request.url)))
+        , m_handle(curl_easy_init())
+        , m_transfer{m_handle.get(), &sink, &onProgress, 0, request.mostBytes}
+        , m_headers(headerList(request))
+        , m_transfers(curl_multi_init())
+    {
+        if (!m_handle || !m_transfers)
+            throw failure(m_host, "out of memory");
+        configure(m_handle.get(), request, m_headers.get(), m_transfer);
+        // Not as the library's own resumption, which refuses a server that then sends the whole.
+        const std::string range = std::to_string(continueFrom) + "-";
+        if (continueFrom > 0)
+            curl_easy_setopt(m_handle.get(), CURLOPT_RANGE, range.c_str());
+        curl_multi_add_handle(m_transfers.get(), m_handle.get());
+    }
+    ~Exchange() { curl_multi_remove_handle(m_transfers.get(), m_handle.get()); }
+    Exchange(const Exchange&) = delete;
+    Exchange& operator=(const Exchange&) = delete;
+
+    /// Hands on what has come, after waiting for some. False once the exchange is over.
+    bool step(const std::stop_token& stop)
+    {
+        constexpr int kLookEvery = 50; // milliseconds
+        if (stop.stop_requested())
+            throw Error(ErrorCode::kCancelled, "the exchange with " + m_host + " was cancelled");
+        const std::size_t before = m_transfer.received;
+        int running = 0;
+        curl_multi_perform(m_transfers.get(), &running);
+        int left = 0;
+        while (const CURLMsg* message = curl_multi_info_read(m_transfers.get(), &left)) {
+            if (message->msg == CURLMSG_DONE)
+                m_verdict = message->data.result;
+        }
+        if (running > 0 && m_transfer.received == before)
+            curl_multi_poll(m_transfers.get(), nullptr, 0, kLookEvery, nullptr);
+        return running > 0;
+    }
+
+    /// Once it is over: throws for what went wrong.
+    void requireSuccess() const
+    {
+        if (m_verdict == CURLE_WRITE_ERROR && m_transfer.received > m_transfer.most)
+            throw failure(
+                m_host, "it sent more than " + std::to_string(m_transfer.most) + " bytes");
+        if (m_verdict != CURLE_OK)
+            throw failure(m_host, curl_easy_strerror(m_verdict));
+    }
+
+    const std::string& host() const { return m_host; }
+    int status() const
+    {
+        long status = 0;
+        curl_easy_getinfo(m_handle.get(), CURLINFO_RESPONSE_CODE, &status);
+        return static_cast<int>(status);
+    }
+    std::string contentType() const
+    {
+        const char* type = nullptr;
+        curl_easy_getinfo(m_handle.get(), CURLINFO_CONTENT_TYPE, &type);
+        return type != nullptr ? type : "";
+    }
+
+private:
+    std::string m_host;
+    Handle<CURL> m_handle;
+    Transfer m_transfer;
+    Handle<curl_slist> m_headers;
+    std::unique_ptr<CURLM, ReleaseTransfers> m_transfers;
+    CURLcode m_verdict = CURLE_OK;
+};
+
 HttpResponse exchange(
     const HttpRequest& request,
     std::uint64_t continueFrom,
     const Sink& sink,
-    const std::function<void(const HttpProgress&)>& onProgress,
+    const ProgressCallback& onProgress,
     const std::stop_token& stop)
 {
-    startLibrary();
-    const std::string host = hostOf(request.url);
-    const Handle<CURL> handle(curl_easy_init());
-    if (!handle)
-        throw failure(host, "out of memory");
-    Transfer transfer{handle.get(), &sink, &onProgress, 0, request.mostBytes};
-    const Handle<curl_slist> headers = headerList(request);
-    configure(handle.get(), request, headers.get(), transfer);
-    // Not as the library's own resumption, which refuses a server that then sends the whole.
-    const std::string range = std::to_string(continueFrom) + "-";
-    if (continueFrom > 0)
-        curl_easy_setopt(handle.get(), CURLOPT_RANGE, range.c_str());
-    const CURLcode verdict = run(handle.get(), host, stop);
-    if (verdict == CURLE_WRITE_ERROR && transfer.received > transfer.most)
-        throw failure(host, "it sent more than " + std::to_string(transfer.most) + " bytes");
-    HttpResponse response;
-    long status = 0;
-    curl_easy_getinfo(handle.get(), CURLINFO_RESPONSE_CODE, &status);
-    response.status = static_cast<int>(status);
-    if (verdict != CURLE_OK)
-        throw failure(host, curl_easy_strerror(verdict));
-    const char* contentType = nullptr;
-    curl_easy_getinfo(handle.get(), CURLINFO_CONTENT_TYPE, &contentType);
-    response.contentType = contentType != nullptr ? contentType : "";
-    return response;
+    Exchange exchange(request, continueFrom, sink, onProgress);
+    while (exchange.step(stop)) {
+    }
+    exchange.requireSuccess();
+    return {.status = exchange.status(), .contentType = exchange.contentType(), .body = {}};
 }
 
 bool isSuccess(int status)
@@ -245,6 +282,56 @@ HttpResponse download(
     if (std::fflush(file.get()) != 0)
         throw systemError("Cannot write", to.string(), errno);
     return response;
+}
+
+struct HttpStream::State {
+    State(const HttpRequest& request, std::stop_token itsStop)
+        : stop(std::move(itsStop))
+        , exchange(request, 0, sink, progress)
+    {
+    }
+
+    std::stop_token stop;
+    std::string waiting;   // bytes
+    std::size_t taken = 0; // of those
+    bool isOver = false;
+    Sink sink = [this](int status, std::string_view bytes) {
+        if (isSuccess(status))
+            waiting += bytes;
+        return true;
+    };
+    ProgressCallback progress;
+    Exchange exchange;
+};
+
+HttpStream::HttpStream(const HttpRequest& request, std::stop_token stop)
+    : m_state(std::make_unique<State>(request, std::move(stop)))
+{
+}
+
+HttpStream::~HttpStream() = default;
+
+std::size_t HttpStream::read(std::span<char> into)
+{
+    State& state = *m_state;
+    if (state.taken == state.waiting.size()) {
+        state.waiting.clear();
+        state.taken = 0;
+    }
+    while (state.waiting.empty() && !state.isOver) {
+        if (state.exchange.step(state.stop))
+            continue;
+        state.isOver = true;
+        state.exchange.requireSuccess();
+        if (!isSuccess(state.exchange.status()))
+            throw failure(
+                state.exchange.host(),
+                "it answered with status " + std::to_string(state.exchange.status()));
+    }
+    const std::size_t count = std::min(into.size(), state.waiting.size() - state.taken);
+    std::copy_n(state.waiting.data() + state.taken, count, into.data());
+    state.taken += count;
+    return count;
 }
 
 std::string percentEncoded(std::string_view text)

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
+#include <span>
 #include <stop_token>
 #include <string>
 #include <string_view>
@@ -55,6 +57,25 @@ HttpResponse download(
     std::uint64_t continueFrom = 0,
     const std::function<void(const HttpProgress&)>& onProgress = {},
     const std::stop_token& stop = {});
+
+/// A body that is read as it comes: nothing more is asked of the server than what is wanted here.
+///
+/// Threading: used by one thread at a time; `stop` from any.
+class HttpStream {
+public:
+    HttpStream(const HttpRequest& request, std::stop_token stop = {});
+    ~HttpStream();
+    HttpStream(const HttpStream&) = delete;
+    HttpStream& operator=(const HttpStream&) = delete;
+
+    /// Waits for the next bytes; how many came, 0 at the end. Throws as `fetch`, and
+    /// `kNetworkFailed` for a status other than 200 to 299.
+    std::size_t read(std::span<char> into);
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
 
 /// A text as a part of a URL's query.
 std::string percentEncoded(std::string_view text);

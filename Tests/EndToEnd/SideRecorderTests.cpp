@@ -10,6 +10,7 @@
 #include "ZentoCapture/DeviceWatch.h"
 #include "ZentoCapture/MicRecorder.h"
 #include "ZentoCapture/MonotonicClock.h"
+#include "ZentoCapture/SoundOutput.h"
 #include "ZentoCapture/SystemAudioWriter.h"
 #include "ZentoCore/Error.h"
 #include "ZentoCore/FileIO.h"
@@ -19,12 +20,15 @@
 #include <signal.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <numbers>
 #include <optional>
+#include <span>
+#include <stop_token>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -279,6 +283,38 @@ TEST_F(CameraTest, aCameraThatIsUnpluggedLeavesWhatItShowed)
     ASSERT_TRUE(eventually([] { return !test::hasNode("camera"); }));
     EXPECT_TRUE(recorder.stop());
     EXPECT_GE(test::readFrames(m_folder / "webcam.mov").size(), 5U);
+}
+
+TEST_F(SideRecorderTest, whatTheApplicationPlaysIsHeardOnBothSides)
+{
+    const auto file = m_folder / "system.wav";
+    SystemAudioWriter recorder;
+    recorder.start(file, std::nullopt);
+    const auto output = openSoundOutput();
+    const auto left = test::tone(600, SoundOutput::kSampleRate, SoundOutput::kSampleRate * 3);
+    const auto right = test::tone(900, SoundOutput::kSampleRate, left.size());
+    const std::array<std::span<const float>, 2> sides{left, right};
+    output->play(sides, {});
+    output->finish({});
+    recorder.stop();
+    const auto heard = test::readSound(file);
+    ASSERT_EQ(heard.size(), 2U);
+    // Some second in the middle holds one tone on each side and nothing of the other.
+    double most = 0;
+    for (std::size_t at = 0; at + kRate <= heard[0].size(); at += kRate / 10) {
+        const std::span one = std::span(heard[0]).subspan(at, kRate);
+        const std::span other = std::span(heard[1]).subspan(at, kRate);
+        const double own = std::min(amountOf(600, one), amountOf(900, other));
+        const double wrong = std::max(amountOf(900, one), amountOf(600, other));
+        most = std::max(most, own - wrong);
+    }
+    EXPECT_GT(most, 0.35);
+
+    std::stop_source stop; // half a minute that nobody waits for
+    stop.request_stop();
+    const std::vector<float> silence(SoundOutput::kSampleRate * 30UL);
+    output->play(std::array<std::span<const float>, 2>{silence, silence}, stop.get_token());
+    output->finish(stop.get_token());
 }
 
 TEST_F(SideRecorderTest, aRecordingHasThemAllAndTheirOffsets)

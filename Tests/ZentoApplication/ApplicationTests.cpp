@@ -25,7 +25,8 @@ std::size_t countKeys(const SessionBundle& bundle)
 
 TEST(Application, RecordsExportsRenamesAndTrashesAsAPersonDoes)
 {
-    RunningZento zento;
+    // A file manager of the machine's own would take the keyboard.
+    RunningZento zento(R"({"revealAfterExport": false})");
     zento.await(RunningZento::element("push button", "Record screen"));
     zento.press({"Escape"}); // the welcome
     zento.press(kRecordKeys);
@@ -51,8 +52,9 @@ TEST(Application, RecordsExportsRenamesAndTrashesAsAPersonDoes)
     RunningZento::await(
         [&] { return std::filesystem::exists(bundle.filmURL()); }, "The film does not appear");
 
-    zento.click(kAnyRecording);
-    zento.press({"F2"});
+    // By the menu: a key sent after a click overtakes it while the window manager holds the click.
+    zento.choose(kAnyRecording, RunningZento::element("menu item", "Rename"));
+    zento.await(RunningZento::element("text", "New name"));
     zento.type("A first try");
     zento.press({"Return"});
     zento.await(RunningZento::element("list item", "A first try"));

@@ -60,6 +60,12 @@ void RunningZento::click(const ElementQuery& query)
     m_actor->perform(ClickStep{query}, {});
 }
 
+void RunningZento::choose(const ElementQuery& query, const ElementQuery& item)
+{
+    await(query);
+    m_actor->perform(MenuStep{.target = query, .item = item}, {});
+}
+
 /// As a screen reader does when it starts.
 void RunningZento::switchAccessibilityOn()
 {

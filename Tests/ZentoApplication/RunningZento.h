@@ -28,6 +28,7 @@ public:
 
     void await(const ElementQuery& query) const;
     void click(const ElementQuery& query);
+    void choose(const ElementQuery& query, const ElementQuery& item); // from its context menu
     void press(const std::vector<std::string>& keys) { m_actor->perform(PressStep{keys}, {}); }
     void type(const std::string& text) { m_actor->perform(TypeStep{text}, {}); }
     bool isShown(const ElementQuery& query) const { return m_finder->find(query).has_value(); }

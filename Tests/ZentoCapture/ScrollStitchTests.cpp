@@ -303,6 +303,9 @@ public:
         offset += notches * m_perNotch;
     }
 
+    bool isGivenUp() override { return isEscaped; }
+
+    bool isEscaped = false;
     Vec2 place{11, 22};
     int offset = 0;
 
@@ -346,12 +349,57 @@ TEST(ScrollingCapture, endsWhenAHandMovesThePointer)
          .wheel = wheel,
          .settle =
              [&] {
-                 if (++rests == 3)
+                 if (++rests == 4) // the first step is looked at twice
                      wheel.place = {150, 300};
              }});
     EXPECT_EQ(result.shot.image->height(), 400 + 100 + 200);
     EXPECT_EQ(result.seams, (std::vector<ScrollSeam>{{700, ScrollDoubt::CutShort}}));
     EXPECT_EQ(wheel.place, (Vec2{150, 300}));
+}
+
+/// A program that draws late: at first nothing of a step, then a part of it, then all.
+TEST(ScrollingCapture, waitsForAPageThatScrollsLate)
+{
+    test::Random random(4);
+    const Page page = textPage(random, 2345);
+    FakeWheel wheel(53);
+    int shown = 0;
+    int lateness = 0;
+    const auto shoot = [&] {
+        return Shot{std::make_shared<const Canvas>(window(page, shown, 400, 0)), 1};
+    };
+    const auto settle = [&] {
+        const int wanted = std::min(wheel.offset, page.content.height() - 400);
+        lateness = shown == wanted ? 0 : lateness + 1;
+        shown += lateness == 1 ? 0 : lateness == 2 ? (wanted - shown) / 5 : wanted - shown;
+    };
+    const ScrolledShot result = ScrollingCapture::run(
+        {0, 0, kWidth, 400}, {.shoot = shoot, .wheel = wheel, .settle = settle});
+    EXPECT_TRUE(isSame(*result.shot.image, page.content));
+    EXPECT_TRUE(result.seams.empty());
+}
+
+TEST(ScrollingCapture, isGivenUpByEscapeAtEveryStep)
+{
+    test::Random random(4);
+    const Page page = textPage(random, 1500);
+    for (int step = 1; step <= 4; ++step) {
+        FakeWheel wheel(100);
+        int rests = 0;
+        const auto shoot = [&] {
+            return Shot{std::make_shared<const Canvas>(window(page, wheel.offset, 400, 0)), 1};
+        };
+        const auto settle = [&] { wheel.isEscaped = ++rests == step; };
+        try {
+            ScrollingCapture::run(
+                {0, 0, kWidth, 400}, {.shoot = shoot, .wheel = wheel, .settle = settle});
+            ADD_FAILURE() << step;
+        } catch (const Error& error) {
+            EXPECT_EQ(error.code(), ErrorCode::kCancelled) << step;
+        }
+        EXPECT_EQ(rests, step);
+        EXPECT_EQ(wheel.place, (Vec2{11, 22})) << step;
+    }
 }
 
 TEST(ScrollingCapture, putsThePointerBackWhenAShotFails)

@@ -3,6 +3,7 @@
 #include "TestSupport/Sounds.h"
 #include "TestSupport/TemporaryFolder.h"
 #include "ZentoCore/Error.h"
+#include "ZentoCore/FileIO.h"
 #include "ZentoMedia/AacWriter.h"
 #include "ZentoMedia/AudioReader.h"
 
@@ -40,6 +41,64 @@ void writeAac(const std::filesystem::path& path, const Channels& sides)
             std::span(sides[0]).subspan(done, count), std::span(sides[1]).subspan(done, count));
     }
     writer.finish();
+}
+
+/// A file's bytes in pieces of some size, as a network brings them.
+ByteSource bytesOf(const std::filesystem::path& path, std::size_t piece)
+{
+    return [all = readFile(path), at = std::size_t(0), piece](std::span<char> into) mutable {
+        const std::size_t count = std::min({piece, into.size(), all.size() - at});
+        std::copy_n(all.data() + at, count, into.data());
+        at += count;
+        return count;
+    };
+}
+
+TEST(AudioReader, readsBytesThatComeOneAfterTheOther)
+{
+    const TemporaryFolder folder;
+    writeWav(folder / "a.wav", 44100, {noise(1, 60000), noise(2, 60000)});
+    for (const std::string name : {"a.wav", "a.mp3", "a.ogg", "a.flac", "a.aac"}) {
+        const std::string both = (folder / "a.wav").string() + " " + (folder / name).string();
+        ASSERT_TRUE(name == "a.wav" || runFfmpeg("-i " + both));
+        const Channels whole = readStereo(folder / name, 44100);
+        AudioReader reader(bytesOf(folder / name, 777), name, ChannelMix::Stereo, 44100);
+        Channels sides(2);
+        while (const auto block = reader.next())
+            for (std::size_t i = 0; i < 2; ++i)
+                sides[i].insert(sides[i].end(), (*block)[i].begin(), (*block)[i].end());
+        // A file that can be looked at from its end knows better how much to leave out there.
+        ASSERT_GE(sides[0].size(), whole[0].size()) << name;
+        EXPECT_LE(sides[0].size(), whole[0].size() + 4000) << name;
+        sides[0].resize(whole[0].size());
+        EXPECT_EQ(sides[0], whole[0]) << name;
+    }
+}
+
+TEST(AudioReader, bytesThatFailSayWhyAtTheStartAndEndTheSoundLater)
+{
+    const TemporaryFolder folder;
+    writeWav(folder / "a.wav", 44100, {noise(1, 200000)});
+    const auto failing = [&](std::size_t after) {
+        return [source = bytesOf(folder / "a.wav", 1000), after, sum = std::size_t(0)](
+                   std::span<char> into) mutable {
+            if (sum >= after)
+                throw Error(ErrorCode::kNetworkFailed, "the line is dead");
+            const std::size_t count = source(into);
+            sum += count;
+            return count;
+        };
+    };
+    EXPECT_THAT(
+        [&] { AudioReader(failing(0), "a"); },
+        testing::ThrowsMessage<Error>(HasSubstr("the line is dead")));
+    AudioReader reader(failing(300'000), "a");
+    std::size_t length = 0;
+    while (const auto block = reader.next())
+        length += block->front().size();
+    EXPECT_GT(length, 60'000U);
+    EXPECT_LT(length, 80'000U);
+    EXPECT_THROW(AudioReader([](auto) { return std::size_t(0); }, "nothing"), Error);
 }
 
 TEST(AudioReader, givesAFileAsItIsStored)

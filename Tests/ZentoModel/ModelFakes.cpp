@@ -160,6 +160,7 @@ void ModelTest::makeModel()
              .desktopImage = [] { return std::optional<std::string>(); },
              .transcribe = {}},
         .music = m_files,
+        .musicPlayer = m_files,
         .musicSources = {},
         .fileServices = m_services,
         .hotkeys = m_hotkeys,

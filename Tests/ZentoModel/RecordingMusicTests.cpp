@@ -53,20 +53,37 @@ protected:
                         throw Error(ErrorCode::kDownloadFailed, "download failed");
                     return m_folder / track.url;
                 },
-            .credit = [](const OnlineTrack& track) { return "Credit of " + track.id; }};
+            .credit =
+                [](const OnlineTrack& track) {
+                    return "Credit of " + track.id + "\nCC BY\nSource: http://x";
+                },
+            .play =
+                [this](const OnlineTrack& track, const auto& onHeard, const auto& stop) {
+                    const std::size_t at = m_played.size();
+                    m_played.push_back(track.id);
+                    if (track.url.empty())
+                        throw Error(ErrorCode::kNetworkFailed, "no answer");
+                    onHeard();
+                    if (m_meanwhile)
+                        m_meanwhile();
+                    m_played[at] += stop.stop_requested() ? " stopped" : " to its end";
+                }};
     }
 
     test::TemporaryFolder m_folder;
     test::FakeClock m_clock;
     test::FakeWorker m_worker;
+    test::FakeWorker m_player;
     Messages m_messages{m_clock};
     bool m_isOffline = false;
+    std::vector<std::string> m_played;
+    std::function<void()> m_meanwhile; // while a track plays
     std::vector<OnlineTrack> m_found = {
         {.id = "a", .title = "Dawn", .duration = 61000, .url = "song.wav", .license = "by"},
         {.id = "b", .license = "cc0"},
         {.id = "c", .url = "page.mp3", .license = "by"}};
     int m_changes = 0;
-    RecordingMusic m_music{{m_clock, m_worker, m_messages, sources()}};
+    RecordingMusic m_music{{m_clock, m_worker, m_player, m_messages, sources()}};
 };
 
 TEST_F(RecordingMusicTest, aFileOfTheUsersBecomesTheMusic)
@@ -113,18 +130,65 @@ TEST_F(RecordingMusicTest, aFoundTrackIsCreditedUntilOtherMusicTakesItsPlace)
     m_music.useFound("a");
     EXPECT_EQ(m_music.note(), "“Dawn” — credit saved with the recording");
     EXPECT_EQ(m_music.usedTrackID(), "a");
-    EXPECT_EQ(readFile(credit()), "Credit of a");
-    EXPECT_EQ(m_music.credit(), "Credit of a");
+    EXPECT_TRUE(readFile(credit()).starts_with("Credit of a\n"));
+    EXPECT_EQ(m_music.credit(), "Credit of a\nCC BY\nSource: http://x");
+    EXPECT_EQ(m_music.creditLine(), "Music: Credit of a · CC BY");
     m_music.useFound("b");
     EXPECT_EQ(m_music.note(), "Download failed — try another track");
     EXPECT_EQ(m_music.usedTrackID(), "a");
     m_music.useFound("c"); // what came is no sound
     EXPECT_EQ(m_music.note(), "");
     EXPECT_EQ(m_music.usingTrackID(), "");
-    EXPECT_EQ(readFile(credit()), "Credit of a");
+    EXPECT_TRUE(readFile(credit()).starts_with("Credit of a\n"));
     m_music.useFile(file("song.wav"));
     EXPECT_FALSE(std::filesystem::exists(credit()));
     EXPECT_EQ(m_music.credit(), "");
+    EXPECT_EQ(m_music.creditLine(), "");
+}
+
+TEST_F(RecordingMusicTest, aFoundTrackIsHeardOneAtATime)
+{
+    m_music.runSearch("x");
+    m_music.togglePreview("a");
+    EXPECT_EQ(m_played.back(), "a to its end");
+    EXPECT_EQ(m_music.previewingID(), "");
+    m_music.togglePreview("b");
+    EXPECT_EQ(m_music.note(), "Could not play this track");
+    m_music.togglePreview("no such");
+    EXPECT_EQ(m_played.size(), 2U);
+
+    struct Case {
+        const char* name;
+        std::function<void()> does;
+        QString previewed; // afterwards
+    };
+    const std::vector<Case> cases = {
+        {"once more", [this] { m_music.togglePreview("a"); }, ""},
+        {"another one", [this] { m_music.togglePreview("c"); }, "c"},
+        {"it is used", [this] { m_music.useFound("a"); }, ""},
+        {"another search", [this] { m_music.runSearch("y"); }, ""},
+        {"the sheet is closed", [this] { m_music.endSearch(); }, ""},
+        {"another recording", [this] { m_music.open(bundle("two")); }, ""}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        m_music.open(bundle("one"));
+        m_music.runSearch("x");
+        m_meanwhile = [&] {
+            EXPECT_EQ(m_music.previewingID(), "a");
+            EXPECT_FALSE(m_music.isPreviewHeard());
+            m_clock.advance(std::chrono::milliseconds(200));
+            EXPECT_TRUE(m_music.isPreviewHeard());
+            m_meanwhile = nullptr;
+            c.does();
+            EXPECT_EQ(m_music.previewingID(), c.previewed);
+            EXPECT_FALSE(m_music.isPreviewHeard());
+        };
+        m_played.clear();
+        m_music.togglePreview("a");
+        EXPECT_EQ(m_played.at(0), "a stopped");
+        EXPECT_EQ(m_played.size(), c.previewed.isEmpty() ? 1U : 2U);
+        EXPECT_EQ(m_music.previewingID(), "");
+    }
 }
 
 TEST_F(RecordingMusicTest, aSearchSaysWhatCameOfIt)

@@ -6,7 +6,11 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <latch>
+#include <semaphore>
+#include <stop_token>
+#include <string>
 
 namespace zento {
 namespace {
@@ -93,6 +97,63 @@ TEST(HttpClientTest, aRefusedRedirectionIsAnAnswer)
     });
     EXPECT_EQ(fetch({.url = server.url(), .redirects = Redirects::Refuse}).status, 302);
     EXPECT_EQ(server.requests().size(), 1U);
+}
+
+std::string readAll(HttpStream& stream)
+{
+    std::string all;
+    std::array<char, 700> piece{};
+    while (const std::size_t count = stream.read(piece))
+        all.append(piece.data(), count);
+    return all;
+}
+
+TEST(HttpClientTest, aBodyIsReadAsItComes)
+{
+    std::binary_semaphore read{0};
+    const HttpServer server([&](const auto& c) {
+        if (c.request().starts_with("GET /moved")) {
+            c.send("HTTP/1.1 302 Found\r\nLocation: /\r\nContent-Length: 0\r\n\r\n");
+            return;
+        }
+        c.send("HTTP/1.1 200 OK\r\nContent-Length: 200005\r\n\r\nfirst");
+        read.acquire(); // the rest is sent only when the beginning has arrived
+        c.send(std::string(200'000, 'x'));
+    });
+    HttpStream stream({.url = server.url() + "/moved"});
+    std::array<char, 100> piece{};
+    const std::size_t count = stream.read(piece);
+    EXPECT_EQ(std::string(piece.data(), count), "first");
+    read.release();
+    EXPECT_EQ(readAll(stream), std::string(200'000, 'x'));
+    EXPECT_EQ(stream.read(piece), 0U);
+}
+
+TEST(HttpClientTest, aBodyThatIsNoneOrTooLongOrCutFails)
+{
+    const HttpServer server([](const auto& c) {
+        if (c.request().starts_with("GET /gone"))
+            c.send(httpAnswer("404 Not Found", "a/b", "no such thing"));
+        else if (c.request().starts_with("GET /long"))
+            c.send(httpAnswer("200 OK", "a/b", std::string(5000, 'x')));
+        else
+            c.send("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nshort");
+    });
+    for (const char* path : {"/gone", "/long", "/cut"}) {
+        HttpStream stream({.url = server.url() + path, .mostBytes = 4000});
+        EXPECT_EQ(codeOf([&] { readAll(stream); }), ErrorCode::kNetworkFailed) << path;
+    }
+}
+
+TEST(HttpClientTest, aStreamIsCancelledWhileTheServerIsSilent)
+{
+    std::stop_source stop;
+    const HttpServer server([&stop](const auto& connection) {
+        stop.request_stop();
+        connection.waitForEnd();
+    });
+    HttpStream stream({.url = server.url()}, stop.get_token());
+    EXPECT_EQ(codeOf([&] { readAll(stream); }), ErrorCode::kCancelled);
 }
 
 TEST(HttpClientTest, aCancelledExchangeEndsWhileTheServerIsSilent)

@@ -102,6 +102,11 @@ QtObject {
         property bool isSearching: false
         property string usingTrackID: "c"
         property string usedTrackID: "d"
+        property string previewingID: "a"
+        property bool isPreviewHeard: true
+        property string creditLine: ""
+
+        function togglePreview(id) { app.note("togglePreview " + id) }
 
         function useFile(path) { app.note("useFile " + path) }
         function useMade(id) { app.note("useMade " + id) }

@@ -60,6 +60,7 @@ QtObject {
             property string savedNote
             property string saveTo
             property string doubt
+            property string notice
             signal noted()
             signal failed(string sentence)
             function setView(size, density) {}

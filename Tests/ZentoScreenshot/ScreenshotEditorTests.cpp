@@ -1,5 +1,6 @@
 #include "TestSupport/TemporaryFolder.h"
 #include "Zento/Screenshot/ScreenshotEditor.h"
+#include "ZentoCore/Error.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoImaging/ImageFile.h"
 #include "ZentoRender/Screenshot/AnnotationRenderer.h"
@@ -138,6 +139,25 @@ TEST_F(Editor, showsALargeShotAsItWillBe)
     EXPECT_LT(different, 1500); // along the edges of some thousand pixels of marks
 }
 
+/// What is too large for a frame is shown and given out without one, and says so.
+TEST_F(Editor, standsWithoutALookThatDoesNotFit)
+{
+    const auto editor = open(shotOf(40, 30000));
+    editor->setPresetID(QStringLiteral("indigo"));
+    EXPECT_FALSE(editor->notice().isEmpty());
+    m_drawing.runAll();
+    EXPECT_EQ(readImage(editor->shotExport().makePNG()).size(), QSize(40, 30000));
+    const QSize shown = editor->picture().size();
+    EXPECT_GT(shown.height(), 100 * shown.width()); // no margin
+    editor->setPresetID(QStringLiteral("bare"));
+    EXPECT_TRUE(editor->notice().isEmpty());
+    editor->setPresetID(QStringLiteral("docs"));
+    EXPECT_FALSE(editor->notice().isEmpty());
+    gesture(*editor, "crop", {{450, 100}, {451, 120}}); // 1,000 pixels
+    EXPECT_TRUE(editor->notice().isEmpty());
+    EXPECT_GT(readImage(editor->shotExport().makePNG()).width(), 100);
+}
+
 TEST_F(Editor, drawsTheNewestOfWhatChangedMeanwhile)
 {
     const auto editor = open(shotOf(320, 200));
@@ -197,15 +217,53 @@ TEST_F(Editor, writesAFileWithItsDensityAndNothingElse)
     EXPECT_NEAR(readImage(QByteArray::fromStdString(bytes)).dotsPerMeterX(), 144 / 0.0254, 2);
 }
 
-TEST_F(Editor, saysWhatCouldNotBeWritten)
+/// Each way out: what cannot be made or written is told, once, and nothing claims to be done.
+TEST_F(Editor, saysWhatCouldNotBeMadeOrWritten)
 {
-    const auto editor = open(shotOf(100, 100));
-    const QSignalSpy failures(editor.get(), &ScreenshotEditor::failed);
-    editor->save(QStringLiteral("/proc/nowhere/shot.png"));
-    m_output.runAll();
-    ASSERT_EQ(failures.count(), 1);
-    EXPECT_TRUE(failures.front().front().toString().contains(QStringLiteral("/proc/nowhere")));
-    EXPECT_EQ(editor->savedNote(), QString());
+    struct Case {
+        std::string name;
+        bool isMade;
+        QString folder;
+        std::function<void(ShotOutput&)> act;
+        QString sentence;
+    };
+    const QString nowhere = QStringLiteral("/proc/nowhere");
+    const auto take = [](const QString& format) {
+        return [format](ShotOutput& output) {
+            ShotMimeData data(output.shotExport({}), QStringLiteral("/proc/nowhere"));
+            QObject::connect(&data, &ShotMimeData::failed, &output, &ShotOutput::failed);
+            for (int i = 0; i < 3; ++i)
+                EXPECT_EQ(data.data(format), QByteArray());
+        };
+    };
+    const std::vector<Case> cases{
+        {"copy", false, {}, [](ShotOutput& o) { o.copy({}); }, "no memory"},
+        {"save", false, {}, [](ShotOutput& o) { o.save({}, "/tmp/never.png"); }, "no memory"},
+        {"open", false, {}, [](ShotOutput& o) { o.openWith({}); }, "no memory"},
+        {"mail", false, {}, [](ShotOutput& o) { o.composeMail({}); }, "no memory"},
+        {"drop a picture", false, {}, take("image/png"), "no memory"},
+        {"drop a file", false, {}, take("text/uri-list"), "no memory"},
+        {"save nowhere",
+         true,
+         {},
+         [](ShotOutput& o) { o.save({}, "/proc/nowhere/shot.png"); },
+         "/proc/nowhere/shot.png"},
+        {"open from nowhere", true, nowhere, [](ShotOutput& o) { o.openWith({}); }, nowhere},
+        {"drop a file nowhere", true, nowhere, take("text/uri-list"), nowhere}};
+    for (const Case& c : cases) {
+        const auto make = [&c](const ShotLook&) -> QByteArray {
+            return c.isMade ? QByteArray("picture") : throw Error(ErrorCode::kNoShot, "no memory");
+        };
+        ShotOutput output(make, {.worker = m_output, .files = nullptr, .folder = c.folder});
+        const QSignalSpy failures(&output, &ShotOutput::failed);
+        const QSignalSpy done(&output, &ShotOutput::done);
+        c.act(output);
+        m_output.runAll();
+        ASSERT_EQ(failures.count(), 1) << c.name;
+        EXPECT_TRUE(failures.front().front().toString().contains(c.sentence)) << c.name;
+        EXPECT_EQ(done.count(), 0) << c.name;
+        EXPECT_FALSE(output.isBusy()) << c.name;
+    }
 }
 
 /// A blurred part is the same whatever fine detail lay below it.

@@ -357,9 +357,50 @@ TEST(ZoomBarsTest, NeverOverlap)
 TEST(TimelineContentsTest, CutsAreMarkedOnTheStrip)
 {
     const std::vector<SpeedSegment> remap = {{1, 5, 2}, {5.005, 9, 1}, {20, 21, 1}};
-    const auto cuts = cutTimes(remap);
+    const auto cuts = cutMarks(remap);
     ASSERT_EQ(cuts.size(), 1U); // a seam is no cut, nor is the end
-    EXPECT_NEAR(cuts[0], 2 + 3.995, 1e-9);
+    EXPECT_NEAR(cuts[0].tOut, 2 + 3.995, 1e-9);
+    EXPECT_EQ(cuts[0].cutAfter, 9);
+}
+
+TEST(TimelineContentsTest, BeatsAreHeardFromTheTitleCardOn)
+{
+    struct Case {
+        const char* name;
+        HeardBeats beats;
+        std::vector<double> times;
+    };
+    const std::vector<Case> cases = {
+        {"from the film's start", {0, 0.5, 1.6}, {0, 0.5, 1, 1.5}},
+        {"under a card of whole beats", {-1, 0.5, 1}, {0, 0.5}},
+        {"under a card that ends between beats", {-0.7, 0.5, 1}, {0.3, 0.8}},
+        {"the music ends first", {-2, 0.5, -0.5}, {}},
+        {"no pulse", {0, 0, 3}, {}}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto times = c.beats.times();
+        ASSERT_EQ(times.size(), c.times.size());
+        for (std::size_t i = 0; i < times.size(); ++i) {
+            EXPECT_NEAR(times[i], c.times[i], 1e-9);
+            EXPECT_TRUE(c.beats.isOn(times[i] + 0.009));
+            EXPECT_FALSE(c.beats.isOn(times[i] + 0.02));
+        }
+    }
+    EXPECT_FALSE((HeardBeats{0, 0.5, 1.6}).isOn(2)); // nothing is heard there
+}
+
+TEST(TimelineContentsTest, BeatsTooCloseToTellApartAreThinned)
+{
+    const std::vector<double> beats = HeardBeats{0, 0.5, 50}.times();
+    for (const double points : {0.01, 0.5, 1.0, 2.9, 6.0, 40.0}) {
+        const auto shown = thinnedBeats(beats, points);
+        ASSERT_FALSE(shown.empty());
+        EXPECT_EQ(shown[0], 0);
+        for (std::size_t i = 1; i < shown.size(); ++i)
+            EXPECT_GE((shown[i] - shown[i - 1]) / 0.5 * points, 6);
+    }
+    EXPECT_EQ(thinnedBeats(beats, 6), beats);
+    EXPECT_TRUE(thinnedBeats({}, 3).empty());
 }
 
 TEST(TimelineContentsTest, WordsKeepTheirPlaceInTheTranscript)

@@ -20,8 +20,6 @@
 #include <QScreen>
 #include <QTimer>
 
-#include <sys/resource.h>
-
 #include <chrono>
 #include <utility>
 #include <variant>
@@ -37,15 +35,6 @@ QScreen* screenAt(QPoint point)
 {
     QScreen* const screen = QGuiApplication::screenAt(point);
     return screen == nullptr ? QGuiApplication::primaryScreen() : screen;
-}
-
-/// Behind everything a hand waits for.
-std::vector<TranscriptSegment>
-transcribeQuietly(const SessionBundle& bundle, const std::stop_token& stop)
-{
-    constexpr int kLow = 10;
-    setpriority(PRIO_PROCESS, 0, kLow); // of this thread alone, which does nothing else
-    return NarrationTranscriber::loadOrTranscribe(bundle, stop);
 }
 
 /// Where the panels of a recording belong: on the area's display, else on the pointer's.
@@ -117,8 +106,12 @@ AppServices ApplicationHost::services()
                  },
              .makeComposer = threadedComposer,
              .desktopImage = desktopImage,
-             .transcribe = transcribeQuietly},
+             .transcribe =
+                 [](const SessionBundle& bundle, const std::stop_token& stop) {
+                     return NarrationTranscriber::loadOrTranscribe(bundle, stop);
+                 }},
         .music = m_musicWorker,
+        .musicPlayer = m_musicPlayer,
         .musicSources =
             musicSources({.api = ZENTO_MUSIC_API, .site = ZENTO_MUSIC_SITE, .ownSite = ZENTO_SITE}),
         .fileServices = m_fileServices,

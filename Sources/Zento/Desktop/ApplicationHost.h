@@ -66,15 +66,16 @@ private:
     ProxyStore m_proxyStore; // outlives the thread that builds for it
     ThreadWorker m_files{"model.files"};
     ThreadWorker m_capture{"model.capture"};
-    ThreadWorker m_exports{"model.exports"};
+    ThreadWorker m_exports{"model.exports", ThreadWorker::Priority::Background};
     ThreadWorker m_probes{"model.probes"};
     ThreadWorker m_edits{"editor.edits"};
     ThreadWorker m_analyses{"editor.analyses"};
-    ThreadWorker m_proxies{"editor.proxies"};
+    ThreadWorker m_proxies{"editor.proxies", ThreadWorker::Priority::Background};
     ThreadWorker m_pictures{"editor.pictures"};
-    ThreadWorker m_sounds{"editor.sounds"};
-    ThreadWorker m_speech{"editor.speech"};
+    ThreadWorker m_sounds{"editor.sounds", ThreadWorker::Priority::Background};
+    ThreadWorker m_speech{"editor.speech", ThreadWorker::Priority::Background};
     ThreadWorker m_musicWorker{"model.music"};
+    ThreadWorker m_musicPlayer{"music.preview"};
     std::unique_ptr<AppModel> m_model; // goes before the threads that work for it
     std::optional<std::stop_callback<std::function<void()>>> m_onStop;
     bool m_isQuitting = false;

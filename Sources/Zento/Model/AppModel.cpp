@@ -82,6 +82,7 @@ AppModel::AppModel(AppServices services)
     , m_music({
           .clock = m_services.clock,
           .worker = m_services.music,
+          .player = m_services.musicPlayer,
           .messages = m_messages,
           .sources = m_services.musicSources,
       })

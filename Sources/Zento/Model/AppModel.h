@@ -43,6 +43,7 @@ struct AppServices {
     Worker& probes;  // what may take long to answer: permissions, windows
     EditorServices editor;
     Worker& music; // fetches and copies it
+    Worker& musicPlayer;
     RecordingMusic::Sources musicSources;
     FileServices& fileServices;
     GlobalHotkeys& hotkeys;

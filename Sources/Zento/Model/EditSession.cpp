@@ -1,5 +1,6 @@
 #include "Zento/Model/EditSession.h"
 
+#include "Zento/Timeline/MusicSection.h"
 #include "ZentoCore/Error.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoCore/Text.h"
@@ -298,7 +299,9 @@ void EditSession::reloadMusic()
 {
     if (isLoaded()) {
         m_sources.music.reset();
-        planSoon();
+        Q_EMIT musicChanged();
+        apply(resetSection(m_sources.edits));
+        changed();
         analyzeMusic();
     }
 }
@@ -316,6 +319,7 @@ void EditSession::analyzeMusic()
                 return; // music that cannot be read is left out of the film
             }
             m_sources.music = *std::move(outcome);
+            Q_EMIT musicChanged();
             planSoon();
         });
 }

@@ -87,7 +87,7 @@ public:
     /// "transcript.json". Nothing happens for an index beyond the transcript.
     void setWord(int index, const QString& text);
 
-    /// The music file came, changed or went.
+    /// The music file came, changed or went: what was chosen of the one before is not of this one.
     Q_INVOKABLE void reloadMusic();
 
     bool canUndo() const { return !m_history.undoName().empty(); }
@@ -113,6 +113,8 @@ Q_SIGNALS:
     void loaded();
     void loadFailed(const QString& sentence);
     void editsChanged();
+    /// Music was analysed, or there is none any more.
+    void musicChanged();
     void planned();
     /// The planner refused; the plan before stays.
     void planFailed(const QString& sentence);

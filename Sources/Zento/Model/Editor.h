@@ -2,6 +2,7 @@
 
 #include "Zento/Model/EditSession.h"
 #include "Zento/Model/LivePreview.h"
+#include "Zento/Model/MusicTrack.h"
 #include "Zento/Model/TimelineMedia.h"
 #include "Zento/Model/TimelineModel.h"
 
@@ -20,7 +21,7 @@ struct EditorServices {
     Worker& speech;
     Worker& proxies;
     Worker& pictures; // of the timeline
-    Worker& sounds;   // its waveform
+    Worker& sounds;   // its waveform, and that of the music
     ProxyMaker makeProxy;
     FrameComposerFactory makeComposer;
     std::function<std::optional<std::string>()> desktopImage; // on a worker; may block
@@ -37,6 +38,7 @@ class Editor : public QObject {
     Q_PROPERTY(zento::LivePreview* preview READ preview CONSTANT)
     Q_PROPERTY(zento::TimelineModel* timeline READ timeline CONSTANT)
     Q_PROPERTY(zento::TimelineMedia* media READ media CONSTANT)
+    Q_PROPERTY(zento::MusicTrack* musicTrack READ musicTrack CONSTANT)
 
 public:
     Editor(Clock& clock, SettingsModel& settings, const EditorServices& services)
@@ -56,6 +58,7 @@ public:
                .makeComposer = services.makeComposer})
         , m_timeline(m_session, m_preview)
         , m_media({.session = m_session, .pictures = services.pictures, .sounds = services.sounds})
+        , m_musicTrack(m_session, services.sounds)
     {
     }
 
@@ -63,12 +66,14 @@ public:
     LivePreview* preview() { return &m_preview; }
     TimelineModel* timeline() { return &m_timeline; }
     TimelineMedia* media() { return &m_media; }
+    MusicTrack* musicTrack() { return &m_musicTrack; }
 
 private:
     EditSession m_session;
     LivePreview m_preview;
     TimelineModel m_timeline;
     TimelineMedia m_media;
+    MusicTrack m_musicTrack;
 };
 
 } // namespace zento

@@ -16,6 +16,39 @@ std::shared_ptr<const RemapCurve> curveOf(const EditPlan& plan)
     return std::make_shared<const RemapCurve>(plan.timeRemap);
 }
 
+/// The beats of the film's music. Its first sample is a beat of the track, and the film's first
+/// one, under the title card.
+std::optional<HeardBeats> heardBeats(const FilmSources& sources, const PlannedFilm& planned)
+{
+    const std::optional<MusicPlan>& music = planned.film->plan->music;
+    if (!music || !sources.music || !(sources.music->grid.period > 0)) {
+        return std::nullopt;
+    }
+    const double card = sources.settings.titleCard ? sources.settings.cardSeconds : 0;
+    const double rest = sources.music->grid.duration - music->sourceOffset;
+    return HeardBeats{
+        .first = -card,
+        .period = sources.music->grid.period,
+        .end = std::min(music->playDuration.value_or(rest) - card, planned.duration)};
+}
+
+void markBeats(PlannedFilm& planned, const FilmSources& sources)
+{
+    const auto beats = heardBeats(sources, planned);
+    if (!beats) {
+        return;
+    }
+    for (const double beat : beats->times()) {
+        planned.beats.push_back(planned.toTimeline(beat));
+    }
+    constexpr double kBefore = 1e-3; // source seconds
+    const RemapCurve& film = *planned.film->curve;
+    for (CutMark& cut : planned.cuts) {
+        cut.isOnBeat =
+            film.contains(cut.cutAfter - kBefore) && beats->isOn(film.outputTime(cut.cutAfter));
+    }
+}
+
 } // namespace
 
 double PlannedFilm::toTimeline(double tOut) const
@@ -63,13 +96,14 @@ PlannedFilm planFilm(const FilmSources& sources)
     planned.timelineDuration = planned.timelineCurve->outputDuration();
     planned.zoomBars = zoomBars(
         *planned.timelinePlan, *planned.timelineCurve, planned.timelineDuration, input.overrides);
-    planned.cuts = cutTimes(planned.timelinePlan->timeRemap);
+    planned.cuts = cutMarks(planned.timelinePlan->timeRemap);
     planned.words = timelineWords(sources.analyses->transcript, planned.timelineCurve.get());
     planned.film = std::make_shared<const PreviewFilm>(PreviewFilm{
         .plan = std::move(plan),
         .curve = std::move(curve),
         .events = {sources.bundle, &bundle.events},
         .master = {bundle.meta.pixelWidth, bundle.meta.pixelHeight}});
+    markBeats(planned, sources);
     return planned;
 }
 

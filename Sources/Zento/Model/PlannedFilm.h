@@ -37,7 +37,8 @@ struct PlannedFilm {
     std::shared_ptr<const RemapCurve> timelineCurve;
     double timelineDuration = 0; // seconds of the strip
     std::vector<ZoomBar> zoomBars;
-    std::vector<double> cuts;
+    std::vector<CutMark> cuts;
+    std::vector<double> beats; // strip times at which its music is heard to beat
     std::vector<TimelineWord> words;
 
     double toTimeline(double tOut) const;

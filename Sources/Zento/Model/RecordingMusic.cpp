@@ -1,7 +1,10 @@
 #include "Zento/Model/RecordingMusic.h"
 
 #include "Zento/Music/MusicLibrary.h"
+#include "ZentoCapture/SoundOutput.h"
+#include "ZentoMedia/AudioReader.h"
 
+#include <QStringList>
 #include <QVariantMap>
 
 #include <algorithm>
@@ -13,6 +16,8 @@ namespace zento {
 
 namespace {
 
+constexpr std::chrono::milliseconds kShowEvery{100}; // what other threads tell
+
 QString text(const std::optional<std::string>& value, const QString& otherwise)
 {
     return value ? QString::fromStdString(*value) : otherwise;
@@ -22,6 +27,19 @@ const MusicLibrary::Track* madeTrack(const std::string& id)
 {
     const auto found = std::ranges::find(MusicLibrary::all(), id, &MusicLibrary::Track::id);
     return found == MusicLibrary::all().end() ? nullptr : &*found;
+}
+
+void playTrack(
+    AudioReader reader, const std::function<void()>& onHeard, const std::stop_token& stop)
+{
+    const auto output = openSoundOutput();
+    bool isHeard = false;
+    while (const auto block = stop.stop_requested() ? std::nullopt : reader.next()) {
+        output->play(*block, stop);
+        if (!std::exchange(isHeard, true))
+            onHeard();
+    }
+    output->finish(stop);
 }
 
 } // namespace
@@ -35,6 +53,7 @@ RecordingMusic::~RecordingMusic()
 {
     m_session.request_stop();
     m_search.request_stop();
+    m_preview.request_stop();
 }
 
 void RecordingMusic::open(const QString& bundle)
@@ -56,6 +75,12 @@ void RecordingMusic::open(const QString& bundle)
             take(*music, music->exists ? tr("Music track added") : QString(), {});
     };
     compute(m_ports.worker, this, [path = m_bundle] { return BundleMusic::describe(path); }, shown);
+}
+
+QString RecordingMusic::creditLine() const
+{
+    const QStringList lines = credit().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    return lines.isEmpty() ? QString() : tr("Music: %1").arg(lines.mid(0, 2).join(" · "));
 }
 
 QVariantList RecordingMusic::library() const
@@ -103,7 +128,6 @@ void RecordingMusic::useMade(const QString& id)
     const MusicLibrary::Track* track = madeTrack(key);
     if (track == nullptr || m_progress.contains(key))
         return;
-    constexpr std::chrono::milliseconds kShowEvery{100};
     const auto progress = std::make_shared<std::atomic<double>>(0);
     m_progress[key] = progress;
     m_progressTimer = m_ports.clock.every(kShowEvery, [this] { Q_EMIT libraryChanged(); });
@@ -124,20 +148,21 @@ void RecordingMusic::useMade(const QString& id)
 
 void RecordingMusic::useFound(const QString& id)
 {
-    const auto found = std::ranges::find(m_results, id.toStdString(), &OnlineTrack::id);
-    if (found == m_results.end() || !m_using.isEmpty())
+    const OnlineTrack* const track = found(id);
+    if (track == nullptr || !m_using.isEmpty())
         return;
+    stopPreview();
     m_using = id;
     m_note.clear();
     Q_EMIT searchChanged();
-    const QString title = text(found->title, tr("Untitled"));
+    const QString title = text(track->title, tr("Untitled"));
     // The note tells of a failed download, so the download comes before what tells by itself.
     const auto fetch = [download = m_ports.sources.download,
-                        track = *found,
-                        stop = m_search.get_token()] { return download(track, stop); };
+                        wanted = *track,
+                        stop = m_search.get_token()] { return download(wanted, stop); };
     const auto fetched = [this,
                           stop = m_search.get_token(),
-                          chosen = Chosen{title, id, m_ports.sources.credit(*found)},
+                          chosen = Chosen{title, id, m_ports.sources.credit(*track)},
                           title](Outcome<std::filesystem::path> file) {
         if (stop.stop_requested())
             return;
@@ -156,6 +181,54 @@ void RecordingMusic::useFound(const QString& id)
             });
     };
     compute(m_ports.worker, this, fetch, fetched);
+}
+
+const OnlineTrack* RecordingMusic::found(const QString& id) const
+{
+    const auto track = std::ranges::find(m_results, id.toStdString(), &OnlineTrack::id);
+    return track == m_results.end() ? nullptr : &*track;
+}
+
+void RecordingMusic::togglePreview(const QString& id)
+{
+    const bool stops = m_previewing == id;
+    stopPreview();
+    const OnlineTrack* const track = found(id);
+    if (stops || track == nullptr || !m_ports.sources.play)
+        return;
+    m_previewing = id;
+    setNote({});
+    const auto stop = m_preview.get_token();
+    const auto isHeard = std::make_shared<std::atomic<bool>>(false);
+    m_previewTimer = m_ports.clock.every(kShowEvery, [this, isHeard] {
+        if (*isHeard) {
+            m_isPreviewHeard = true;
+            m_previewTimer.reset();
+            Q_EMIT searchChanged();
+        }
+    });
+    const auto played = [this, stop](const Outcome<void>& outcome) {
+        if (stop.stop_requested())
+            return;
+        stopPreview();
+        if (!outcome)
+            setNote(tr("Could not play this track"));
+    };
+    const auto play = [play = m_ports.sources.play, wanted = *track, isHeard, stop] {
+        if (!stop.stop_requested())
+            play(wanted, [isHeard] { isHeard->store(true); }, stop);
+    };
+    compute(m_ports.player, this, play, played);
+}
+
+void RecordingMusic::stopPreview()
+{
+    m_preview.request_stop();
+    m_preview = {};
+    m_previewTimer.reset();
+    m_isPreviewHeard = false;
+    if (!std::exchange(m_previewing, {}).isEmpty())
+        Q_EMIT searchChanged();
 }
 
 void RecordingMusic::remove()
@@ -200,6 +273,7 @@ void RecordingMusic::runSearch(const QString& query)
 
 void RecordingMusic::endSearch()
 {
+    stopPreview();
     m_search.request_stop();
     m_search = {};
     m_results.clear();
@@ -263,7 +337,14 @@ RecordingMusic::Sources musicSources(const MusicService& service)
             [search](const OnlineTrack& track, const std::stop_token& stop) {
                 return search->download(track, stop);
             },
-        .credit = [search](const OnlineTrack& track) { return search->credit(track); }};
+        .credit = [search](const OnlineTrack& track) { return search->credit(track); },
+        .play =
+            [search](
+                const OnlineTrack& track,
+                const std::function<void()>& onHeard,
+                const std::stop_token& stop) {
+                playTrack(search->stream(track, SoundOutput::kSampleRate, stop), onHeard, stop);
+            }};
 }
 
 } // namespace zento

@@ -63,8 +63,24 @@ QVariantList TimelineModel::cuts() const
 {
     QVariantList list;
     if (const auto film = m_session.film()) {
-        for (const double cut : film->cuts) {
-            list.append(scale().position(cut));
+        for (const CutMark& cut : film->cuts) {
+            list.append(QVariantMap{{"x", scale().position(cut.tOut)}, {"isOnBeat", cut.isOnBeat}});
+        }
+    }
+    return list;
+}
+
+QVariantList TimelineModel::beats() const
+{
+    QVariantList list;
+    const auto film = m_session.film();
+    if (film && film->beats.size() > 1) {
+        const TimelineScale strip = scale();
+        const double first = strip.position(film->beats.front());
+        const double perBeat = (strip.position(film->beats.back()) - first)
+                               / static_cast<double>(film->beats.size() - 1);
+        for (const double beat : thinnedBeats(film->beats, perBeat)) {
+            list.append(strip.position(beat));
         }
     }
     return list;

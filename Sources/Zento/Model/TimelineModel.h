@@ -22,7 +22,9 @@ class TimelineModel : public QObject {
     Q_PROPERTY(double width READ width WRITE setWidth NOTIFY stripChanged)
     Q_PROPERTY(double duration READ duration NOTIFY stripChanged) // strip seconds; 0 for no plan
     Q_PROPERTY(double tickStep READ tickStep NOTIFY stripChanged) // seconds
-    Q_PROPERTY(QVariantList cuts READ cuts NOTIFY stripChanged)   // x
+    Q_PROPERTY(QVariantList cuts READ cuts NOTIFY stripChanged)   // {x, isOnBeat}
+    /// x of the music's beats, or of every second, fourth … of them where they lie too close.
+    Q_PROPERTY(QVariantList beats READ beats NOTIFY stripChanged)
     /// {id, x, width, zoom, title, enabled, added, edited, tint, time, timeEnd}, left to right.
     Q_PROPERTY(QVariantList zooms READ zooms NOTIFY stripChanged)
     /// {index, x, width, text, time, timeEnd}
@@ -51,6 +53,7 @@ public:
     double duration() const;
     double tickStep() const { return rulerStep(scale()); }
     QVariantList cuts() const;
+    QVariantList beats() const;
     QVariantList zooms() const;
     QVariantList words() const;
     double playheadX() const;

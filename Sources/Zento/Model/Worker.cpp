@@ -1,6 +1,7 @@
 #include "Zento/Model/Worker.h"
 
 #include <pthread.h>
+#include <sys/resource.h>
 
 #include <condition_variable>
 #include <deque>
@@ -14,9 +15,13 @@ namespace zento {
 /// their end: what is posted to it goes when it does.
 class ThreadWorker::Queue {
 public:
-    explicit Queue(std::string name)
-        : m_thread([this, name = std::move(name)](const std::stop_token& stop) {
+    Queue(std::string name, Priority priority)
+        : m_thread([this, name = std::move(name), priority](const std::stop_token& stop) {
             pthread_setname_np(pthread_self(), name.c_str());
+            if (priority == Priority::Background) {
+                constexpr int kNice = 10;
+                setpriority(PRIO_PROCESS, 0, kNice); // of this thread alone, and who it starts
+            }
             run(stop);
         })
     {
@@ -63,8 +68,8 @@ private:
     std::jthread m_thread; // ends before what it uses
 };
 
-ThreadWorker::ThreadWorker(std::string name)
-    : m_queue(std::make_unique<Queue>(std::move(name)))
+ThreadWorker::ThreadWorker(std::string name, Priority priority)
+    : m_queue(std::make_unique<Queue>(std::move(name), priority))
 {
 }
 

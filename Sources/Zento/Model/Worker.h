@@ -29,8 +29,11 @@ public:
 /// A worker with a thread of its own, which the destructor joins after the work under way.
 class ThreadWorker final : public Worker {
 public:
+    /// `Background` stands behind whatever a hand waits for, and so do the threads its work starts.
+    enum class Priority { Normal, Background };
+
     /// `name` is the thread's, of at most 15 bytes.
-    explicit ThreadWorker(std::string name);
+    explicit ThreadWorker(std::string name, Priority priority = Priority::Normal);
     ~ThreadWorker() override;
 
     void run(std::function<void()> work, std::function<void()> done) override;

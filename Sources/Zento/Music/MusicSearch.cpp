@@ -10,6 +10,8 @@
 #include "ZentoNet/HttpClient.h"
 
 #include <algorithm>
+#include <memory>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -40,6 +42,15 @@ void requireFileName(const std::string& id)
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
     if (id.empty() || id.size() > 128 || id.find_first_not_of(kAllowed) != std::string::npos)
         throw Error(ErrorCode::kDownloadFailed, "the track's id \"" + id + "\" is no file name");
+}
+
+HttpRequest trackRequest(const OnlineTrack& track, const MusicService& service)
+{
+    HttpRequest request;
+    request.url = track.url;
+    request.headers = {{"User-Agent", "Zento (" + service.ownSite + ")"}};
+    request.mostBytes = kMostOfTrack;
+    return request;
 }
 
 void requireSound(const std::filesystem::path& file, const std::string& url)
@@ -105,16 +116,21 @@ MusicSearch::download(const OnlineTrack& track, const std::stop_token& stop) con
         return target;
     makeFolder(folder);
     const ScratchFile part(besideTarget(target, "." + makeUuid() + ".part"));
-    HttpRequest request;
-    request.url = track.url;
-    request.headers = {{"User-Agent", "Zento (" + m_service.ownSite + ")"}};
-    request.mostBytes = kMostOfTrack;
+    const HttpRequest request = trackRequest(track, m_service);
     const HttpResponse response = zento::download(request, part.path(), 0, {}, stop);
     if (response.status < 200 || response.status >= 300)
         throw Error(ErrorCode::kDownloadFailed, "download failed");
     requireSound(part.path(), track.url);
     replaceFile(part.path(), target);
     return target;
+}
+
+AudioReader
+MusicSearch::stream(const OnlineTrack& track, int sampleRate, const std::stop_token& stop) const
+{
+    const auto body = std::make_shared<HttpStream>(trackRequest(track, m_service), stop);
+    const auto read = [body](std::span<char> into) { return body->read(into); };
+    return {read, track.url, ChannelMix::Stereo, sampleRate};
 }
 
 std::string MusicSearch::credit(const OnlineTrack& track) const

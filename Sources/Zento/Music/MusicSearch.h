@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ZentoMedia/AudioReader.h"
+
 #include <filesystem>
 #include <optional>
 #include <stop_token>
@@ -49,6 +51,11 @@ public:
     /// is refused and not kept.
     std::filesystem::path
     download(const OnlineTrack& track, const std::stop_token& stop = {}) const;
+
+    /// The track's sound in two channels at `sampleRate`, read from where it lies as it comes. What
+    /// is no sound is refused.
+    AudioReader
+    stream(const OnlineTrack& track, int sampleRate, const std::stop_token& stop = {}) const;
 
     /// The text that has to go with a film that uses the track.
     std::string credit(const OnlineTrack& track) const;

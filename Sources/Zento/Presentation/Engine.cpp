@@ -6,7 +6,10 @@
 #include "Zento/Presentation/PictureProvider.h"
 #include "Zento/Presentation/ShadowProvider.h"
 
+#include <QDir>
+#include <QFont>
 #include <QQmlEngine>
+#include <QQuickWindow>
 
 // Written by the build for the QML module.
 void qml_register_types_Zento();
@@ -22,11 +25,30 @@ Singleton* singleton(QQmlEngine& engine, const char* name)
     return engine.singletonInstance<Singleton*>(qmlTypeId(kModule, 1, 0, name));
 }
 
+bool hasGraphicsProcessor()
+{
+    return !QDir(QStringLiteral("/dev/dri"))
+                .entryList({QStringLiteral("renderD*")}, QDir::System)
+                .isEmpty();
+}
+
+/// Without a graphics processor OpenGL is imitated: a new window's first picture then holds the
+/// main thread for 130 ms, where Qt's own drawing needs a few.
+void chooseRenderer()
+{
+    if (!hasGraphicsProcessor())
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+}
+
 } // namespace
 
 void prepareEngine(QQmlEngine& engine, QObject* app)
 {
+    chooseRenderer();
     qml_register_types_Zento();
+    // Without it Qt takes an emoji from whichever font has an outline of it.
+    for (const QString& family : {QStringLiteral("Inter"), QStringLiteral("JetBrains Mono")})
+        QFont::insertSubstitution(family, QStringLiteral("Noto Color Emoji"));
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QStringLiteral("icon"), new IconProvider);
     engine.addImageProvider(QStringLiteral("shadow"), new ShadowProvider);

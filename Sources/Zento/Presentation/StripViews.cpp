@@ -10,6 +10,22 @@ namespace {
 constexpr double kLeastPictureWidth = 82;
 constexpr double kBarShare = 0.62; // of a bin's width
 
+template <typename Levels>
+void drawBars(QPainter& painter, const Levels& levels, QSizeF size, const QColor& color)
+{
+    const double each = size.width() / static_cast<double>(levels.size());
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    double x = 0;
+    for (const auto level : levels) {
+        const double bar = std::max(std::clamp<double>(level, 0, 1) * size.height(), 1.0);
+        painter.drawRect(
+            QRectF(x, (size.height() - bar) / 2, std::max(each * kBarShare, 1.0), bar));
+        x += each;
+    }
+}
+
 } // namespace
 
 void StripView::setMedia(QObject* media)
@@ -49,6 +65,19 @@ void ThumbnailStrip::paint(QPainter* painter)
     }
 }
 
+LevelBars::LevelBars(QQuickItem* parent)
+    : QQuickPaintedItem(parent)
+{
+    connect(this, &LevelBars::levelsChanged, this, [this] { update(); });
+    connect(this, &LevelBars::colorChanged, this, [this] { update(); });
+}
+
+void LevelBars::paint(QPainter* painter)
+{
+    if (!m_levels.isEmpty())
+        drawBars(*painter, m_levels, size(), m_color);
+}
+
 WaveformStrip::WaveformStrip(QQuickItem* parent)
     : StripView(parent)
 {
@@ -59,19 +88,7 @@ void WaveformStrip::paint(QPainter* painter)
 {
     if (source() == nullptr || source()->waveform().empty())
         return;
-    const auto& bins = source()->waveform();
-    const double binWidth = width() / static_cast<double>(bins.size());
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(Qt::NoPen);
-    painter->setBrush(m_color);
-    for (std::size_t i = 0; i < bins.size(); ++i) {
-        const double bar = std::max(std::clamp<double>(bins[i], 0, 1) * height(), 1.0);
-        painter->drawRect(QRectF(
-            static_cast<double>(i) * binWidth,
-            (height() - bar) / 2,
-            std::max(binWidth * kBarShare, 1.0),
-            bar));
-    }
+    drawBars(*painter, source()->waveform(), size(), m_color);
 }
 
 } // namespace zento

@@ -3,6 +3,7 @@
 #include "Zento/Model/TimelineMedia.h"
 
 #include <QColor>
+#include <QList>
 #include <QPointer>
 #include <QQuickPaintedItem>
 
@@ -37,6 +38,26 @@ class ThumbnailStrip : public StripView {
 public:
     using StripView::StripView;
     void paint(QPainter* painter) override;
+};
+
+/// Levels as mirrored bars, one for each.
+class LevelBars : public QQuickPaintedItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(QList<qreal> levels MEMBER m_levels NOTIFY levelsChanged) // [0, 1]
+    Q_PROPERTY(QColor color MEMBER m_color NOTIFY colorChanged)
+
+public:
+    explicit LevelBars(QQuickItem* parent = nullptr);
+    void paint(QPainter* painter) override;
+
+Q_SIGNALS:
+    void levelsChanged();
+    void colorChanged();
+
+private:
+    QList<qreal> m_levels;
+    QColor m_color;
 };
 
 /// The sound as mirrored bars, one for each bin.

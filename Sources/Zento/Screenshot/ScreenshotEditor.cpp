@@ -4,21 +4,15 @@
 #include "ZentoImaging/Font.h"
 #include "ZentoRender/Screenshot/AnnotationRenderer.h"
 
-#include <QClipboard>
-#include <QDateTime>
-#include <QDir>
-#include <QDrag>
-#include <QGuiApplication>
-#include <QPixmap>
-#include <QSaveFile>
-#include <QStandardPaths>
 #include <QUrl>
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <variant>
+#include <vector>
 
 namespace zento {
 
@@ -51,29 +45,13 @@ QImage reduced(QImage picture, const QSize& size)
     return picture.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
-QByteArray pngOf(const Shot& shot, const ShotDocument& document, const ShotStyle& style)
+ShotOutput::MakePng pngOf(const Shot& shot)
 {
-    const std::vector<std::byte> bytes =
-        AnnotationRenderer::pngData(flattened(*shot.image, document, style), shot.scale);
-    return {reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())};
-}
-
-void writeWhole(const QString& path, const QByteArray& bytes)
-{
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-        throw Error(
-            ErrorCode::kNoShot,
-            "\"" + path.toStdString()
-                + "\" could not be written: " + file.errorString().toStdString());
-    }
-}
-
-QString proposedName()
-{
-    return QStringLiteral("Zento ")
-           + QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH-mm-ss"))
-           + QStringLiteral(".png");
+    return [shot](const ShotLook& look) -> QByteArray {
+        const std::vector<std::byte> bytes = AnnotationRenderer::pngData(
+            flattened(*shot.image, look.document, look.style), shot.scale);
+        return {reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())};
+    };
 }
 
 /// What the preset bar shows: see `drawSwatch`.
@@ -102,7 +80,13 @@ ScreenshotEditor::ScreenshotEditor(Shot shot, EditorPorts ports, QObject* parent
           m_ports.style, ShotPresets::wallpapers(m_ports.desktop, m_ports.wallpapers)))
     , m_style(m_groups.front().presets.front().style)
     , m_presetID(QString::fromStdString(m_groups.front().presets.front().id))
+    , m_output(
+          pngOf(m_shot),
+          {.worker = m_ports.output, .files = m_ports.files, .folder = m_ports.exportFolder})
 {
+    connect(&m_output, &ShotOutput::done, this, &ScreenshotEditor::note);
+    connect(&m_output, &ShotOutput::failed, this, &ScreenshotEditor::failed);
+    connect(&m_output, &ShotOutput::rested, this, &ScreenshotEditor::finishIfClosed);
     redraw();
 }
 
@@ -112,6 +96,14 @@ QString ScreenshotEditor::sizeText() const
 {
     const Rect kept = AnnotationRenderer::keptArea(m_editing.document().crop, sizeOf(m_shot));
     return QStringLiteral("%1 × %2").arg(kept.w).arg(kept.h);
+}
+
+QString ScreenshotEditor::notice() const
+{
+    const bool isUnframed = look(ShotEditing::PendingText::Hidden).style.bare && !m_style.bare;
+    return isUnframed ? tr("The picture is too large for this look, so it stands without one. Crop "
+                           "it to give it its look back.")
+                      : QString();
 }
 
 QVariantList ScreenshotEditor::tools()
@@ -140,12 +132,15 @@ QStringList ScreenshotEditor::palette()
     return list;
 }
 
-ScreenshotEditor::Look ScreenshotEditor::look(ShotEditing::PendingText text) const
+ShotLook ScreenshotEditor::look(ShotEditing::PendingText text) const
 {
-    return {m_editing.shown(text), m_style};
+    ShotLook look{m_editing.shown(text), m_style};
+    const Rect kept = AnnotationRenderer::keptArea(look.document.crop, sizeOf(m_shot));
+    look.style.bare = look.style.bare || !ShotComposer::fits(m_style, kept.w, kept.h);
+    return look;
 }
 
-ShotPlacement ScreenshotEditor::placement(const Look& look) const
+ShotPlacement ScreenshotEditor::placement(const ShotLook& look) const
 {
     return {
         sizeOf(m_shot),
@@ -155,7 +150,7 @@ ShotPlacement ScreenshotEditor::placement(const Look& look) const
         1 / m_density};
 }
 
-QSizeF ScreenshotEditor::pictureSize(const Look& look) const
+QSizeF ScreenshotEditor::pictureSize(const ShotLook& look) const
 {
     const Rect picture = placement(look).picture;
     return {picture.w, picture.h};
@@ -282,7 +277,7 @@ void ScreenshotEditor::restyled()
 
 void ScreenshotEditor::redraw()
 {
-    Look wanted = look(ShotEditing::PendingText::Hidden);
+    ShotLook wanted = look(ShotEditing::PendingText::Hidden);
     const QSize size = (pictureSize(wanted) * m_density).toSize();
     const bool isThere = m_pictured && *m_pictured == wanted && m_picturedSize == size;
     if (m_underWay || isThere) {
@@ -308,7 +303,7 @@ void ScreenshotEditor::redraw()
         });
 }
 
-void ScreenshotEditor::drawn(const Look& look, Outcome<QImage> picture)
+void ScreenshotEditor::drawn(const ShotLook& look, Outcome<QImage> picture)
 {
     m_underWay.reset();
     m_pictured = look; // one that cannot be drawn is not tried again
@@ -464,130 +459,39 @@ bool ScreenshotEditor::escape()
     return isOver;
 }
 
-/// Hands the finished picture to `use`: on the main thread, at once or later. One that cannot be
-/// made is passed over.
-template <typename Use>
-void ScreenshotEditor::produce(const Use& use)
-{
-    const Look wanted = look(ShotEditing::PendingText::Shown);
-    if (m_output && m_output->first == wanted) {
-        use(m_output->second);
-        return;
-    }
-    ++m_outputsUnderWay;
-    compute(
-        m_ports.output,
-        this,
-        [shot = m_shot, wanted] { return pngOf(shot, wanted.document, wanted.style); },
-        [this, wanted, use](const Outcome<QByteArray>& png) {
-            if (png) {
-                m_output.emplace(wanted, *png);
-                use(*png);
-            }
-            --m_outputsUnderWay;
-            finishIfClosed();
-        });
-}
-
 void ScreenshotEditor::copy()
 {
-    produce([this](const QByteArray& png) {
-        auto* const data = new ShotMimeData({proposedName(), [png] { return png; }}, {});
-        QGuiApplication::clipboard()->setMimeData(data); // which takes it
-        note(tr("Copied"));
-    });
+    m_output.copy(look(ShotEditing::PendingText::Shown));
 }
 
 QString ScreenshotEditor::proposedPath() const
 {
-    QString folder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
-    if (!QDir(folder).exists()) {
-        folder = QDir::homePath();
-    }
-    return QDir(folder).filePath(proposedName());
+    return ShotOutput::proposedPath();
 }
 
 void ScreenshotEditor::save(const QString& path)
 {
-    produce(
-        [this, path](const QByteArray& png) { write(path, png, [this] { note(tr("Saved")); }); });
-}
-
-/// Writes a file beside the main thread; `then` runs on it when the file is whole.
-void ScreenshotEditor::write(const QString& path, const QByteArray& png, std::function<void()> then)
-{
-    ++m_outputsUnderWay;
-    compute(
-        m_ports.output,
-        this,
-        [path, png] { writeWhole(path, png); },
-        [this, then = std::move(then)](const Outcome<void>& outcome) {
-            if (outcome) {
-                then();
-            } else {
-                Q_EMIT failed(QString::fromStdString(outcome.error()));
-            }
-            --m_outputsUnderWay;
-            finishIfClosed();
-        });
-}
-
-ShotExport ScreenshotEditor::shotExport()
-{
-    const Look wanted = look(ShotEditing::PendingText::Shown);
-    return {proposedName(), [shot = m_shot, wanted, made = m_output]() -> QByteArray {
-                if (made && made->first == wanted) {
-                    return made->second;
-                }
-                auto work = [&] { return pngOf(shot, wanted.document, wanted.style); };
-                return attempt(work).value_or(QByteArray());
-            }};
+    m_output.save(look(ShotEditing::PendingText::Shown), path);
 }
 
 void ScreenshotEditor::startDrag()
 {
-    constexpr QSize kThumbnail(200, 140);
-    auto* const drag = new QDrag(this); // which deletes itself after the drop
-    drag->setMimeData(new ShotMimeData(shotExport(), m_ports.exportFolder));
-    drag->setPixmap(QPixmap::fromImage(
-        m_picture.scaled(kThumbnail, Qt::KeepAspectRatio, Qt::SmoothTransformation)));
-    drag->exec(Qt::CopyAction);
-}
-
-void ScreenshotEditor::shareWith(void (*share)(ScreenshotEditor&, const QString& path))
-{
-    produce([this, share](const QByteArray& png) {
-        const QString path = QDir(m_ports.exportFolder).filePath(proposedName());
-        write(path, png, [this, share, path] { share(*this, path); });
-    });
+    m_output.drag(look(ShotEditing::PendingText::Shown), m_picture);
 }
 
 void ScreenshotEditor::openWith()
 {
-    shareWith([](ScreenshotEditor& editor, const QString& path) {
-        editor.m_ports.files->openWith(
-            path.toStdString(), [self = QPointer(&editor)](const std::string& reason) {
-                if (self) {
-                    Q_EMIT self->failed(
-                        tr("Sharing failed: %1").arg(QString::fromStdString(reason)));
-                }
-            });
-    });
+    m_output.openWith(look(ShotEditing::PendingText::Shown));
 }
 
 void ScreenshotEditor::composeMail()
 {
-    shareWith([](ScreenshotEditor& editor, const QString& path) {
-        editor.m_ports.files->composeMail(
-            path.toStdString(),
-            tr("Screenshot").toStdString(),
-            [self = QPointer(&editor)](const std::string& reason) {
-                if (self) {
-                    Q_EMIT self->failed(
-                        tr("Sharing failed: %1").arg(QString::fromStdString(reason)));
-                }
-            });
-    });
+    m_output.composeMail(look(ShotEditing::PendingText::Shown));
+}
+
+ShotExport ScreenshotEditor::shotExport() const
+{
+    return m_output.shotExport(look(ShotEditing::PendingText::Shown));
 }
 
 void ScreenshotEditor::note(const QString& note)
@@ -604,7 +508,7 @@ void ScreenshotEditor::close()
 
 void ScreenshotEditor::finishIfClosed()
 {
-    if (m_isClosed && m_outputsUnderWay == 0) {
+    if (m_isClosed && !m_output.isBusy()) {
         Q_EMIT closed();
         deleteLater();
     }

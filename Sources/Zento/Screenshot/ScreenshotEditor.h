@@ -4,7 +4,7 @@
 #include "Zento/Model/Worker.h"
 #include "Zento/Screenshot/ShotDrawing.h"
 #include "Zento/Screenshot/ShotEditing.h"
-#include "Zento/Screenshot/ShotExport.h"
+#include "Zento/Screenshot/ShotOutput.h"
 #include "Zento/Screenshot/ShotPlacement.h"
 #include "Zento/Screenshot/ShotPresets.h"
 #include "ZentoCapture/ScreenshotTool.h"
@@ -18,10 +18,8 @@
 #include <QVariantList>
 #include <QVariantMap>
 
-#include <functional>
 #include <memory>
 #include <optional>
-#include <utility>
 #include <vector>
 
 namespace zento {
@@ -79,6 +77,7 @@ class ScreenshotEditor : public QObject {
     Q_PROPERTY(QRectF pictureFrame READ pictureFrame NOTIFY pictureChanged)
     Q_PROPERTY(QString savedNote READ savedNote NOTIFY noted)
     Q_PROPERTY(QString saveTo READ saveTo CONSTANT)
+    Q_PROPERTY(QString notice READ notice NOTIFY changed) // about how it is shown; empty without
     Q_PROPERTY(QString doubt READ doubt CONSTANT) // about the shot itself; empty without one
 
 public:
@@ -88,7 +87,7 @@ public:
     QString sizeText() const;
     bool canUndo() const { return m_editing.canUndo(); }
     bool canRedo() const { return m_editing.canRedo(); }
-    bool canShare() const { return m_ports.files != nullptr; }
+    bool canShare() const { return m_output.canShare(); }
     static QVariantList tools();
     QString tool() const;
     static QStringList palette();
@@ -111,6 +110,7 @@ public:
     const QImage& picture() const { return m_picture; }
     QRectF pictureFrame() const;
     QString savedNote() const { return m_savedNote; }
+    QString notice() const;
     QString saveTo() const { return m_ports.saveTo; }
     QString doubt() const { return m_ports.doubt; }
 
@@ -153,7 +153,7 @@ public:
     /// The window is closed: the editor deletes itself when what is under way is done.
     Q_INVOKABLE void close();
 
-    ShotExport shotExport();
+    ShotExport shotExport() const;
 
 Q_SIGNALS:
     void changed();
@@ -164,25 +164,15 @@ Q_SIGNALS:
     void closed();
 
 private:
-    struct Look {
-        ShotDocument document;
-        ShotStyle style;
-        bool operator==(const Look&) const = default;
-    };
-
-    Look look(ShotEditing::PendingText text) const;
-    ShotPlacement placement(const Look& look) const;
-    QSizeF pictureSize(const Look& look) const; // in the view
+    ShotLook look(ShotEditing::PendingText text) const;
+    ShotPlacement placement(const ShotLook& look) const;
+    QSizeF pictureSize(const ShotLook& look) const; // in the view
     Vec2 raw(const QPointF& point) const;
     double rawTolerance() const;
     void edited();
     void restyled();
     void redraw();
-    void drawn(const Look& look, Outcome<QImage> picture);
-    template <typename Use>
-    void produce(const Use& use);
-    void write(const QString& path, const QByteArray& png, std::function<void()> then);
-    void shareWith(void (*share)(ScreenshotEditor&, const QString& path));
+    void drawn(const ShotLook& look, Outcome<QImage> picture);
     void note(const QString& note);
     void finishIfClosed();
 
@@ -197,11 +187,10 @@ private:
     double m_density = 1;
     std::shared_ptr<ShotDrawing> m_drawing; // used by the drawing's worker alone
     QImage m_picture;
-    std::optional<Look> m_pictured; // what the picture shows
-    QSize m_picturedSize;           // device pixels it is shown in
-    std::optional<Look> m_underWay;
-    std::optional<std::pair<Look, QByteArray>> m_output; // the last that was made
-    int m_outputsUnderWay = 0;
+    std::optional<ShotLook> m_pictured; // what the picture shows
+    QSize m_picturedSize;               // device pixels it is shown in
+    std::optional<ShotLook> m_underWay;
+    ShotOutput m_output;
     bool m_isClosed = false;
     QString m_savedNote;
 };

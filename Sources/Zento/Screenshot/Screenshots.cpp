@@ -1,5 +1,7 @@
 #include "Zento/Screenshot/Screenshots.h"
 
+#include "ZentoCore/Error.h"
+
 #include <chrono>
 #include <utility>
 
@@ -22,6 +24,16 @@ std::vector<Annotation> seamMarks(const ScrolledShot& shot)
              .end = {static_cast<double>(shot.shot.image->width()), y}});
     }
     return marks;
+}
+
+std::optional<ScrolledShot> orGivenUp(const std::function<ScrolledShot()>& shooting)
+try {
+    return shooting();
+} catch (const Error& error) {
+    if (error.code() != ErrorCode::kCancelled) {
+        throw;
+    }
+    return std::nullopt;
 }
 
 QString sentence(ScrollDoubt doubt)
@@ -113,7 +125,7 @@ void Screenshots::shootWithoutUs(Shooting shooting)
 void Screenshots::shoot(Shooting shooting)
 {
     struct Taken {
-        ScrolledShot shot;
+        std::optional<ScrolledShot> shot; // nothing: the user gave it up
         std::optional<Surroundings> surroundings;
     };
     compute(
@@ -122,8 +134,8 @@ void Screenshots::shoot(Shooting shooting)
         [shooting = std::move(shooting),
          services = m_services,
          isKnown = m_surroundings.has_value()] {
-            Taken taken{shooting(), {}};
-            if (!isKnown) {
+            Taken taken{orGivenUp(shooting), {}};
+            if (taken.shot && !isKnown) {
                 taken.surroundings = Surroundings{services.desktopImage(), services.wallpapers()};
             }
             return taken;
@@ -140,7 +152,9 @@ void Screenshots::shoot(Shooting shooting)
             if (outcome->surroundings) {
                 m_surroundings = std::move(outcome->surroundings);
             }
-            present(std::move(outcome->shot));
+            if (outcome->shot) {
+                present(std::move(*outcome->shot));
+            }
         });
 }
 

@@ -25,7 +25,8 @@ struct ScreenshotServices {
     Clock& clock;
     /// Blocks; on the shooting worker.
     std::function<Shot(const CaptureTarget&)> shoot;
-    /// The same, of a page that is scrolled. Global points.
+    /// The same, of a page that is scrolled. Global points. Throws `Error` 9 when the user gives it
+    /// up.
     std::function<ScrolledShot(const Rect&)> shootScrolling;
     std::function<std::optional<std::string>()> desktopImage;      // blocks
     std::function<std::vector<ShotPresets::Picture>()> wallpapers; // blocks
@@ -58,7 +59,7 @@ private:
         std::vector<ShotPresets::Picture> wallpapers;
     };
 
-    using Shooting = std::function<ScrolledShot()>; // on the worker
+    using Shooting = std::function<ScrolledShot()>; // on the worker; `Error` 9 is no failure
     void pickArea(std::function<void(const Rect&)> picked);
     Shooting shootingOf(const CaptureTarget& target) const;
     void shootWithoutUs(Shooting shooting);

@@ -11,6 +11,14 @@
 
 namespace zento {
 
+/// What becomes of a shot.
+struct ShotLook {
+    ShotDocument document;
+    ShotStyle style;
+
+    bool operator==(const ShotLook&) const = default;
+};
+
 /// A shot for the screen: a copy of few pixels, drawn as the whole image will be.
 struct DisplayShot {
     static constexpr int kMostWidth = 1600;    // pixels

@@ -19,7 +19,10 @@ constexpr double kSameZoom = 0.01;
 constexpr double kShortestBar = 0.2; // seconds
 constexpr double kShortestCutBar = 0.15;
 constexpr double kGap = 0.04;
-constexpr double kJump = 0.01; // source seconds
+constexpr double kJump = 0.01;        // source seconds
+constexpr double kOnBeat = 0.01;      // seconds
+constexpr double kSameBeat = 1e-9;    // beats
+constexpr double kLeastBeatWidth = 6; // points
 
 struct Extent {
     double start = 0;
@@ -108,18 +111,47 @@ zoomBars(const EditPlan& plan, const RemapCurve& curve, double duration, const O
     return bars;
 }
 
-std::vector<double> cutTimes(std::span<const SpeedSegment> timeRemap)
+std::vector<CutMark> cutMarks(std::span<const SpeedSegment> timeRemap)
 {
-    std::vector<double> cuts;
+    std::vector<CutMark> cuts;
     double sum = 0;
     for (std::size_t i = 0; i + 1 < timeRemap.size(); ++i) {
         const SpeedSegment& segment = timeRemap[i];
         sum += (segment.sourceEnd - segment.sourceStart) / segment.speed;
         if (std::abs(timeRemap[i + 1].sourceStart - segment.sourceEnd) > kJump) {
-            cuts.push_back(sum);
+            cuts.push_back({.tOut = sum, .cutAfter = segment.sourceEnd});
         }
     }
     return cuts;
+}
+
+std::vector<double> HeardBeats::times() const
+{
+    std::vector<double> times;
+    const double before = std::max(std::ceil(-first / period - kSameBeat), 0.0);
+    for (double k = before; period > 0 && first + k * period < end; ++k) {
+        times.push_back(first + k * period);
+    }
+    return times;
+}
+
+bool HeardBeats::isOn(double time) const
+{
+    const double nearest = first + std::round((time - first) / period) * period;
+    return time < end + kOnBeat && std::abs(time - nearest) <= kOnBeat;
+}
+
+std::vector<double> thinnedBeats(std::span<const double> beats, double pointsPerBeat)
+{
+    std::size_t step = 1;
+    while (step < beats.size() && pointsPerBeat * static_cast<double>(step) < kLeastBeatWidth) {
+        step *= 2;
+    }
+    std::vector<double> shown;
+    for (std::size_t i = 0; i < beats.size(); i += step) {
+        shown.push_back(beats[i]);
+    }
+    return shown;
 }
 
 std::vector<TimelineWord>

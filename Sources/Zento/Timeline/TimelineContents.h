@@ -34,8 +34,32 @@ struct ZoomBar {
 std::vector<ZoomBar> zoomBars(
     const EditPlan& plan, const RemapCurve& curve, double duration, const Overrides& overrides);
 
-/// Strip times where the source jumps. Ramps are passed over: these are marks on a drawn strip.
-std::vector<double> cutTimes(std::span<const SpeedSegment> timeRemap);
+/// Where the source jumps.
+struct CutMark {
+    double tOut = 0;     // strip time
+    double cutAfter = 0; // source seconds: the last moment before it
+    bool isOnBeat = false;
+
+    bool operator==(const CutMark&) const = default;
+};
+
+/// Ramps are passed over: these are marks on a drawn strip.
+std::vector<CutMark> cutMarks(std::span<const SpeedSegment> timeRemap);
+
+/// When music is heard to beat: from `first` on every `period` seconds, up to `end`. `first` may
+/// lie before the film's beginning, and nothing before that is listed.
+struct HeardBeats {
+    double first = 0; // film time
+    double period = 0;
+    double end = 0;
+
+    std::vector<double> times() const;
+    bool isOn(double time) const; // within a hundredth of a second
+};
+
+/// Every second, fourth, eighth … of the beats, so that two marks lie 6 points and more apart when
+/// two beats lie `pointsPerBeat` apart.
+std::vector<double> thinnedBeats(std::span<const double> beats, double pointsPerBeat);
 
 /// A caption of the word lane.
 struct TimelineWord {

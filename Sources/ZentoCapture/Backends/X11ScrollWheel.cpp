@@ -1,9 +1,11 @@
 #include "ZentoCapture/Backends/X11Connection.h"
+#include "ZentoCapture/Backends/X11Keyboard.h"
 #include "ZentoCapture/ScrollWheel.h"
 
 #include <xcb/xtest.h>
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 
 namespace zento {
@@ -11,6 +13,8 @@ namespace zento {
 namespace {
 
 constexpr std::uint8_t kWheelDown = 5; // the button
+constexpr std::uint8_t kSent = 0x80;   // of an event that a program made
+constexpr std::int64_t kEscape = 53;   // as a virtual key code
 
 class X11ScrollWheel final : public ScrollWheel {
 public:
@@ -22,6 +26,7 @@ public:
         if (!version) {
             throw Error(ErrorCode::kNoInput, "this display does not let programs scroll");
         }
+        grabEscape(displayName);
     }
 
     std::optional<Vec2> pointer() override
@@ -34,6 +39,14 @@ public:
             return std::nullopt;
         }
         return Vec2{static_cast<double>(reply->root_x), static_cast<double>(reply->root_y)};
+    }
+
+    bool isGivenUp() override
+    {
+        while (const auto event = m_connection.nextEvent()) {
+            m_isGivenUp = m_isGivenUp || (event->response_type & ~kSent) == XCB_KEY_PRESS;
+        }
+        return m_isGivenUp;
     }
 
     void movePointer(Vec2 pixel) override
@@ -57,6 +70,25 @@ public:
     }
 
 private:
+    /// Another program may have it; then it is not ours to see.
+    void grabEscape(const std::string& displayName)
+    {
+        const auto& codes = X11Keyboard::read(displayName).virtualKeyCodes;
+        for (std::size_t code = 0; code < codes.size(); ++code) {
+            if (codes[code] == kEscape) {
+                xcb_grab_key(
+                    m_connection.get(),
+                    0,
+                    m_connection.root(),
+                    XCB_MOD_MASK_ANY,
+                    static_cast<xcb_keycode_t>(code),
+                    XCB_GRAB_MODE_ASYNC,
+                    XCB_GRAB_MODE_ASYNC);
+            }
+        }
+        xcb_flush(m_connection.get());
+    }
+
     void fake(std::uint8_t type, std::uint8_t detail, std::int16_t x, std::int16_t y)
     {
         xcb_test_fake_input(
@@ -64,6 +96,7 @@ private:
     }
 
     X11Connection m_connection;
+    bool m_isGivenUp = false;
 };
 
 } // namespace

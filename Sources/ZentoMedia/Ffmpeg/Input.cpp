@@ -2,6 +2,7 @@
 
 #include "ZentoMedia/Ffmpeg/Failure.h"
 
+#include <new>
 #include <string>
 
 namespace zento::ffmpeg {
@@ -11,12 +12,22 @@ namespace {
 constexpr const char* kReading = "Could not read";
 
 /// `protocols`: all that may be opened on the way. A list of addresses is not a recording.
-InputHandle open(const std::filesystem::path& path, const std::string& url, const char* protocols)
+InputHandle open(
+    const std::filesystem::path& path,
+    const std::string& url,
+    const char* protocols,
+    AVIOContext* bytes = nullptr)
 {
     silenceLog();
     Options options;
     options.set("protocol_whitelist", protocols);
     AVFormatContext* input = nullptr;
+    if (bytes != nullptr) {
+        input = avformat_alloc_context();
+        if (input == nullptr)
+            throw std::bad_alloc();
+        input->pb = bytes;
+    }
     const int opened = avformat_open_input(&input, url.c_str(), nullptr, options.address());
     if (opened < 0)
         throw failure(kReading, path, opened, ErrorCode::kReadingFailed);
@@ -38,6 +49,11 @@ InputHandle openInput(const std::filesystem::path& path, std::int64_t size)
 {
     const std::string range = "subfile,,start,0,end," + std::to_string(size) + ",,:";
     return open(path, range + fileUrl(path), "file,subfile");
+}
+
+InputHandle openInput(AVIOContext& bytes, const std::filesystem::path& name)
+{
+    return open(name, {}, "none", &bytes);
 }
 
 bool isPictures(const AVStream& track)

@@ -14,6 +14,10 @@ InputHandle openInput(const std::filesystem::path& path);
 /// The same for the first `size` bytes of a file.
 InputHandle openInput(const std::filesystem::path& path, std::int64_t size);
 
+/// The same for bytes that come from elsewhere; `name` is for messages. They lead to no other
+/// address.
+InputHandle openInput(AVIOContext& bytes, const std::filesystem::path& name);
+
 /// The first track `isWanted` accepts, or null. All other tracks are left unread.
 template <typename Predicate>
 AVStream* chooseTrack(AVFormatContext& input, Predicate isWanted)

@@ -113,6 +113,12 @@ double border(const ShotStyle& style, double sourceHeight)
     return style.bare ? 0 : std::max(sourceHeight * style.padding * 1.6, 40.0);
 }
 
+bool fits(const ShotStyle& style, double width, double height)
+{
+    const double margin = border(style, height);
+    return std::max(width, height) + 2 * margin < Canvas::kMostSide + 1;
+}
+
 Canvas beautify(const Canvas& image, const ShotStyle& style)
 {
     if (style.bare)

@@ -27,6 +27,9 @@ namespace ShotComposer {
 /// The margin in pixels: `padding` times 1.6 of the source's height, 40 at least; 0 if bare.
 double border(const ShotStyle& style, double sourceHeight);
 
+/// Whether an image of that size and its margin are not larger than a canvas may be.
+bool fits(const ShotStyle& style, double width, double height);
+
 /// The picture with its margin, its size the whole part of the image's and twice the margin's.
 ///
 /// The shot keeps its pixels: it is drawn at a scale of exactly 1 on whole pixels. The margin left

@@ -23,7 +23,8 @@ T.Popup {
     dim: true
     padding: 0
     closePolicy: T.Popup.CloseOnEscape
-    onOpened: if (firstFocus) firstFocus.forceActiveFocus(Qt.TabFocusReason)
+    // At once, not after the transition: a key pressed meanwhile belongs to the sheet.
+    onVisibleChanged: if (visible && firstFocus) firstFocus.forceActiveFocus(Qt.TabFocusReason)
     background: Panel {
         elevation: Theme.sheetElevation
         radius: Theme.radiusSheet

@@ -6,6 +6,7 @@ Pane {
 
     readonly property var settings: App.settings
     readonly property var music: App.music
+    readonly property var track: App.editor?.musicTrack ?? null
     readonly property bool hasRecording: (App.library.selectedItem.path ?? "").length > 0
 
     signal musicRequested(string way)
@@ -38,10 +39,12 @@ Pane {
                 }
                 Caption {
                     readonly property int seconds: Math.round(pane.music.duration)
+                    readonly property real bpm: pane.track?.bpm ?? 0
 
                     width: parent.width
                     visible: seconds > 0
-                    text: Math.floor(seconds / 60) + ":" + String(seconds % 60).padStart(2, "0")
+                    text: (bpm > 0 ? qsTr("%1 bpm · ").arg(Math.round(bpm)) : "")
+                        + Math.floor(seconds / 60) + ":" + String(seconds % 60).padStart(2, "0")
                 }
             }
             IconButton {
@@ -53,6 +56,15 @@ Pane {
                 text: qsTr("Remove music")
                 onClicked: pane.music.remove()
             }
+        }
+        Gap {
+            size: 8
+            visible: pane.music.name.length > 0
+        }
+        MusicStrip {
+            width: parent.width
+            visible: pane.music.name.length > 0 && track !== null && track.duration > 0
+            track: pane.track
         }
         Gap {
             size: 8
@@ -91,14 +103,30 @@ Pane {
                 text: pane.music.credit
                 wrapMode: Text.Wrap
             }
-            Button {
-                size: Button.Small
-                iconName: "copy"
-                text: qsTr("Copy credit")
-                onClicked: {
-                    clipboard.text = pane.music.credit
-                    clipboard.selectAll()
-                    clipboard.copy()
+            Row {
+                spacing: 8
+                Button {
+                    size: Button.Small
+                    iconName: "copy"
+                    text: qsTr("Copy credit")
+                    onClicked: {
+                        clipboard.text = pane.music.credit
+                        clipboard.selectAll()
+                        clipboard.copy()
+                    }
+                }
+                Button {
+                    readonly property bool stands: pane.settings.endCard
+                        && pane.settings.endCardLine === pane.music.creditLine
+
+                    size: Button.Small
+                    iconName: stands ? "check" : "plus"
+                    text: stands ? qsTr("On the end card") : qsTr("To the end card")
+                    enabled: !stands
+                    onClicked: {
+                        pane.settings.endCardLine = pane.music.creditLine
+                        pane.settings.endCard = true
+                    }
                 }
             }
             TextEdit {

@@ -66,7 +66,7 @@ Item {
             id: tune
 
             size: Button.Small
-            iconName: "tab-edit"
+            iconName: "tab-app"
             text: qsTr("Fine-tune")
             enabled: !bar.editor.isBare
             onClicked: panel.visible ? panel.close() : panel.open()

@@ -6,6 +6,8 @@ FocusScope {
     id: content
 
     required property QtObject editor
+    property string failure // of an output, until it is closed or one succeeds
+    property string unaskedPath // where a file is saved that nobody could be asked about
 
     signal closeRequested()
 
@@ -20,10 +22,15 @@ FocusScope {
         else
             chooser.save(qsTr("Save the screenshot"), editor.proposedPath())
     }
-    function tell(text, isFailure) {
-        toast.text = text
-        toast.isFailure = isFailure
-        passing.restart()
+
+    component Message: Banner {
+        property string closedText
+
+        width: parent.width
+        visible: text.length > 0 && text !== closedText
+        kind: Banner.Warning
+        onClosed: closedText = text
+        onTextChanged: closedText = ""
     }
 
     Accessible.role: Accessible.Pane
@@ -96,27 +103,24 @@ FocusScope {
             y: 10
             editor: content.editor
         }
-        Banner {
+        Column {
             anchors.left: parent.left
             anchors.right: parent.right
             anchors.bottom: parent.bottom
             anchors.margins: 12
-            visible: text.length > 0
-            kind: Banner.Warning
-            text: content.editor.doubt
-            onClosed: visible = false
-        }
-        Toast {
-            id: toast
+            spacing: 8
+            Toast {
+                id: toast
 
-            property bool isFailure: false
-
-            anchors.horizontalCenter: parent.horizontalCenter
-            anchors.bottom: parent.bottom
-            anchors.bottomMargin: 16
-            visible: passing.running
-            iconName: isFailure ? "warning" : "success"
-            iconColor: isFailure ? Theme.warning : Theme.success
+                anchors.horizontalCenter: parent.horizontalCenter
+                visible: passing.running
+            }
+            Message {
+                kind: Banner.Failure
+                text: content.failure
+            }
+            Message { text: content.editor.doubt }
+            Message { text: content.editor.notice }
         }
     }
     PresetBar {
@@ -136,14 +140,23 @@ FocusScope {
         id: chooser
 
         onChosen: path => content.editor.save(path)
-        onFailed: sentence => { // a desktop without a dialog still gets its file
-            content.tell(sentence, true)
-            content.editor.save(content.editor.proposedPath())
+        onFailed: { // a desktop without a dialog still gets its file
+            content.unaskedPath = content.editor.proposedPath()
+            content.editor.save(content.unaskedPath)
         }
     }
     Connections {
         target: content.editor
-        function onNoted() { content.tell(content.editor.savedNote, false) }
-        function onFailed(sentence) { content.tell(sentence, true) }
+        function onNoted() {
+            content.failure = ""
+            toast.text = content.unaskedPath ? qsTr("Saved as %1").arg(content.unaskedPath) : content.editor.savedNote
+            content.unaskedPath = ""
+            passing.restart()
+        }
+        function onFailed(sentence) {
+            content.unaskedPath = ""
+            content.failure = "" // the same sentence is told again
+            content.failure = sentence
+        }
     }
 }

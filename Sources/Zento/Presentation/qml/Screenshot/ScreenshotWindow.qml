@@ -11,11 +11,13 @@ Window {
     height: 720
     minimumWidth: 860
     minimumHeight: 520
-    x: Screen.virtualX + (Screen.width - width) / 2
-    y: Screen.virtualY + (Screen.height - height) / 2
     title: qsTr("Screenshot")
     color: Theme.chrome
     onClosing: editor.close()
+    Component.onCompleted: { // once: a window that is made larger stays where it is
+        x = Screen.virtualX + (Screen.width - width) / 2
+        y = Screen.virtualY + (Screen.height - height) / 2
+    }
 
     ScreenshotContent {
         anchors.fill: parent

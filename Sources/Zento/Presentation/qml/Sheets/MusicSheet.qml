@@ -26,21 +26,49 @@ Sheet {
             property string length
             property string license
             property bool isUsed
+            property bool canPlay: false
+            property bool isPlaying: false
+            property bool isWaiting: false // to be heard
             property real progress: -1 // under way: from 0 to 1, or 2 where nobody knows
             default property alias aside: actions.data
+
+            signal playToggled()
 
             width: parent.width
             height: 56
             Accessible.role: Accessible.ListItem
             Accessible.name: [title, by, length, license].filter(text => text.length > 0).join(", ")
+            Rectangle {
+                anchors.fill: parent
+                visible: row.isPlaying
+                radius: Theme.radiusControl
+                color: Theme.controlOnOverlay
+            }
             Icon {
                 x: 8
                 anchors.verticalCenter: parent.verticalCenter
+                visible: !row.canPlay
                 name: "music"
                 color: Theme.textSecondary
             }
+            IconButton {
+                x: 8
+                anchors.verticalCenter: parent.verticalCenter
+                visible: row.canPlay
+                side: 36
+                filled: !row.isPlaying
+                overlay: true
+                iconName: row.isPlaying ? "pause" : "play"
+                text: row.isPlaying ? qsTr("Stop %1").arg(row.title) : qsTr("Listen to %1").arg(row.title)
+                onClicked: row.playToggled()
+            }
+            Spinner {
+                x: 52
+                anchors.verticalCenter: parent.verticalCenter
+                visible: row.isWaiting
+            }
             Column {
-                x: 40
+                x: row.canPlay ? (row.isWaiting ? 78 : 56) : 40
                 anchors.verticalCenter: parent.verticalCenter
                 width: facts.x - x - 12
                 Label {
@@ -249,6 +277,10 @@ Sheet {
                             by: modelData.creator
                             length: modelData.duration
                             license: modelData.license
+                            canPlay: true
+                            isPlaying: sheet.music.previewingID === modelData.id
+                            isWaiting: isPlaying && !sheet.music.isPreviewHeard
+                            onPlayToggled: sheet.music.togglePreview(modelData.id)
                             isUsed: sheet.music.usedTrackID === modelData.id
                             progress: sheet.music.usingTrackID === modelData.id ? 2 : -1
                             UseButton {

@@ -92,7 +92,20 @@ FocusScope {
             media: App.editor.media
             color: Theme.laneSound
             Accessible.role: Accessible.Graphic
-            Accessible.name: qsTr("Sound")
+            Accessible.name: timeline.line.beats.length > 0
+                ? qsTr("Sound, with the beats of the music") : qsTr("Sound")
+        }
+        Repeater { // the music's beats
+            model: timeline.line.beats
+            delegate: Rectangle {
+                required property real modelData
+
+                x: Math.round(modelData)
+                y: timeline.soundY
+                width: 1
+                height: 6
+                color: Theme.laneSound
+            }
         }
         TimelineWordLane {
             y: timeline.wordsY

@@ -36,10 +36,12 @@ FocusScope {
         delegate: Item {
             id: cut
 
-            required property real modelData
+            required property var modelData
 
-            x: Math.round(modelData)
+            x: Math.round(modelData.x)
             height: track.height
+            Accessible.role: Accessible.Graphic
+            Accessible.name: modelData.isOnBeat ? qsTr("Cut on the beat") : qsTr("Cut")
             Repeater {
                 model: 8
                 delegate: Rectangle {
@@ -51,13 +53,18 @@ FocusScope {
                     color: Theme.primary
                 }
             }
-            Rectangle {
-                x: -3
-                y: -3
-                width: 6
-                height: 6
-                rotation: 45
-                color: Theme.textTertiary
+            Rectangle { // round and green on a beat, else a grey corner
+                readonly property int side: cut.modelData.isOnBeat ? 9 : 6
+
+                x: -Math.floor(side / 2)
+                y: x
+                width: side
+                height: side
+                radius: cut.modelData.isOnBeat ? side / 2 : 0
+                rotation: cut.modelData.isOnBeat ? 0 : 45
+                color: cut.modelData.isOnBeat ? Theme.laneSound : Theme.textTertiary
+                border.width: cut.modelData.isOnBeat ? 1 : 0
+                border.color: Theme.base
             }
         }
     }

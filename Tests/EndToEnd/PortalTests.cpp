@@ -4,10 +4,13 @@
 #include "WaylandStage/WaylandUser.h"
 #include "ZentoCapture/Backends/PortalDesktop.h"
 #include "ZentoCapture/CaptureSession.h"
+#include "ZentoCapture/GlobalShortcuts.h"
 #include "ZentoCapture/MonotonicClock.h"
 #include "ZentoCapture/ScreenshotTool.h"
+#include "ZentoCapture/ScrollWheel.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoCore/SessionBundle.h"
+#include "ZentoImaging/ImageFile.h"
 #include "ZentoMedia/VideoDecoder.h"
 
 #include <gmock/gmock.h>
@@ -328,7 +331,7 @@ TEST_F(PortalTest, theDialogComesOnceAndAgainWhenTheWordHasExpired)
 {
     const auto shoot = [&] {
         PortalDesktop desktop(parts());
-        return ScreenshotTool::capture(desktop, Target::Display{});
+        return ScreenshotTool::capture(desktop, Target::Screen{0});
     };
     const unsigned before = stage().dialogs();
     EXPECT_EQ(shoot().image->width(), WaylandStage::kWidth);
@@ -336,7 +339,7 @@ TEST_F(PortalTest, theDialogComesOnceAndAgainWhenTheWordHasExpired)
     shoot();
     EXPECT_EQ(stage().dialogs(), before + 1) << "the word is known";
     for (const char* const expired : {"01234567-89ab-cdef-0123-456789abcdef", "no word at all"}) {
-        writeFile(m_folder / "screens", std::string("display\t") + expired + "\n");
+        writeFile(m_folder / "screens", std::string("screen 0\t") + expired + "\n");
         const unsigned shown = stage().dialogs();
         shoot();
         EXPECT_EQ(stage().dialogs(), shown + 1) << expired;
@@ -361,6 +364,51 @@ TEST_F(PortalTest, anAreaIsAPartOfTheChosenMonitorInItsPoints)
     EXPECT_THROW(ScreenshotTool::capture(desktop, Target::Area{{900, 500, 400, 400}}), Error)
         << "it reaches beyond the monitor";
     stage().setScale(1);
+}
+
+TEST_F(PortalTest, theDesktopTakesItsOwnPictureIfItDoes)
+{
+    const auto file = m_folder / "shot.png";
+    Canvas drawn(30, 20);
+    savePng(drawn, file);
+    stage().setShot(file);
+    PortalDesktop desktop(parts());
+    EXPECT_EQ(ScreenshotTool::capture(desktop, Target::Display{}).image->width(), 30);
+    EXPECT_FALSE(std::filesystem::exists(file)) << "it was made for us";
+    EXPECT_THROW(openScrollWheel(), Error) << "nothing turns the wheel here";
+}
+
+TEST_F(PortalTest, aKeyOfTheDesktopReachesTheProgram)
+{
+    std::mutex mutex;
+    std::vector<std::string> pressed;
+    const auto count = [&] {
+        const std::lock_guard lock(mutex);
+        return pressed.size();
+    };
+    std::jthread listening([&](const std::stop_token& stop) {
+        try {
+            listenToShortcuts(
+                std::vector<GlobalShortcut>{
+                    {"toggleRecording", "Start or stop", "LOGO+ALT+r"},
+                    {"capturePanel", "Panel", ""}},
+                [&](const std::string& id) {
+                    const std::lock_guard lock(mutex);
+                    pressed.push_back(id);
+                },
+                stop);
+        } catch (const Error& error) {
+            ADD_FAILURE() << error.what();
+        }
+    });
+    ASSERT_TRUE(eventually([&] { return stage().shortcuts().size() == 2; }));
+    EXPECT_THAT(stage().shortcuts(), testing::Contains("toggleRecording: Start or stop"));
+    ASSERT_TRUE(eventually([&] { // bound a moment before it is listened for
+        stage().press("capturePanel");
+        return count() > 0;
+    }));
+    const std::lock_guard lock(mutex);
+    EXPECT_THAT(pressed, testing::Each("capturePanel"));
 }
 
 TEST_F(PortalTest, aDesktopThatDoesNotTellThePointerIsRecordedWithItsOwn)

@@ -29,7 +29,7 @@ constexpr BusInterface kDisplays{
 
 constexpr std::string_view kBackend = R"([portal]
 DBusName=org.freedesktop.impl.portal.desktop.stage
-Interfaces=org.freedesktop.impl.portal.ScreenCast;org.freedesktop.impl.portal.GlobalShortcuts;org.freedesktop.impl.portal.Screenshot;
+Interfaces=org.freedesktop.impl.portal.ScreenCast;org.freedesktop.impl.portal.GlobalShortcuts;org.freedesktop.impl.portal.Screenshot;org.freedesktop.impl.portal.Access;
 UseIn=stage
 )";
 

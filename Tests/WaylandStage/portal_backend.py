@@ -13,6 +13,7 @@ NAME = "org.freedesktop.impl.portal.desktop.stage"
 SCREEN_CAST = "org.freedesktop.impl.portal.ScreenCast"
 SHORTCUTS = "org.freedesktop.impl.portal.GlobalShortcuts"
 SCREENSHOT = "org.freedesktop.impl.portal.Screenshot"
+ACCESS = "org.freedesktop.impl.portal.Access"
 SESSION = "org.freedesktop.impl.portal.Session"
 REQUEST = "org.freedesktop.impl.portal.Request"
 CONTROL = "dev.halvek.zento.Stage"
@@ -164,6 +165,12 @@ class Screenshots(dbus.service.Object):
         return 0, vardict({"uri": State.shot})
 
 
+class Access(dbus.service.Object):
+    @dbus.service.method(ACCESS, in_signature="osssssa{sv}", out_signature="ua{sv}")
+    def AccessDialog(self, handle, app, parent, title, subtitle, body, options):
+        return (0 if State.answer == "yes" else 1), vardict({})
+
+
 class Control(dbus.service.Object):
     """What the tests say to it."""
 
@@ -207,7 +214,7 @@ class Control(dbus.service.Object):
                 self.Deactivated(session.path, shortcut, stamp, vardict({}))
 
 
-class Stage(Backend, ScreenCast, Shortcuts, Screenshots, Control):
+class Stage(Backend, ScreenCast, Shortcuts, Screenshots, Access, Control):
     pass
 
 

@@ -40,15 +40,23 @@ void tellOnce(const std::string& sentence)
 
 void record(std::span<const std::string_view> words)
 {
-    constexpr std::array<OptionSpec, 7> kOptions{
+    constexpr std::array<OptionSpec, 8> kOptions{
         {{"--screen", "N"},
          {"--window", "ID"},
          {"--area", "X,Y,W,H"},
          {"--seconds", "S"},
          {"--microphone", ""},
          {"--camera", ""},
-         {"--system-audio", ""}}};
+         {"--system-audio", ""},
+         {"--toggle", ""}}};
     const Arguments arguments(words, kOptions);
+    if (arguments.has("--toggle")) {
+        if (words.size() > 1) {
+            throw UsageError("--toggle stands alone: the application has its own settings");
+        }
+        toggle({});
+        return;
+    }
     arguments.expectNone();
     const TargetChoice choice = readTarget(arguments);
     const auto seconds = arguments.read("--seconds", readPositive);

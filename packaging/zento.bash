@@ -14,7 +14,7 @@ _zento() {
     esac
     local options
     case $command in
-    record) options='--screen --window --area --seconds --microphone --camera --system-audio' ;;
+    record) options='--screen --window --area --seconds --microphone --camera --system-audio --toggle' ;;
     screenshot) options='--screen --window --area --edit --output' ;;
     plan) options='--settings --config --overrides --music --size --fps --output' ;;
     render) options='--settings --output --gif' ;;

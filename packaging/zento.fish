@@ -9,6 +9,7 @@ complete -c zento -n '__fish_seen_subcommand_from record' -l seconds -x -d 'How 
 complete -c zento -n '__fish_seen_subcommand_from record' -l microphone -d 'The microphone too'
 complete -c zento -n '__fish_seen_subcommand_from record' -l camera -d 'The camera too'
 complete -c zento -n '__fish_seen_subcommand_from record' -l system-audio -d 'What plays too'
+complete -c zento -n '__fish_seen_subcommand_from record' -l toggle -d 'Start or stop one in the application'
 complete -c zento -n '__fish_seen_subcommand_from plan render recover' -a '(__fish_complete_directories)'
 complete -c zento -n '__fish_seen_subcommand_from plan render' -l settings -r -F -d 'Settings'
 complete -c zento -n '__fish_seen_subcommand_from plan' -l config -r -F -d 'A plan configuration'

@@ -90,6 +90,7 @@ void CaptureSession::stop()
 void CaptureSession::startEventTap()
 {
     m_input = m_desktop.inputSource();
+    m_hasPointerOnly = m_input->reach() == InputSource::Reach::PointerOnly;
     m_input->start([log = m_log](const RawInput& input) { log->handle(input); });
 }
 
@@ -223,7 +224,8 @@ SessionMeta CaptureSession::meta(double epoch) const
         .pixelHeight = m_pixelHeight,
         .scaleFactor = m_scale,
         .nominalFPS = kNominalFPS,
-        .duration = std::max(0.0, m_intake.lastPTS() - epoch)};
+        .duration = std::max(0.0, m_intake.lastPTS() - epoch),
+        .input = m_hasPointerOnly ? std::optional<std::string>("pointer") : std::nullopt};
 }
 
 } // namespace zento

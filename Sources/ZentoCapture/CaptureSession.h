@@ -121,6 +121,7 @@ private:
     std::unique_ptr<ScreenWriter> m_writer;
     std::unique_ptr<FrameSource> m_stream;
     std::unique_ptr<InputSource> m_input;
+    bool m_hasPointerOnly = false;
     std::unique_ptr<PointerPoll> m_poll;
 };
 

@@ -7,6 +7,7 @@
 #include "ZentoCore/Geometry.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -56,6 +57,13 @@ public:
     /// What a recording here goes without and how to change that, in a sentence for the user;
     /// nothing where nothing is missing. May be asked after `choose`.
     virtual std::optional<std::string> shortcoming() { return {}; }
+
+    /// A picture of the whole desktop that the desktop itself takes: a file for the caller to
+    /// remove. Nothing where it takes none. Throws `Error` as `choose`.
+    virtual std::optional<std::filesystem::path> takePicture(const std::stop_token& /*stop*/)
+    {
+        return {};
+    }
 
     /// From left to right, then from top to bottom; none when nothing is connected. Throws `Error`.
     virtual std::vector<DisplayInfo> displays() = 0;

@@ -21,6 +21,9 @@ struct SessionFacts {
 /// run besides shows nothing but its own clients.
 DesktopKind desktopKind(const SessionFacts& facts);
 
+/// Of this process's session, as far as its variables say. Asks nobody: `screenCast` is 0.
+SessionFacts environmentFacts();
+
 /// Of this process's session. Asks the portal, where it matters, and waits for it ten seconds at
 /// most.
 SessionFacts sessionFacts();

@@ -44,6 +44,10 @@ public:
     /// nothing runs.
     virtual void stop() = 0;
 
+    /// Whether clicks, keys and turns of the wheel are told, or the pointer's place alone.
+    enum class Reach : unsigned char { Everything, PointerOnly };
+    virtual Reach reach() const { return Reach::Everything; }
+
     /// In global points; nothing when the desktop does not answer.
     virtual std::optional<Vec2> pointerPosition() = 0;
 

@@ -2,13 +2,18 @@
 
 #include "ZentoCapture/CaptureLayout.h"
 #include "ZentoCore/Error.h"
+#include "ZentoImaging/ImageFile.h"
 
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <cstring>
+#include <filesystem>
+#include <memory>
 #include <mutex>
 #include <optional>
+#include <system_error>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -91,10 +96,28 @@ bool isGone(const CaptureTarget& target, const DisplayInfo& display)
     return screen != nullptr && screen->displayID != display.id;
 }
 
+/// The desktop's own picture of all there is, where it takes one. It does not say its scale.
+std::optional<Shot> desktopPicture(Desktop& desktop, const std::stop_token& stop)
+{
+    const auto file = desktop.takePicture(stop);
+    if (!file) {
+        return {};
+    }
+    auto image = std::make_shared<const Canvas>(loadImage(*file));
+    std::error_code ignored;
+    std::filesystem::remove(*file, ignored); // it was made for us
+    return Shot{.image = std::move(image), .scale = 1};
+}
+
 } // namespace
 
 Shot capture(Desktop& desktop, const CaptureTarget& target, const std::stop_token& stop)
 {
+    if (std::holds_alternative<Target::Display>(target)) {
+        if (auto shot = desktopPicture(desktop, stop)) {
+            return *std::move(shot);
+        }
+    }
     desktop.choose(target, stop);
     const CaptureLayout layout = captureLayout(target, desktop, {});
     if (desktop.choice() == Desktop::Choice::ByProgram && isGone(target, layout.display)) {

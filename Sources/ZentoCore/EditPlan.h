@@ -76,7 +76,7 @@ struct MusicPlan {
 /// One zoom as the user sees it. `sourceTime` is its identity.
 struct FocusMoment {
     double sourceTime = 0; // where it was first found
-    std::string kind;      // "click", "typing", "scroll", "added"
+    std::string kind;      // "click", "typing", "scroll", "added", "dwell"
     std::optional<std::string> title;
     double zoom = 1;
     std::optional<double> effectiveSourceTime; // after a user's move

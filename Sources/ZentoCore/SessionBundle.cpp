@@ -22,6 +22,7 @@ void decode(const JsonObject& object, SessionMeta& meta)
     object.optional("webcamOffset", meta.webcamOffset);
     object.optional("systemAudioOffset", meta.systemAudioOffset);
     object.optional("title", meta.title);
+    object.optional("input", meta.input);
 }
 
 std::string encodeMeta(const SessionMeta& meta)
@@ -30,6 +31,7 @@ std::string encodeMeta(const SessionMeta& meta)
     json.beginObject();
     field(json, "appName", meta.appName);
     field(json, "duration", meta.duration);
+    field(json, "input", meta.input);
     field(json, "narrationOffset", meta.narrationOffset);
     field(json, "nominalFPS", meta.nominalFPS);
     field(json, "pixelHeight", meta.pixelHeight);

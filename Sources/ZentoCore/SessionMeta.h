@@ -17,6 +17,10 @@ struct SessionMeta {
     std::optional<double> webcamOffset;      // the same for "webcam.mov"
     std::optional<double> systemAudioOffset; // the same for "system.wav"
     std::optional<std::string> title;        // the name the user gave the recording
+    std::optional<std::string> input; // "pointer": the log has the pointer's way alone, as clicks
+                                      // and keys could not be read; absent: all of it
+
+    bool hasPointerOnly() const { return input == "pointer"; }
 
     bool operator==(const SessionMeta&) const = default;
 };

@@ -39,8 +39,11 @@ std::string_view focusKind(Moment::Kind kind)
         return "typing";
     case Moment::Kind::Added:
         return "added";
+    case Moment::Kind::Dwell:
+        return "dwell";
     case Moment::Kind::Click:
     case Moment::Kind::Scroll:
+    case Moment::Kind::Activity:
         break;
     }
     return "click";

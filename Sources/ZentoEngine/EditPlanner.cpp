@@ -10,6 +10,7 @@
 #include "ZentoEngine/KeystrokeChips.h"
 #include "ZentoEngine/MomentDetection.h"
 #include "ZentoEngine/MusicPlanning.h"
+#include "ZentoEngine/PointerAttention.h"
 #include "ZentoEngine/RemovedRanges.h"
 #include "ZentoEngine/SoundCues.h"
 #include "ZentoEngine/SpeechRanges.h"
@@ -36,6 +37,13 @@ std::vector<SpeedSegment> filmSegments(
     return segments;
 }
 
+std::vector<Moment> merged(std::vector<Moment> moments, std::span<const Moment> further)
+{
+    moments.insert(moments.end(), further.begin(), further.end());
+    std::ranges::stable_sort(moments, {}, &Moment::start);
+    return moments;
+}
+
 template <typename Item>
 std::optional<std::vector<Item>> presentUnlessEmpty(std::vector<Item> items)
 {
@@ -49,12 +57,17 @@ EditPlan plan(const PlanInput& input)
     const PlanConfig& config = input.config;
     const EventLog events(input.events);
     const std::vector<TimeRange> speech = speechRanges(input.transcript, kSpeechPad);
-    const std::vector<Moment> moments = detectMoments(events, input.meta, input.framingHints);
+    const PointerAttention attention =
+        input.meta.hasPointerOnly()
+            ? pointerAttention(events.moves, input.pictureChanges, input.meta)
+            : PointerAttention();
+    const std::vector<Moment> moments =
+        merged(detectMoments(events, input.meta, input.framingHints), attention.dwells);
 
     EditPlan plan;
     plan.output = input.output;
     plan.style = input.style;
-    plan.timeRemap = filmSegments(input, moments, speech);
+    plan.timeRemap = filmSegments(input, merged(moments, attention.activity), speech);
     const RemapCurve remap(plan.timeRemap);
 
     CameraScript camera = buildCamera(

@@ -38,6 +38,10 @@ struct PlanInput {
     std::optional<SemanticNotes> semantics;
     std::optional<WebcamPlan> webcam;
     std::optional<NarrationPlan> systemAudio;
+
+    /// Source times at which the picture changed, ascending: what stands in for the clicks and keys
+    /// of a recording with `SessionMeta::hasPointerOnly`, and counts for no other.
+    std::vector<double> pictureChanges;
 };
 
 /// The whole plan. It has no title and end card; those are the application's to add.

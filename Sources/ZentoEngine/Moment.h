@@ -10,7 +10,9 @@ namespace zento::EditPlanner {
 /// A stretch of the recording in which something happens that the viewer must see. Times are source
 /// seconds, places recording pixels. Lives only while a plan is computed.
 struct Moment {
-    enum class Kind : unsigned char { Click, Typing, Scroll, Added };
+    /// A dwell is where the pointer rested, and activity what was no idle time, in a recording
+    /// whose clicks and keys nobody saw.
+    enum class Kind : unsigned char { Click, Typing, Scroll, Added, Dwell, Activity };
 
     Kind kind = Kind::Click;
     double start = 0;

@@ -19,7 +19,7 @@ TEST_F(HotkeyTest, ReachesUsWhateverTheLocksAre)
     X11Hotkeys hotkeys(display());
     Keyboard keyboard(display());
     int pressed = 0;
-    auto hotkey = hotkeys.registerHotkey(kStroke, [&] { ++pressed; });
+    auto hotkey = hotkeys.registerHotkey(kStroke, {}, [&] { ++pressed; });
     ASSERT_TRUE(hotkey);
     keyboard.strike({Keyboard::kSuper, Keyboard::kAlt, Keyboard::kR});
     EXPECT_TRUE(eventually([&] { return pressed == 1; }));
@@ -40,14 +40,14 @@ TEST_F(HotkeyTest, AKeyThatAnotherHasIsRefusedUntilItIsGivenBack)
 {
     X11Hotkeys first(display());
     X11Hotkeys second(display());
-    auto taken = first.registerHotkey(kStroke, [] {});
+    auto taken = first.registerHotkey(kStroke, {}, [] {});
     ASSERT_TRUE(taken);
-    EXPECT_EQ(second.registerHotkey(kStroke, [] {}), nullptr);
-    EXPECT_TRUE(second.registerHotkey({.key = "t", .super = true}, [] {}));
+    EXPECT_EQ(second.registerHotkey(kStroke, {}, [] {}), nullptr);
+    EXPECT_TRUE(second.registerHotkey({.key = "t", .super = true}, {}, [] {}));
     taken.reset();
     // Two connections: the server may hear the second before the first has given back.
-    EXPECT_TRUE(eventually([&] { return second.registerHotkey(kStroke, [] {}) != nullptr; }));
-    EXPECT_EQ(second.registerHotkey({.key = "no such key"}, [] {}), nullptr);
+    EXPECT_TRUE(eventually([&] { return second.registerHotkey(kStroke, {}, [] {}) != nullptr; }));
+    EXPECT_EQ(second.registerHotkey({.key = "no such key"}, {}, [] {}), nullptr);
 }
 
 TEST_F(HotkeyTest, FollowsTheLayout)
@@ -55,14 +55,14 @@ TEST_F(HotkeyTest, FollowsTheLayout)
     X11Hotkeys hotkeys(display());
     Keyboard keyboard(display());
     int pressed = 0;
-    const auto hotkey = hotkeys.registerHotkey(kStroke, [&] { ++pressed; });
+    const auto hotkey = hotkeys.registerHotkey(kStroke, {}, [&] { ++pressed; });
     ASSERT_TRUE(hotkey);
     keyboard.exchange(Keyboard::kR, Keyboard::kT);
     // The server tells of the change in its own time; the key that gave the sign before is free
     // then.
     X11Hotkeys other(display());
     EXPECT_TRUE(eventually([&] {
-        return other.registerHotkey({.key = "t", .super = true, .alt = true}, [] {}) != nullptr;
+        return other.registerHotkey({.key = "t", .super = true, .alt = true}, {}, [] {}) != nullptr;
     }));
     keyboard.strike({Keyboard::kSuper, Keyboard::kAlt, Keyboard::kT});
     EXPECT_TRUE(eventually([&] { return pressed == 1; }));
@@ -75,10 +75,10 @@ TEST_F(HotkeyTest, AHotkeyMayReplaceItself)
     Keyboard keyboard(display());
     int pressed = 0;
     std::unique_ptr<GlobalHotkey> hotkey;
-    hotkey = hotkeys.registerHotkey(kStroke, [&] {
+    hotkey = hotkeys.registerHotkey(kStroke, {}, [&] {
         ++pressed;
         hotkey.reset();
-        hotkey = hotkeys.registerHotkey(kStroke, [&] { pressed += 10; });
+        hotkey = hotkeys.registerHotkey(kStroke, {}, [&] { pressed += 10; });
     });
     keyboard.strike({Keyboard::kSuper, Keyboard::kAlt, Keyboard::kR});
     EXPECT_TRUE(eventually([&] { return pressed == 1; }));
@@ -90,7 +90,7 @@ TEST_F(HotkeyTest, WithoutAServerThereAreNone)
 {
     X11Hotkeys hotkeys(":4095");
     EXPECT_FALSE(hotkeys.isAvailable());
-    EXPECT_EQ(hotkeys.registerHotkey(kStroke, [] {}), nullptr);
+    EXPECT_EQ(hotkeys.registerHotkey(kStroke, {}, [] {}), nullptr);
     EXPECT_TRUE(desktopWindows(":4095").empty());
     EXPECT_TRUE(windowThumbnail(1, 320, ":4095").isNull());
 }

@@ -141,8 +141,8 @@ public:
 
     bool isAvailable() const override { return isThere; }
 
-    std::unique_ptr<GlobalHotkey>
-    registerHotkey(const KeyStroke& stroke, std::function<void()> pressed) override
+    std::unique_ptr<GlobalHotkey> registerHotkey(
+        const KeyStroke& stroke, const HotkeyName& /*name*/, std::function<void()> pressed) override
     {
         const std::string name = text(stroke);
         if (!isThere || std::ranges::find(taken, name) != taken.end() || m_live.contains(name)) {

@@ -56,7 +56,8 @@ QtObject {
         property bool accessibility: true
         property bool microphone: true
         property bool camera: false
-        readonly property bool canRecord: screen && input && accessibility
+        property bool needsInput: true
+        readonly property bool canRecord: screen && (!needsInput || (input && accessibility))
 
         function requestInputPermission() { app.note("requestInputPermission") }
         function requestAccessibilityPermission() { app.note("requestAccessibilityPermission") }

@@ -27,6 +27,7 @@ usage:
       --microphone       the default microphone, too
       --camera           the default camera, too
       --system-audio     what the default output plays, too
+      --toggle           alone: as zento toggle
   zento plan BUNDLE [--settings FILE] [--config FILE] [--overrides FILE] [--music FILE]
              [--size WxH] [--fps N] [--output FILE]
       prints the plan of a recording's film as JSON

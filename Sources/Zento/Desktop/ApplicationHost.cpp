@@ -8,6 +8,8 @@
 #include "Zento/Desktop/HttpFetch.h"
 #include "Zento/Desktop/Identity.h"
 #include "Zento/Desktop/PermissionProbe.h"
+#include "Zento/Desktop/PortalHotkeys.h"
+#include "Zento/Desktop/X11Hotkeys.h"
 #include "ZentoCapture/DesktopKind.h"
 #include "ZentoCapture/DeviceWatch.h"
 #include "ZentoCore/SessionBundle.h"
@@ -89,6 +91,7 @@ std::vector<QRectF> displays()
 
 ApplicationHost::ApplicationHost()
     : m_defaults(kSettingsFormat, QSettings::UserScope, kSettingsName, kSettingsName)
+    , m_hotkeys(makeHotkeys())
     , m_model(std::make_unique<AppModel>(services()))
 {
     QGuiApplication::setDesktopFileName(kApplicationId);
@@ -104,6 +107,18 @@ ApplicationHost::ApplicationHost()
     connect(
         m_model->messages(), &Messages::errorMessageChanged, this, &ApplicationHost::tellOutside);
     connectTray();
+}
+
+std::unique_ptr<GlobalHotkeys> ApplicationHost::makeHotkeys()
+{
+    if (!environmentFacts().isWaylandSession()) {
+        return std::make_unique<X11Hotkeys>();
+    }
+    return std::make_unique<PortalHotkeys>([this] {
+        m_model->messages()->setErrorMessage(
+            tr("This desktop has no shortcuts that work anywhere. The tray icon works, and a "
+               "shortcut of the desktop's own that runs: zento record --toggle"));
+    });
 }
 
 AppServices ApplicationHost::services()
@@ -155,7 +170,7 @@ AppServices ApplicationHost::services()
         .musicSources =
             musicSources({.api = ZENTO_MUSIC_API, .site = ZENTO_MUSIC_SITE, .ownSite = ZENTO_SITE}),
         .fileServices = m_fileServices,
-        .hotkeys = m_hotkeys,
+        .hotkeys = *m_hotkeys,
         .defaults = m_defaults,
         .settingsFile = AppSettings::fileURL(),
         .sessionsFolder = sessions,

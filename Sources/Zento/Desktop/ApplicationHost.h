@@ -4,8 +4,8 @@
 #include "Zento/Desktop/Notifications.h"
 #include "Zento/Desktop/SingleInstance.h"
 #include "Zento/Desktop/TrayIcon.h"
-#include "Zento/Desktop/X11Hotkeys.h"
 #include "Zento/Model/AppModel.h"
+#include "Zento/Model/GlobalHotkeys.h"
 #include "ZentoRender/ProxyStore.h"
 
 #include <QObject>
@@ -54,12 +54,13 @@ private:
     void connectTray();
     void updateTray();
     void tellOutside();
+    std::unique_ptr<GlobalHotkeys> makeHotkeys();
     void relaunch();
 
     EventLoopClock m_clock;
     QSettings m_defaults;
     DesktopFileServices m_fileServices;
-    X11Hotkeys m_hotkeys;
+    std::unique_ptr<GlobalHotkeys> m_hotkeys;
     SingleInstance m_instance;
     TrayIcon m_tray;
     Notifications m_notifications;

@@ -1,5 +1,8 @@
 #include "Zento/Desktop/PermissionProbe.h"
 
+#include "ZentoCapture/DesktopKind.h"
+#include "ZentoCapture/DesktopServices.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCall>
@@ -31,6 +34,16 @@ bool isAccessibilityOn()
     const QDBusReply<QDBusVariant> reply =
         QDBusConnection::sessionBus().call(call, QDBus::Block, kBusTimeout);
     return reply.isValid() && reply.value().variant().toBool();
+}
+
+bool hasScreenCast()
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop", kProperties, "Get");
+    call << "org.freedesktop.portal.ScreenCast" << "version";
+    const QDBusReply<QDBusVariant> reply =
+        QDBusConnection::sessionBus().call(call, QDBus::Block, kBusTimeout);
+    return reply.isValid() && reply.value().variant().toUInt() > 0;
 }
 
 void startFirst(const std::vector<std::pair<QString, QStringList>>& programs)
@@ -80,6 +93,16 @@ PermissionProbe::~PermissionProbe() = default;
 
 PermissionState PermissionProbe::operator()()
 {
+    if (environmentFacts().isWaylandSession()) {
+        const CaptureDevices devices = m_devices->devices();
+        return {
+            .screen = hasScreenCast(),
+            .input = deviceInputAccess() != InputAccess::None,
+            .accessibility = isAccessibilityOn(),
+            .microphone = !devices.microphones.empty(),
+            .camera = !devices.cameras.empty(),
+            .needsInput = false};
+    }
     if (!m_server) {
         m_server = std::make_unique<Server>();
     }

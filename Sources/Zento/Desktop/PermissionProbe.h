@@ -9,9 +9,11 @@ namespace zento {
 
 /// What can really be used on this desktop.
 ///
-/// `screen`: an X server with a display. `input`: its input extension, by which keys and clicks are
-/// read. `accessibility`: the accessibility bus is switched on (org.a11y.Status). `microphone` and
-/// `camera`: there is a device that can be recorded.
+/// `screen`: an X server with a display, or on Wayland the desktop's ScreenCast portal. `input`:
+/// the server's input extension, by which keys and clicks are read, or on Wayland the devices, if
+/// the user may read them; there a recording does without. `accessibility`: the accessibility bus
+/// is switched on (org.a11y.Status). `microphone` and `camera`: there is a device that can be
+/// recorded.
 ///
 /// Threading: one thread, which is not the main one: it blocks on the server and the bus, on the
 /// latter for at most a second.

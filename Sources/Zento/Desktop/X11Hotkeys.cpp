@@ -352,8 +352,8 @@ bool X11Hotkeys::isAvailable() const
     return m_server->isConnected();
 }
 
-std::unique_ptr<GlobalHotkey>
-X11Hotkeys::registerHotkey(const KeyStroke& stroke, std::function<void()> pressed)
+std::unique_ptr<GlobalHotkey> X11Hotkeys::registerHotkey(
+    const KeyStroke& stroke, const HotkeyName& /*name*/, std::function<void()> pressed)
 {
     if (!isAvailable()) {
         return nullptr;

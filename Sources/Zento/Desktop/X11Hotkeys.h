@@ -22,8 +22,8 @@ public:
     ~X11Hotkeys() override;
 
     bool isAvailable() const override;
-    std::unique_ptr<GlobalHotkey>
-    registerHotkey(const KeyStroke& stroke, std::function<void()> pressed) override;
+    std::unique_ptr<GlobalHotkey> registerHotkey(
+        const KeyStroke& stroke, const HotkeyName& name, std::function<void()> pressed) override;
 
 private:
     class Server;

@@ -6,6 +6,7 @@
 #include "ZentoCore/Text.h"
 
 #include <exception>
+#include <system_error>
 #include <utility>
 
 namespace zento {
@@ -282,15 +283,21 @@ void EditSession::flush(std::function<void()> done)
     m_ports.edits.run([] {}, std::move(done));
 }
 
+void EditSession::setTranscript(std::vector<TranscriptSegment> transcript)
+{
+    auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
+    analyses->transcript = std::move(transcript);
+    m_sources.analyses = std::move(analyses);
+}
+
 void EditSession::setWord(int index, const QString& text)
 {
     if (index < 0 || static_cast<std::size_t>(index) >= transcript().size()) {
         return;
     }
-    auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
-    analyses->transcript[static_cast<std::size_t>(index)].text =
-        std::string(trimmed(text.toStdString()));
-    m_sources.analyses = std::move(analyses);
+    std::vector<TranscriptSegment> segments = transcript();
+    segments[static_cast<std::size_t>(index)].text = std::string(trimmed(text.toStdString()));
+    setTranscript(std::move(segments));
     m_ports.edits.run(
         [file = m_sources.bundle->transcriptURL(), text = encodeTranscript(transcript())] {
             writeWhole(file, text);
@@ -335,6 +342,8 @@ void EditSession::learn(
     Worker& worker, Analyse analyse, Result BundleAnalyses::* part, std::function<void()> next)
 {
     const auto stop = m_session.get_token();
+    m_isTranscribing = true;
+    Q_EMIT editsChanged();
     compute(
         worker,
         this,
@@ -406,9 +415,7 @@ void EditSession::retranscribe()
             if (stop.stop_requested()) {
                 return;
             }
-            auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
-            analyses->transcript.clear();
-            m_sources.analyses = std::move(analyses);
+            setTranscript({});
             changed();
             transcribeNarration();
         });

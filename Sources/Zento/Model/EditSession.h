@@ -155,6 +155,7 @@ private:
     void plan();
     void save();
     void analyzeMusic();
+    void setTranscript(std::vector<TranscriptSegment> transcript);
     void findRegions();
     void transcribeNarration();
     void tellStory();

@@ -2,6 +2,8 @@
 
 #include "Zento/Model/ShortcutAction.h"
 
+#include <QString>
+
 #include <functional>
 #include <memory>
 
@@ -16,6 +18,12 @@ public:
     GlobalHotkey& operator=(const GlobalHotkey&) = delete;
 };
 
+/// What a hot key does, for a desktop that shows it to its user.
+struct HotkeyName {
+    QString id; // the action's
+    QString description;
+};
+
 /// Registers key strokes with the desktop.
 ///
 /// Threading: the main thread; callbacks come there too.
@@ -27,8 +35,8 @@ public:
     virtual bool isAvailable() const = 0;
 
     /// Null when another program has the stroke already, or when there is no such thing.
-    virtual std::unique_ptr<GlobalHotkey>
-    registerHotkey(const KeyStroke& stroke, std::function<void()> pressed) = 0;
+    virtual std::unique_ptr<GlobalHotkey> registerHotkey(
+        const KeyStroke& stroke, const HotkeyName& name, std::function<void()> pressed) = 0;
 };
 
 } // namespace zento

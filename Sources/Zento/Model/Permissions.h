@@ -17,6 +17,7 @@ struct PermissionState {
     bool accessibility = false; // applications can be asked what was clicked
     bool microphone = false;    // there is one
     bool camera = false;        // there is one
+    bool needsInput = true; // else a recording does with the pointer's way, and makes less of it
     bool operator==(const PermissionState&) const = default;
 };
 
@@ -30,7 +31,9 @@ class Permissions : public QObject {
     Q_PROPERTY(bool accessibility READ accessibility NOTIFY changed)
     Q_PROPERTY(bool microphone READ microphone NOTIFY changed)
     Q_PROPERTY(bool camera READ camera NOTIFY changed)
-    /// Whether a recording can be made at all: screen, input and accessibility.
+    Q_PROPERTY(bool needsInput READ needsInput NOTIFY changed)
+    /// Whether a recording can be made at all: screen, and where they are needed input and
+    /// accessibility.
     Q_PROPERTY(bool canRecord READ canRecord NOTIFY changed)
 
 public:
@@ -56,7 +59,8 @@ public:
     bool accessibility() const { return m_state.accessibility; }
     bool microphone() const { return m_state.microphone; }
     bool camera() const { return m_state.camera; }
-    bool canRecord() const { return screen() && input() && accessibility(); }
+    bool needsInput() const { return m_state.needsInput; }
+    bool canRecord() const { return screen() && (!needsInput() || (input() && accessibility())); }
 
     Q_INVOKABLE void requestInputPermission();
     Q_INVOKABLE void requestAccessibilityPermission();

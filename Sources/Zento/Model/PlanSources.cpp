@@ -3,6 +3,7 @@
 #include "ZentoCore/Error.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoEngine/BeatDetector.h"
+#include "ZentoMedia/MovieTimes.h"
 
 #include <filesystem>
 #include <system_error>
@@ -68,6 +69,17 @@ WebcamPlan webcam(const SessionBundle& bundle, const AppSettings& settings)
     };
 }
 
+/// The recorder writes a picture when it is another than the one before.
+std::vector<double> pictureChanges(const SessionBundle& bundle)
+{
+    try {
+        return bundle.meta.hasPointerOnly() ? pictureTimes(bundle.screenMovieURL())
+                                            : std::vector<double>();
+    } catch (const Error&) {
+        return {}; // whoever opens the movie will say so
+    }
+}
+
 } // namespace
 
 SavedOverrides loadSavedOverrides(const SessionBundle& bundle)
@@ -98,7 +110,8 @@ BundleAnalyses loadAnalyses(const SessionBundle& bundle)
         .hasNarration = isThere(bundle.narrationURL()),
         .hasSystemAudio = isThere(bundle.systemAudioURL()),
         .hasWebcam = isThere(bundle.webcamURL()),
-        .hasMusic = isThere(bundle.musicURL())};
+        .hasMusic = isThere(bundle.musicURL()),
+        .pictureChanges = pictureChanges(bundle)};
 }
 
 EditPlanner::PlanInput planInput(
@@ -111,6 +124,7 @@ EditPlanner::PlanInput planInput(
     EditPlanner::PlanInput input;
     input.events = bundle.events;
     input.meta = bundle.meta;
+    input.pictureChanges = analyses.pictureChanges;
     input.config = settings.planConfig();
     input.overrides = edits.overrides(bundle.meta.duration);
     input.output = settings.outputSpec();

@@ -29,6 +29,7 @@ struct BundleAnalyses {
     bool hasSystemAudio = false;
     bool hasWebcam = false;
     bool hasMusic = false;
+    std::vector<double> pictureChanges; // of a recording with nothing but the pointer's way
     bool operator==(const BundleAnalyses&) const = default;
 };
 

@@ -265,7 +265,9 @@ void Shortcuts::registerHotkeys()
             m_registered.push_back(
                 {entry.action,
                  m_hotkeys.registerHotkey(
-                     keyStroke(combo, ShortcutReach::Anywhere), [this, action = entry.action] {
+                     keyStroke(combo, ShortcutReach::Anywhere),
+                     {QString::fromLatin1(entry.id.data()), translated(entry.title)},
+                     [this, action = entry.action] {
                          if (onHotkey) {
                              onHotkey(action);
                          }

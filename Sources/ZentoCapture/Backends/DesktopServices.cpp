@@ -36,6 +36,7 @@ std::string variable(const char* name)
 std::vector<std::string> names(const std::vector<CaptureDevice>& devices)
 {
     std::vector<std::string> result;
+    result.reserve(devices.size());
     for (const CaptureDevice& device : devices) {
         result.push_back(device.name);
     }
@@ -94,6 +95,8 @@ try {
     return false;
 }
 
+} // namespace
+
 SessionFacts environmentFacts()
 {
     return {
@@ -101,8 +104,6 @@ SessionFacts environmentFacts()
         .waylandDisplay = variable("WAYLAND_DISPLAY"),
         .x11Display = variable("DISPLAY")};
 }
-
-} // namespace
 
 InputAccess deviceInputAccess()
 {

@@ -90,7 +90,7 @@ struct PipeWireScreenStream::State {
     void connect();
     void watchNode();
     void lose(const std::string& reason);
-    void read(pw_buffer& buffer) const;
+    void read(const ScreenForm& itsForm, pw_buffer& buffer) const;
 
     static void formatChanged(void* self, std::uint32_t id, const spa_pod* param);
     static void
@@ -237,20 +237,20 @@ void PipeWireScreenStream::State::picturesCame(void* self, std::uint64_t /*count
     const auto& state = *static_cast<const State*>(self);
     while (pw_buffer* const buffer = pw_stream_dequeue_buffer(state.stream)) {
         if (state.form && !state.isGone) {
-            state.read(*buffer);
+            state.read(*state.form, *buffer);
         }
         pw_stream_queue_buffer(state.stream, buffer);
     }
 }
 
-void PipeWireScreenStream::State::read(pw_buffer& buffer) const
+void PipeWireScreenStream::State::read(const ScreenForm& itsForm, pw_buffer& buffer) const
 {
     const auto* const card = static_cast<const CardMemory*>(buffer.user_data);
     if (card != nullptr) {
         card->announce(CardMemory::Reading::Begins);
     }
     handlers.update(screenUpdate(
-        *form, *buffer.buffer, card == nullptr ? nullptr : card->data(), monotonicSeconds()));
+        itsForm, *buffer.buffer, card == nullptr ? nullptr : card->data(), monotonicSeconds()));
     if (card != nullptr) {
         card->announce(CardMemory::Reading::Ends);
     }

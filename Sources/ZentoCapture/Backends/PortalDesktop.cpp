@@ -4,14 +4,20 @@
 #include "ZentoCapture/DesktopServices.h"
 #include "ZentoCore/Error.h"
 
+#include <gio/gio.h>
+
 #include <cmath>
 #include <utility>
 #include <variant>
+
+// The library's macros cast as C does.
+#pragma GCC diagnostic ignored "-Wold-style-cast"
 
 namespace zento {
 
 namespace {
 
+constexpr const char* kScreenshot = "org.freedesktop.portal.Screenshot";
 constexpr std::uint32_t kChosen = 1; // the id of the one display
 
 class PortalFrameSource final : public FrameSource {
@@ -87,6 +93,29 @@ std::optional<std::string> PortalDesktop::shortcoming()
                "-aG input $USER) and log in again; every program of yours can then see them.";
     }
     return {};
+}
+
+std::optional<std::filesystem::path> PortalDesktop::takePicture(const std::stop_token& stop)
+{
+    SessionBus bus;
+    Portal portal(bus, m_parts.patience);
+    if (portal.version(kScreenshot) == 0) {
+        return {};
+    }
+    const Variant results = portal.request(
+        kScreenshot,
+        "Screenshot",
+        [](PortalOptions& options) { options.set("interactive", /*value=*/false); },
+        [](GVariant* options) { return g_variant_new("(s@a{sv})", "", options); },
+        Portal::Asks::User,
+        stop);
+    const std::string uri = textEntry(results.get(), "uri").value_or("");
+    const std::unique_ptr<char, decltype(&g_free)> path(
+        g_filename_from_uri(uri.c_str(), nullptr, nullptr), &g_free);
+    if (!path) {
+        throw Error(ErrorCode::kPortalFailed, "the desktop's Screenshot portal gave no picture");
+    }
+    return path.get();
 }
 
 std::vector<DisplayInfo> PortalDesktop::displays()

@@ -18,7 +18,7 @@ namespace zento {
 class PortalDesktop final : public Desktop {
 public:
     struct Parts {
-        RestoreTokens tokens = RestoreTokens();
+        RestoreTokens tokens;
         PortalPatience patience;
         std::function<std::unique_ptr<InputDevices>()> openDevices = openInputDevices;
     };
@@ -28,6 +28,7 @@ public:
     Choice choice() const override { return Choice::ByUser; }
     void choose(const CaptureTarget& target, const std::stop_token& stop) override;
     std::optional<std::string> shortcoming() override;
+    std::optional<std::filesystem::path> takePicture(const std::stop_token& stop) override;
 
     std::vector<DisplayInfo> displays() override;
     std::optional<WindowInfo> window(std::uint32_t windowID) override;

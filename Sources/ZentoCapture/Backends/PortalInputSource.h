@@ -28,6 +28,7 @@ public:
 
     void start(Handler handler) override;
     void stop() override;
+    Reach reach() const override { return m_devices ? Reach::Everything : Reach::PointerOnly; }
     std::optional<Vec2> pointerPosition() override;
 
     /// As late as the places are known; nothing before the first one is.

@@ -37,7 +37,7 @@ try {
     using std::filesystem::perms;
     std::string text;
     for (const auto& [source, token] : tokens) {
-        text += source + '\t' + token + '\n';
+        text.append(source).append("\t").append(token).append("\n");
     }
     makeFolder(file.parent_path());
     std::filesystem::path fresh = file;
@@ -51,6 +51,11 @@ try {
 }
 
 } // namespace
+
+RestoreTokens::RestoreTokens()
+    : m_file(standardFile())
+{
+}
 
 RestoreTokens::RestoreTokens(std::filesystem::path file)
     : m_file(std::move(file))

@@ -15,7 +15,8 @@ namespace zento {
 /// Threading: safe as far as files are.
 class RestoreTokens {
 public:
-    explicit RestoreTokens(std::filesystem::path file = standardFile());
+    RestoreTokens(); // in the standard file
+    explicit RestoreTokens(std::filesystem::path file);
 
     static std::filesystem::path standardFile(); // $XDG_STATE_HOME/Zento/screens
 

@@ -124,7 +124,7 @@ void ScreenCastSession::State::select(
         "SelectSources",
         [&](PortalOptions& options) {
             options.set("types", choice.kind == ScreenChoice::Kind::Window ? kWindows : kMonitors);
-            options.set("multiple", false);
+            options.set("multiple", /*value=*/false);
             options.set("cursor_mode", mode);
             if (keepsTokens) {
                 options.set("persist_mode", kUntilRevoked);

@@ -15,7 +15,7 @@ namespace zento {
 namespace {
 
 struct Form {
-    spa_video_format format;
+    spa_video_format format = SPA_VIDEO_FORMAT_UNKNOWN;
     PixelOrder order;
 };
 

@@ -114,7 +114,7 @@ Variant SessionBus::call(
     const char* method,
     _GVariant* arguments,
     Patience patience,
-    const std::stop_token& stop)
+    const std::stop_token& stop) const
 {
     const std::unique_ptr<GCancellable, Unref> cancellable(g_cancellable_new());
     const std::stop_callback onStop(stop, [&] { g_cancellable_cancel(cancellable.get()); });
@@ -138,7 +138,7 @@ Variant SessionBus::call(
 }
 
 int SessionBus::callForFile(
-    const BusInterface& target, const char* method, _GVariant* arguments, Patience patience)
+    const BusInterface& target, const char* method, _GVariant* arguments, Patience patience) const
 {
     Failure failure;
     GUnixFDList* files = nullptr;
@@ -169,7 +169,7 @@ int SessionBus::callForFile(
     return file;
 }
 
-Variant SessionBus::property(const BusInterface& target, const char* name, Patience patience)
+Variant SessionBus::property(const BusInterface& target, const char* name, Patience patience) const
 {
     try {
         const Variant answer = call(

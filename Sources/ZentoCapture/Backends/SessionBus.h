@@ -45,14 +45,17 @@ public:
         const char* method,
         _GVariant* arguments,
         Patience patience,
-        const std::stop_token& stop = {});
+        const std::stop_token& stop = {}) const;
 
     /// The same for a method that hands over one file descriptor, which the caller then owns.
     int callForFile(
-        const BusInterface& target, const char* method, _GVariant* arguments, Patience patience);
+        const BusInterface& target,
+        const char* method,
+        _GVariant* arguments,
+        Patience patience) const;
 
     /// A property's value; nothing if the service, the interface or the property is not there.
-    Variant property(const BusInterface& target, const char* name, Patience patience);
+    Variant property(const BusInterface& target, const char* name, Patience patience) const;
 
     /// Runs what has been heard, and waits for it if there is nothing, until something has come,
     /// `wake` was called or the time is over.

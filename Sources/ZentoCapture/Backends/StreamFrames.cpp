@@ -37,6 +37,9 @@ void StreamFrames::take(const ScreenUpdate& update, double now)
         keepWhole(picture);
         return;
     }
+    if (!m_recorded) {
+        m_recorded = m_size;
+    }
     if (!hasNewSize && !concernsPart(update)) {
         return;
     }
@@ -96,20 +99,20 @@ void StreamFrames::keepWhole(const ForeignPicture& picture)
 /// Makes the next picture.
 void StreamFrames::draw(const ForeignPicture& picture)
 {
-    if (sizeOf(picture) == *m_recorded) {
+    if (sizeOf(picture) == recorded()) {
         copyAsBgrx(picture, m_part, m_next.data());
         return;
     }
     keepWhole(picture);
-    const int width = static_cast<int>(m_recorded->x);
-    const int height = static_cast<int>(m_recorded->y);
+    const int width = static_cast<int>(recorded().x);
+    const int height = static_cast<int>(recorded().y);
     m_fittedWhole.resize(areaOf(width, height));
     m_fitted.draw(
         {.data = reinterpret_cast<const std::uint8_t*>(m_whole.data()), // NOLINT: bytes
          .width = picture.width,
          .height = picture.height,
          .stride = std::ptrdiff_t{picture.width} * 4},
-        shownScale(*m_recorded, sizeOf(picture)),
+        shownScale(recorded(), sizeOf(picture)),
         m_fittedWhole.data(),
         width,
         height);

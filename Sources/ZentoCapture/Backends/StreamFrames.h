@@ -25,8 +25,8 @@ public:
 
     bool hasPicture() const { return m_size.has_value(); }
 
-    /// Of the newest picture, in pixels. Only if there is one.
-    Vec2 size() const { return *m_size; }
+    /// Of the newest picture, in pixels; nothing without one.
+    Vec2 size() const { return m_size.value_or(Vec2{}); }
 
     /// From here on frames are handed over; the picture there is already waits for the next `tick`.
     /// `part`: what they show, in pixels of the stream as it is now; it lies within that.
@@ -41,6 +41,7 @@ public:
     Vec2 asRecorded(Vec2 pixel) const;
 
 private:
+    Vec2 recorded() const { return m_recorded.value_or(Vec2{}); }
     void keepWhole(const ForeignPicture& picture);
     void draw(const ForeignPicture& picture);
     bool concernsPart(const ScreenUpdate& update) const;

@@ -130,7 +130,8 @@ Pane {
         PermissionRow {
             text: qsTr("Clicks and keys")
             granted: App.permissions.input
-            askable: true
+            askable: App.permissions.needsInput
+            reason: qsTr("Pointer only")
             onAsked: App.permissions.requestInputPermission()
         }
         PermissionRow {
@@ -138,6 +139,12 @@ Pane {
             granted: App.permissions.accessibility
             askable: true
             onAsked: App.permissions.requestAccessibilityPermission()
+        }
+        Caption {
+            width: parent.width
+            visible: !App.permissions.input && !App.permissions.needsInput
+            wrapMode: Text.Wrap
+            text: qsTr("This desktop shows Zento the pointer only, so it zooms to where the pointer rests. To let it see clicks and keys, add yourself to the group input and log in again.")
         }
         PermissionRow {
             text: qsTr("Microphone")

@@ -18,14 +18,29 @@ Pane {
             checked: pane.settings.showCaptions
             onToggled: pane.settings.showCaptions = checked
         }
+        Transcript {
+            width: parent.width
+            line: App.editor?.timeline
+            preview: App.editor?.preview
+        }
+        Row {
+            visible: App.editor?.session.isTranscribing ?? false
+            spacing: 8
+            Spinner { anchors.verticalCenter: parent.verticalCenter }
+            Caption {
+                anchors.verticalCenter: parent.verticalCenter
+                text: qsTr("Listening to the narration…")
+            }
+        }
+        Gap { size: 8 }
         Button {
             readonly property var session: App.editor?.session ?? null
 
-            size: Button.Small
-            iconName: "refresh"
             visible: session !== null && (session.canTranscribe || session.isTranscribing)
             enabled: session?.canTranscribe ?? false
-            text: session?.isTranscribing ? qsTr("Transcribing…") : qsTr("Transcribe again")
+            size: Button.Small
+            iconName: "refresh"
+            text: qsTr("Transcribe again")
             onClicked: session.retranscribe()
         }
     }

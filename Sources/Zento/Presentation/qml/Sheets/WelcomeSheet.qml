@@ -106,9 +106,10 @@ Sheet {
             PermissionStep {
                 iconName: "keyboard"
                 text: qsTr("Clicks and keys")
-                detail: qsTr("The edit is made from them.")
+                detail: App.permissions.needsInput ? qsTr("The edit is made from them.")
+                    : qsTr("Optional here: join the group input, or Zento goes by the pointer.")
                 granted: App.permissions.input
-                askable: true
+                askable: App.permissions.needsInput
                 onAsked: App.permissions.requestInputPermission()
             }
             PermissionStep {

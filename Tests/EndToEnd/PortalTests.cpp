@@ -1,0 +1,477 @@
+#include "DesktopTest.h"
+#include "TestSupport/TemporaryFolder.h"
+#include "WaylandStage/WaylandStage.h"
+#include "WaylandStage/WaylandUser.h"
+#include "ZentoCapture/Backends/PortalDesktop.h"
+#include "ZentoCapture/CaptureSession.h"
+#include "ZentoCapture/GlobalShortcuts.h"
+#include "ZentoCapture/MonotonicClock.h"
+#include "ZentoCapture/ScreenshotTool.h"
+#include "ZentoCapture/ScrollWheel.h"
+#include "ZentoCore/FileIO.h"
+#include "ZentoCore/SessionBundle.h"
+#include "ZentoImaging/ImageFile.h"
+#include "ZentoMedia/VideoDecoder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <linux/input-event-codes.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace zento {
+namespace {
+
+using test::WaylandStage;
+using test::WaylandUser;
+
+/// Devices whose user is the test.
+class FakeDevices final : public InputDevices {
+public:
+    struct Desk {
+        std::mutex mutex;
+        std::deque<RawInput> inputs;
+        int signal = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+
+        void add(const RawInput& input)
+        {
+            const std::lock_guard lock(mutex);
+            inputs.push_back(input);
+            ::eventfd_write(signal, 1);
+        }
+    };
+
+    explicit FakeDevices(Desk& desk)
+        : m_desk(desk)
+    {
+    }
+
+    int fileDescriptor() const override { return m_desk.signal; }
+
+    void read(const Handler& handler) override
+    {
+        eventfd_t count = 0;
+        ::eventfd_read(m_desk.signal, &count);
+        const std::lock_guard lock(m_desk.mutex);
+        for (; !m_desk.inputs.empty(); m_desk.inputs.pop_front())
+            handler(m_desk.inputs.front());
+    }
+
+private:
+    Desk& m_desk;
+};
+
+/// The middle of the client's white mark, in pixels; nothing where it is not shown.
+std::optional<Vec2> markOf(const VideoFrame& frame)
+{
+    constexpr int kWhite = 700; // of 64 to 940
+    const auto& luma = frame.planes10().y;
+    double weight = 0;
+    Vec2 sum;
+    for (int y = 0; y < luma.height; ++y) {
+        for (int x = 0; x < luma.width; ++x) {
+            const double excess = luma.row(y)[x] - kWhite;
+            if (excess > 0) {
+                weight += excess;
+                sum.x += excess * (x + 0.5);
+                sum.y += excess * (y + 0.5);
+            }
+        }
+    }
+    return weight > 0 ? std::optional(Vec2{sum.x / weight, sum.y / weight}) : std::nullopt;
+}
+
+class PortalTest : public testing::Test {
+protected:
+    static WaylandStage& stage()
+    {
+        if (!s_stage)
+            s_stage = std::make_unique<WaylandStage>(); // one for all tests of the process
+        return *s_stage;
+    }
+
+    void TearDown() override
+    {
+        if (s_stage) {
+            s_stage->answer("yes");
+        }
+    }
+
+    static void TearDownTestSuite() { s_stage.reset(); }
+    static void endStage() { s_stage.reset(); }
+
+    PortalDesktop::Parts parts()
+    {
+        return {
+            .tokens = RestoreTokens(m_folder / "screens"),
+            .patience = {.service = std::chrono::seconds(20), .person = std::chrono::seconds(20)},
+            .openDevices = [this]() -> std::unique_ptr<InputDevices> {
+                return m_hasDevices ? std::make_unique<FakeDevices>(m_desk) : nullptr;
+            }};
+    }
+
+    std::filesystem::path bundle() const { return m_folder / "test.zento"; }
+
+    /// Until the client has seen that many more of a thing.
+    static bool clientSees(const std::string& what, const std::function<void()>& act)
+    {
+        const auto count = [&] {
+            return std::ranges::count_if(stage().clientLines(), [&](const std::string& line) {
+                return line.starts_with(what);
+            });
+        };
+        const auto before = count();
+        act();
+        return eventually([&] { return count() > before; });
+    }
+
+    void clickOnDevices()
+    {
+        m_desk.add({.type = RawInputType::LeftDown, .time = monotonicSeconds()});
+        m_desk.add({.type = RawInputType::LeftUp, .time = monotonicSeconds()});
+    }
+
+    /// Until what happens now is part of the log.
+    static void settle()
+    {
+        const double until = monotonicSeconds() + 0.3;
+        EXPECT_TRUE(eventually([&] { return monotonicSeconds() > until; }));
+    }
+
+    /// Runs the program to its end and returns what it printed.
+    static std::string run(const std::string& name, std::vector<std::string> words)
+    {
+        words.insert(words.begin(), ZENTO_PROGRAM);
+        const pid_t process = stage().start(name, words);
+        EXPECT_TRUE(eventually([&] { return !ProcessGroup::isRunning(process); })) << name;
+        return readFile(stage().home() / name);
+    }
+
+    test::TemporaryFolder m_folder;
+    FakeDevices::Desk m_desk;
+    bool m_hasDevices = true;
+
+private:
+    static std::unique_ptr<WaylandStage> s_stage;
+};
+
+std::unique_ptr<WaylandStage> PortalTest::s_stage;
+
+class ScaledPortalTest : public PortalTest, public testing::WithParamInterface<double> {};
+
+TEST_P(ScaledPortalTest, thePointerOfTheLogIsWhereTheFilmShowsIt)
+{
+    stage().setScale(GetParam());
+    stage().startClient();
+    WaylandUser user(stage());
+    PortalDesktop desktop(parts());
+    CaptureSession session(bundle(), desktop);
+    session.start();
+    ASSERT_TRUE(eventually([&] { return session.frameCount() > 0; }));
+    struct Rest {
+        double from = 0;
+        double to = 0;
+    };
+    std::vector<Rest> rests;
+    for (const Vec2 place :
+         {Vec2{300, 400}, Vec2{1201, 333}, Vec2{1707, 905}, Vec2{91, 1003}, Vec2{960, 540}}) {
+        ASSERT_TRUE(clientSees("move", [&] { user.move(place.x, place.y); }));
+        const int frames = session.frameCount();
+        EXPECT_TRUE(eventually([&] { return session.frameCount() > frames; }) || frames > 0);
+        settle();
+        const double from = monotonicSeconds() - 0.1;
+        ASSERT_TRUE(clientSees("press", [&] {
+            user.click();
+            clickOnDevices();
+        }));
+        settle();
+        rests.push_back({from, monotonicSeconds() - 0.1});
+    }
+    session.stop();
+
+    const SessionBundle recorded = SessionBundle::load(bundle());
+    EXPECT_EQ(recorded.meta.pixelWidth, WaylandStage::kWidth);
+    EXPECT_EQ(recorded.meta.pixelHeight, WaylandStage::kHeight);
+    EXPECT_DOUBLE_EQ(recorded.meta.scaleFactor, GetParam());
+    std::vector<VideoFrame> frames;
+    for (VideoDecoder decoder(recorded.screenMovieURL()); auto frame = decoder.next();)
+        frames.push_back(*frame);
+    ASSERT_FALSE(frames.empty());
+    const double epoch = session.epoch().value_or(0);
+    std::size_t clicks = 0;
+    for (const Rest& rest : rests) {
+        const auto shown =
+            std::ranges::find_if(frames.rbegin(), frames.rend(), [&](const VideoFrame& frame) {
+                return frame.time() <= rest.to - epoch;
+            });
+        ASSERT_NE(shown, frames.rend());
+        const auto mark = markOf(*shown);
+        ASSERT_TRUE(mark);
+        int moves = 0;
+        for (const InputEvent& event : recorded.events) {
+            if (event.t < rest.from - epoch || event.t > rest.to - epoch)
+                continue;
+            ++moves;
+            clicks += event.kind == EventKind::Click ? 1U : 0U;
+            // The pointer's place is the corner of a pixel, the mark's the middle of its area.
+            EXPECT_NEAR(event.pos.x, mark->x, 1) << event.t;
+            EXPECT_NEAR(event.pos.y, mark->y, 1) << event.t;
+        }
+        EXPECT_GT(moves, 100 * (rest.to - rest.from)) << "at the rate of the poll";
+    }
+    EXPECT_EQ(clicks, rests.size());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Scales, ScaledPortalTest, testing::Values(1.0, 1.5, 2.0), [](const auto& each) {
+        return "of" + std::to_string(static_cast<int>(each.param * 10)) + "tenths";
+    });
+
+/// What a recording says that does not begin.
+std::optional<Error> failureOf(CaptureSession& session, const std::stop_token& stop = {})
+{
+    try {
+        session.start(stop);
+        return {};
+    } catch (const Error& error) {
+        return error;
+    }
+}
+
+TEST_F(PortalTest, aDialogThatGivesNoLeaveIsASentenceAndLeavesNothing)
+{
+    struct Case {
+        const char* name;
+        const char* answer;
+        std::chrono::milliseconds patience;
+        bool isGivenUp;
+        int code;
+    };
+    for (const Case& each :
+         {Case{"no", "no", std::chrono::seconds(20), false, ErrorCode::kPortalDenied},
+          Case{
+              "no answer",
+              "never",
+              std::chrono::milliseconds(200),
+              false,
+              ErrorCode::kPortalSilent},
+          Case{"given up", "never", std::chrono::seconds(20), true, ErrorCode::kCancelled}}) {
+        stage().answer(each.answer);
+        auto all = parts();
+        all.patience.person = each.patience;
+        PortalDesktop desktop(std::move(all));
+        CaptureSession session(bundle(), desktop);
+        std::stop_source stop;
+        std::jthread impatience([&] {
+            if (each.isGivenUp && eventually([] { return stage().dialogs() > 0; }))
+                stop.request_stop();
+        });
+        const auto failure = failureOf(session, stop.get_token());
+        ASSERT_TRUE(failure) << each.name;
+        EXPECT_EQ(failure->code(), each.code) << each.name << ": " << failure->what();
+        EXPECT_STRNE(failure->what(), "") << each.name;
+        EXPECT_FALSE(std::filesystem::exists(bundle())) << each.name;
+    }
+}
+
+TEST_F(PortalTest, aRecordingThatIsCutOffIsWhole)
+{
+    struct Case {
+        const char* name;
+        std::function<void()> cutOff;
+        bool isWanted;
+    };
+    for (const Case& each :
+         {Case{"revoked", [] { stage().revoke(); }, true},
+          Case{"the compositor has died", [] { stage().killCompositor(); }, false}}) {
+        const auto folder = m_folder / each.name;
+        PortalDesktop desktop(parts());
+        CaptureSession session(folder, desktop);
+        std::mutex mutex;
+        std::optional<std::optional<Error>> end;
+        session.onStreamStopped = [&](const std::optional<Error>& error) {
+            const std::lock_guard lock(mutex);
+            end = error;
+        };
+        stage().startClient();
+        session.start();
+        {
+            WaylandUser user(stage());
+            ASSERT_TRUE(clientSees("move", [&] { user.move(400, 300); })) << each.name;
+            ASSERT_TRUE(eventually([&] { return session.frameCount() > 1; })) << each.name;
+        }
+        each.cutOff();
+        ASSERT_TRUE(eventually([&] {
+            const std::lock_guard lock(mutex);
+            return end.has_value();
+        })) << each.name;
+        EXPECT_EQ(end->has_value(), !each.isWanted) << each.name;
+        session.stop();
+        const SessionBundle recorded = SessionBundle::load(folder);
+        VideoDecoder decoder(recorded.screenMovieURL());
+        EXPECT_TRUE(decoder.next()) << each.name;
+        EXPECT_FALSE(recorded.events.empty()) << each.name;
+    }
+    endStage(); // it has no compositor any more
+}
+
+TEST_F(PortalTest, theDialogComesOnceAndAgainWhenTheWordHasExpired)
+{
+    const auto shoot = [&] {
+        PortalDesktop desktop(parts());
+        return ScreenshotTool::capture(desktop, Target::Screen{0});
+    };
+    const unsigned before = stage().dialogs();
+    EXPECT_EQ(shoot().image->width(), WaylandStage::kWidth);
+    EXPECT_EQ(stage().dialogs(), before + 1);
+    shoot();
+    EXPECT_EQ(stage().dialogs(), before + 1) << "the word is known";
+    for (const char* const expired : {"01234567-89ab-cdef-0123-456789abcdef", "no word at all"}) {
+        writeFile(m_folder / "screens", std::string("screen 0\t") + expired + "\n");
+        const unsigned shown = stage().dialogs();
+        shoot();
+        EXPECT_EQ(stage().dialogs(), shown + 1) << expired;
+        shoot();
+        EXPECT_EQ(stage().dialogs(), shown + 1) << "the new word is known";
+    }
+}
+
+TEST_F(PortalTest, anAreaIsAPartOfTheChosenMonitorInItsPoints)
+{
+    stage().setScale(2);
+    stage().startClient(); // a patch of 80 points in the corner is red
+    PortalDesktop desktop(parts());
+    Shot shot;
+    ASSERT_TRUE(eventually([&] { // the compositor lets windows fade in
+        shot = ScreenshotTool::capture(desktop, Target::Area{{60, 60, 40, 40}});
+        return shot.image->pixels().row(39)[39] == 0xFFFF0000U;
+    }));
+    EXPECT_EQ(shot.image->width(), 80);
+    EXPECT_EQ(shot.image->height(), 80);
+    EXPECT_EQ(shot.image->pixels().row(41)[41], 0xFF102040U);
+    EXPECT_THROW(ScreenshotTool::capture(desktop, Target::Area{{900, 500, 400, 400}}), Error)
+        << "it reaches beyond the monitor";
+    stage().setScale(1);
+}
+
+TEST_F(PortalTest, theDesktopTakesItsOwnPictureIfItDoes)
+{
+    const auto file = m_folder / "shot.png";
+    Canvas drawn(30, 20);
+    savePng(drawn, file);
+    stage().setShot(file);
+    PortalDesktop desktop(parts());
+    EXPECT_EQ(ScreenshotTool::capture(desktop, Target::Display{}).image->width(), 30);
+    EXPECT_FALSE(std::filesystem::exists(file)) << "it was made for us";
+    EXPECT_THROW(openScrollWheel(), Error) << "nothing turns the wheel here";
+}
+
+TEST_F(PortalTest, aKeyOfTheDesktopReachesTheProgram)
+{
+    std::mutex mutex;
+    std::vector<std::string> pressed;
+    const auto count = [&] {
+        const std::lock_guard lock(mutex);
+        return pressed.size();
+    };
+    std::jthread listening([&](const std::stop_token& stop) {
+        try {
+            listenToShortcuts(
+                std::vector<GlobalShortcut>{
+                    {"toggleRecording", "Start or stop", "LOGO+ALT+r"},
+                    {"capturePanel", "Panel", ""}},
+                [&](const std::string& id) {
+                    const std::lock_guard lock(mutex);
+                    pressed.push_back(id);
+                },
+                stop);
+        } catch (const Error& error) {
+            ADD_FAILURE() << error.what();
+        }
+    });
+    ASSERT_TRUE(eventually([&] { return stage().shortcuts().size() == 2; }));
+    EXPECT_THAT(stage().shortcuts(), testing::Contains("toggleRecording: Start or stop"));
+    ASSERT_TRUE(eventually([&] { // bound a moment before it is listened for
+        stage().press("capturePanel");
+        return count() > 0;
+    }));
+    const std::lock_guard lock(mutex);
+    EXPECT_THAT(pressed, testing::Each("capturePanel"));
+}
+
+TEST_F(PortalTest, aDesktopThatDoesNotTellThePointerIsRecordedWithItsOwn)
+{
+    stage().setCursorModes(3);
+    stage().startClient();
+    WaylandUser user(stage());
+    PortalDesktop desktop(parts());
+    CaptureSession session(bundle(), desktop);
+    session.start();
+    ASSERT_TRUE(clientSees("move", [&] { user.move(400, 300); }));
+    ASSERT_TRUE(clientSees("press", [&] {
+        user.click();
+        clickOnDevices();
+    }));
+    ASSERT_TRUE(eventually([&] { return session.frameCount() > 1; }));
+    settle();
+    session.stop();
+    EXPECT_TRUE(SessionBundle::load(bundle()).events.empty()) << "nobody knows where it was";
+    EXPECT_THAT(desktop.shortcoming().value_or(""), testing::HasSubstr("pointer"));
+    stage().setCursorModes(7);
+}
+
+TEST_F(PortalTest, theProgramMakesAFilmOfAWaylandDesktop)
+{
+    stage().startClient();
+    const pid_t recorder = stage().start("record.log", {ZENTO_PROGRAM, "record", "--seconds", "5"});
+    const auto said = [&] {
+        const auto log = stage().home() / "record.log";
+        return std::filesystem::exists(log) ? readFile(log) : "";
+    };
+    ASSERT_TRUE(eventually([&] { return said().contains("Recording;"); })) << said();
+    WaylandUser user(stage());
+    for (const Vec2 place : {Vec2{300, 400}, Vec2{1500, 800}, Vec2{300, 800}}) {
+        ASSERT_TRUE(clientSees("move", [&] { user.move(place.x, place.y); }));
+        ASSERT_TRUE(clientSees("press", [&] { user.click(); }));
+        ASSERT_TRUE(clientSees("key", [&] { user.type(KEY_A); }));
+        settle();
+        settle(); // long enough to be a place of interest
+    }
+    ASSERT_TRUE(eventually([&] { return !ProcessGroup::isRunning(recorder); }));
+    const std::string words = said();
+    EXPECT_THAT(words, testing::HasSubstr("usermod -aG input"));
+    const std::size_t lastLine = words.rfind('\n', words.size() - 2);
+    const std::filesystem::path folder = words.substr(lastLine + 1, words.size() - lastLine - 2);
+    const SessionBundle recorded = SessionBundle::load(folder);
+    EXPECT_GT(recorded.meta.duration, 0);
+    EXPECT_TRUE(std::ranges::any_of(recorded.events, [](const InputEvent& event) {
+        return std::abs(event.pos.x - 1500) <= 1 && std::abs(event.pos.y - 800) <= 1;
+    }));
+    EXPECT_TRUE(recorded.meta.hasPointerOnly());
+    EXPECT_THAT(run("plan.log", {"plan", folder}), testing::HasSubstr("dwell"));
+    EXPECT_THAT(run("render.log", {"render", folder}), testing::HasSubstr(".mp4"));
+    VideoDecoder film(recorded.filmURL());
+    std::size_t frames = 0;
+    while (film.next())
+        ++frames;
+    EXPECT_GT(frames, 60U);
+    // What is missing is said once.
+    EXPECT_THAT(
+        run("again.log", {"record", "--seconds", "1"}),
+        testing::Not(testing::HasSubstr("usermod -aG input")));
+}
+
+} // namespace
+} // namespace zento

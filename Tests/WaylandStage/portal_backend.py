@@ -1,0 +1,224 @@
+"""The half of the desktop portal that asks the user, for a headless compositor: it answers for one.
+
+What it answers is set over the bus: see `Control`.
+"""
+
+import dbus
+import dbus.mainloop.glib
+import dbus.service
+import time
+from gi.repository import GLib
+
+NAME = "org.freedesktop.impl.portal.desktop.stage"
+SCREEN_CAST = "org.freedesktop.impl.portal.ScreenCast"
+SHORTCUTS = "org.freedesktop.impl.portal.GlobalShortcuts"
+SCREENSHOT = "org.freedesktop.impl.portal.Screenshot"
+ACCESS = "org.freedesktop.impl.portal.Access"
+SESSION = "org.freedesktop.impl.portal.Session"
+REQUEST = "org.freedesktop.impl.portal.Request"
+CONTROL = "dev.halvek.zento.Stage"
+MUTTER = "org.gnome.Mutter.ScreenCast"
+
+dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
+bus = dbus.SessionBus()
+
+
+def vardict(values):
+    return dbus.Dictionary(values, signature="sv")
+
+
+class State:
+    answer = "yes"  # "no", "never"
+    cursor_modes = 7
+    size = (1280, 720)  # points of the monitor
+    sessions = {}
+    dialogs = 0  # how often a user would have been asked
+    shot = ""
+
+
+class Session(dbus.service.Object):
+    def __init__(self, path):
+        super().__init__(bus, path)
+        self.path = path
+        self.options = {}
+        self.stream = None
+        self.shortcuts = []
+
+    @dbus.service.method(SESSION)
+    def Close(self):
+        self.end()
+
+    @dbus.service.signal(SESSION)
+    def Closed(self):
+        pass
+
+    def end(self):
+        if self.stream is not None:
+            try:
+                self.stream.Stop()
+            except dbus.DBusException:
+                pass
+        State.sessions.pop(self.path, None)
+        self.remove_from_connection()
+
+
+class Backend(dbus.service.Object):
+    @dbus.service.method(dbus.PROPERTIES_IFACE, in_signature="ss", out_signature="v")
+    def Get(self, interface, name):
+        return self.GetAll(interface)[name]
+
+    @dbus.service.method(dbus.PROPERTIES_IFACE, in_signature="s", out_signature="a{sv}")
+    def GetAll(self, interface):
+        if interface == SCREEN_CAST:
+            return vardict({
+                "AvailableSourceTypes": dbus.UInt32(3),
+                "AvailableCursorModes": dbus.UInt32(State.cursor_modes),
+                "version": dbus.UInt32(4)})
+        return vardict({"version": dbus.UInt32({SHORTCUTS: 1, SCREENSHOT: 2}.get(interface, 0))})
+
+
+class ScreenCast(dbus.service.Object):
+    @dbus.service.method(SCREEN_CAST, in_signature="oosa{sv}", out_signature="ua{sv}")
+    def CreateSession(self, handle, session, app, options):
+        State.sessions[session] = Session(session)
+        return 0, vardict({})
+
+    @dbus.service.method(SCREEN_CAST, in_signature="oosa{sv}", out_signature="ua{sv}")
+    def SelectSources(self, handle, session, app, options):
+        State.sessions[session].options = options
+        return 0, vardict({})
+
+    @dbus.service.method(
+        SCREEN_CAST, in_signature="oossa{sv}", out_signature="ua{sv}",
+        async_callbacks=("reply", "fail"))
+    def Start(self, handle, session, app, parent, options, reply, fail):
+        wanted = State.sessions[session].options
+        if "restore_data" not in wanted:
+            State.dialogs += 1
+        if State.answer == "never":
+            return
+        if State.answer == "no":
+            reply(dbus.UInt32(1), vardict({}))
+            return
+        mutter = bus.get_object(MUTTER, "/org/gnome/Mutter/ScreenCast")
+        path = mutter.CreateSession(vardict({}), dbus_interface=MUTTER)
+        cast = dbus.Interface(bus.get_object(MUTTER, path), MUTTER + ".Session")
+        State.sessions[session].stream = cast
+        mode = {1: 0, 2: 1, 4: 2}[int(wanted.get("cursor_mode", 1))]
+        stream = cast.RecordMonitor("", vardict({"cursor-mode": dbus.UInt32(mode)}))
+        signals = dbus.Interface(bus.get_object(MUTTER, stream), MUTTER + ".Stream")
+
+        def added(node):
+            properties = vardict({
+                "position": dbus.Struct((0, 0), signature="ii"),
+                "size": dbus.Struct(State.size, signature="ii"),
+                "source_type": dbus.UInt32(1)})
+            streams = dbus.Array(
+                [dbus.Struct((dbus.UInt32(node), properties), signature="ua{sv}")],
+                signature="(ua{sv})")
+            results = {"streams": streams}
+            if int(wanted.get("persist_mode", 0)) > 0:
+                results["persist_mode"] = dbus.UInt32(wanted["persist_mode"])
+                results["restore_data"] = dbus.Struct(
+                    ("stage", dbus.UInt32(1), dbus.String("monitor", variant_level=1)),
+                    signature="suv")
+            reply(dbus.UInt32(0), vardict(results))
+
+        signals.connect_to_signal("PipeWireStreamAdded", added)
+        cast.Start()
+
+
+class Shortcuts(dbus.service.Object):
+    @dbus.service.method(SHORTCUTS, in_signature="oosa{sv}", out_signature="ua{sv}")
+    def CreateSession(self, handle, session, app, options):
+        State.sessions[session] = Session(session)
+        return 0, vardict({})
+
+    @dbus.service.method(SHORTCUTS, in_signature="ooa(sa{sv})sa{sv}", out_signature="ua{sv}")
+    def BindShortcuts(self, handle, session, shortcuts, parent, options):
+        State.sessions[session].shortcuts = shortcuts
+        bound = dbus.Array(
+            [dbus.Struct((name, vardict({
+                "description": entry.get("description", ""),
+                "trigger_description": entry.get("preferred_trigger", "")})), signature="sa{sv}")
+             for name, entry in shortcuts], signature="(sa{sv})")
+        return 0, vardict({"shortcuts": bound})
+
+    @dbus.service.method(SHORTCUTS, in_signature="oo", out_signature="ua{sv}")
+    def ListShortcuts(self, handle, session):
+        return 0, vardict({})
+
+    @dbus.service.signal(SHORTCUTS, signature="osta{sv}")
+    def Activated(self, session, shortcut, timestamp, options):
+        pass
+
+    @dbus.service.signal(SHORTCUTS, signature="osta{sv}")
+    def Deactivated(self, session, shortcut, timestamp, options):
+        pass
+
+
+class Screenshots(dbus.service.Object):
+    @dbus.service.method(SCREENSHOT, in_signature="ossa{sv}", out_signature="ua{sv}")
+    def Screenshot(self, handle, app, parent, options):
+        if State.answer == "no":
+            return 1, vardict({})
+        return 0, vardict({"uri": State.shot})
+
+
+class Access(dbus.service.Object):
+    @dbus.service.method(ACCESS, in_signature="osssssa{sv}", out_signature="ua{sv}")
+    def AccessDialog(self, handle, app, parent, title, subtitle, body, options):
+        return (0 if State.answer == "yes" else 1), vardict({})
+
+
+class Control(dbus.service.Object):
+    """What the tests say to it."""
+
+    @dbus.service.method(CONTROL, in_signature="s")
+    def SetAnswer(self, answer):
+        State.answer = str(answer)
+
+    @dbus.service.method(CONTROL, in_signature="u")
+    def SetCursorModes(self, modes):
+        State.cursor_modes = int(modes)
+
+    @dbus.service.method(CONTROL, in_signature="ii")
+    def SetSize(self, width, height):
+        State.size = (int(width), int(height))
+
+    @dbus.service.method(CONTROL, in_signature="s")
+    def SetShot(self, uri):
+        State.shot = str(uri)
+
+    @dbus.service.method(CONTROL, out_signature="u")
+    def Dialogs(self):
+        return State.dialogs
+
+    @dbus.service.method(CONTROL, out_signature="as")
+    def Shortcuts(self):
+        return [str(name) + ": " + str(entry.get("description", "")) for session in
+                State.sessions.values() for name, entry in session.shortcuts]
+
+    @dbus.service.method(CONTROL)
+    def Revoke(self):
+        for session in list(State.sessions.values()):
+            session.Closed()
+            session.end()
+
+    @dbus.service.method(CONTROL, in_signature="s")
+    def Press(self, shortcut):
+        for session in State.sessions.values():
+            if any(name == shortcut for name, _ in session.shortcuts):
+                stamp = dbus.UInt64(time.monotonic() * 1000)
+                self.Activated(session.path, shortcut, stamp, vardict({}))
+                self.Deactivated(session.path, shortcut, stamp, vardict({}))
+
+
+class Stage(Backend, ScreenCast, Shortcuts, Screenshots, Access, Control):
+    pass
+
+
+if __name__ == "__main__":
+    Stage(bus, "/org/freedesktop/portal/desktop")
+    own = dbus.service.BusName(NAME, bus)
+    GLib.MainLoop().run()

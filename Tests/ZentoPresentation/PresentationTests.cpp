@@ -242,8 +242,9 @@ TEST(Presentation, ReachesEverySetting)
     ASSERT_NE(overlay, nullptr);
     useAll(overlay, "ExportSheet"); // what lies behind a sheet is out of reach
 
-    // Devices, pictures and servers of this machine are no part of the test; `pointerOnClick` is the older
-    // form of the pointer's shape and has no control, the shortcuts have rows of their own.
+    // Devices, pictures and servers of this machine are no part of the test; `pointerOnClick` is
+    // the older form of the pointer's shape and has no control, the shortcuts have rows of their
+    // own.
     const std::set<std::string> elsewhere = {
         "microphoneID", "cameraID", "customBackgroundPath", "pointerOnClick", "shortcuts"};
     const QVariantMap settings = settingsOf(stage);

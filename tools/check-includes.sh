@@ -15,12 +15,13 @@ cairo|pango|gdk-pixbuf|hwy/|gif_lib|libimagequant ZentoImaging
 X11/|xcb/|xkbcommon/ ZentoCapture/Backends|Zento/Desktop|Zento/Demo
 pipewire/|spa/ ZentoCapture/Backends
 atspi/ ZentoCapture/Backends|Zento/Demo
+opencv2/imgproc ZentoIntelligence
+opencv2/dnn|opencv2/core ZentoRender
 gio/|glib ZentoCapture/Backends|Zento/Desktop|Zento/Demo
 libinput|libudev|linux/ ZentoCapture/Backends
-opencv ZentoIntelligence|ZentoRender
 simdjson ZentoCore
 curl/ ZentoNet
-pocketsphinx|sphinxbase/ ZentoIntelligence
+pocketsphinx|sphinxbase/|whisper.h ZentoIntelligence
 fftw3 ZentoEngine
 Q[A-Z]|Qt[A-Z] Zento
 RULES
@@ -38,9 +39,9 @@ ZentoImaging ZentoCore
 ZentoEngine ZentoCore|ZentoMedia
 ZentoRender ZentoCore|ZentoMedia|ZentoImaging
 ZentoCapture ZentoCore|ZentoMedia|ZentoImaging
-ZentoIntelligence ZentoCore|ZentoMedia
+ZentoIntelligence ZentoCore|ZentoNet|ZentoMedia
 Zento/Timeline ZentoCore
-Zento/Model ZentoCore|ZentoMedia|ZentoImaging|ZentoEngine|ZentoCapture|ZentoRender|ZentoIntelligence|Zento/Timeline|Zento/Music
+Zento/Model ZentoCore|ZentoNet|ZentoMedia|ZentoImaging|ZentoEngine|ZentoCapture|ZentoRender|ZentoIntelligence|Zento/Timeline|Zento/Music
 Zento/Music ZentoCore|ZentoNet|ZentoMedia
 Zento/Screenshot ZentoCore|ZentoImaging|ZentoCapture|ZentoRender|Zento/Model
 Zento/Desktop ZentoCore|ZentoCapture|ZentoIntelligence|ZentoRender|Zento/Model

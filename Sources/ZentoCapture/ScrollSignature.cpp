@@ -137,7 +137,7 @@ std::optional<int> ScrollSignature::shift(const ScrollSignature& previous) const
 }
 
 /// Four lanes, so that one multiplication need not wait for the other.
-std::vector<std::uint64_t> rowHashes(const Canvas& image)
+std::vector<std::uint64_t> rowHashes(const Canvas& image, int first, int end)
 {
     constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15ULL;
     constexpr int kLanes = 4;
@@ -147,8 +147,8 @@ std::vector<std::uint64_t> rowHashes(const Canvas& image)
     for (int y = 0; y < pixels.height; ++y) {
         std::array<std::uint64_t, kLanes> lanes{1, 2, 3, 4};
         const std::uint32_t* const row = pixels.row(y);
-        int x = 0;
-        for (; x + 2 * kLanes <= pixels.width; x += 2 * kLanes) {
+        int x = first;
+        for (; x + 2 * kLanes <= end; x += 2 * kLanes) {
             const std::uint32_t* two = row + x;
             for (std::uint64_t& lane : lanes) {
                 std::uint64_t word = 0;
@@ -157,7 +157,7 @@ std::vector<std::uint64_t> rowHashes(const Canvas& image)
                 two += 2;
             }
         }
-        for (; x < pixels.width; ++x) {
+        for (; x < end; ++x) {
             lanes[0] = std::rotl((lanes[0] ^ row[x]) * kOdd, 29);
         }
         std::uint64_t hash = 0;

@@ -38,9 +38,9 @@ struct ScrollBand {
     explicit ScrollBand(int height);
 };
 
-/// What each row of a frame shows, to the bit. Rows with the same value are the same; two that
-/// differ have the same value once in 2^64.
-std::vector<std::uint64_t> rowHashes(const Canvas& image);
+/// What each row of a frame shows from column `first` up to `end`, to the bit. Rows with the same
+/// value are the same; two that differ have the same value once in 2^64.
+std::vector<std::uint64_t> rowHashes(const Canvas& image, int first, int end);
 
 /// Every shift at which the band of one frame continues the other without a single different
 /// pixel, from the smallest.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 namespace zento {
@@ -40,10 +41,17 @@ bool lowerBandMoved(
 
 } // namespace
 
+ScrollStitch::Frame::Frame(const Canvas& image)
+    : signature(image)
+    , rows(rowHashes(image, 0, image.width() - edgeWidth(image.width())))
+    , edge(rowHashes(image, image.width() - edgeWidth(image.width()), image.width()))
+{
+}
+
 ScrollStitch::ScrollStitch(std::shared_ptr<const Canvas> first)
     : m_frameHeight(first->height())
     , m_height(first->height())
-    , m_previous{ScrollSignature(*first), rowHashes(*first)}
+    , m_previous(*first)
 {
     m_strips.push_back(std::move(first));
 }
@@ -58,11 +66,39 @@ void ScrollStitch::cutShort()
     doubt(ScrollDoubt::CutShort);
 }
 
+bool ScrollStitch::hasScrollBar() const
+{
+    return std::ranges::count(m_seams, ScrollDoubt::ScrollBar, &ScrollSeam::doubt) > 0;
+}
+
+/// Of all columns, or of all but the edge's where those cannot be had.
+std::vector<int> ScrollStitch::exactShiftsTo(const Frame& frame)
+{
+    std::vector<int> inside = exactShifts(m_previous.rows, frame.rows);
+    std::vector<int> whole;
+    std::ranges::set_intersection(
+        inside, exactShifts(m_previous.edge, frame.edge), std::back_inserter(whole));
+    if (!whole.empty()) {
+        return whole;
+    }
+    if (inside.size() == 1 && inside.front() >= kSmallMove && !hasScrollBar()) {
+        doubt(ScrollDoubt::ScrollBar);
+    }
+    return inside;
+}
+
+bool ScrollStitch::hasFooter(const Frame& frame, int shift) const
+{
+    return !lowerBandMoved(m_previous.rows, frame.rows, shift)
+           || (!hasScrollBar() && !lowerBandMoved(m_previous.edge, frame.edge, shift));
+}
+
 /// The shift, or nothing at the end of what can be put together.
 std::optional<int> ScrollStitch::measure(const Frame& frame, std::optional<int> expectedShift)
 {
-    const bool isStill = frame.rows == m_previous.rows;
-    const std::vector<int> exact = exactShifts(m_previous.rows, frame.rows);
+    const bool isStill =
+        frame.rows == m_previous.rows && (hasScrollBar() || frame.edge == m_previous.edge);
+    const std::vector<int> exact = exactShiftsTo(frame);
     if (exact.size() == 1) {
         const int shift = exact.front();
         // Farther than was asked for: the true shift is out of reach, and this is a likeness.
@@ -84,11 +120,11 @@ std::optional<int> ScrollStitch::measure(const Frame& frame, std::optional<int> 
 
 ScrollStitch::Verdict ScrollStitch::add(const Canvas& frame, std::optional<int> expectedShift)
 {
-    Frame current{ScrollSignature(frame), rowHashes(frame)};
+    Frame current(frame);
     const ScrollBand band(m_frameHeight);
     if (band.maxShift < 1 || frame.width() != m_strips.front()->width()
         || frame.height() != m_frameHeight) {
-        if (current.rows != m_previous.rows) {
+        if (current.rows != m_previous.rows || current.edge != m_previous.edge) {
             doubt(ScrollDoubt::LostTrack);
         }
         return Verdict::Ended;
@@ -103,7 +139,7 @@ ScrollStitch::Verdict ScrollStitch::add(const Canvas& frame, std::optional<int> 
         }
         return Verdict::Ended;
     }
-    if (!lowerBandMoved(m_previous.rows, current.rows, *shift)) {
+    if (hasFooter(current, *shift)) {
         doubt(ScrollDoubt::Footer);
     }
     m_lastShift = *shift;

@@ -3,6 +3,7 @@
 #include "ZentoCapture/ScrollSignature.h"
 #include "ZentoImaging/Canvas.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -21,6 +22,7 @@ enum class ScrollDoubt : std::uint8_t {
     Changes,   // it changed between two shots: a film, an animation, a bar that sticks to it
     LostTrack, // two shots share too little to be put together; the page may go on
     Footer,    // a bar at the lower edge lies in the strip
+    ScrollBar, // the right edge alone does not go with the content; told once
     CutShort,  // the limits were reached, or a rest too small to be measured was left out
 };
 
@@ -34,7 +36,8 @@ struct ScrollSeam {
 /// Puts shots of a page that is being scrolled under each other.
 ///
 /// A shift counts as certain when the rows of both shots are the same to the bit at it and at no
-/// other. The grey values decide where no shift is exact, and the seam is told.
+/// other, the right edge apart, where a scroll bar may lie. The grey values decide where no shift
+/// is exact. Either is told.
 ///
 /// Threading: one thread at a time.
 class ScrollStitch {
@@ -57,6 +60,9 @@ public:
     /// When nothing more comes for another reason than the page's end.
     void cutShort();
 
+    /// Of the right edge where a scroll bar is looked for, in pixels.
+    static int edgeWidth(int width) { return std::min(std::max(24, width / 40), width / 4); }
+
     int height() const { return m_height; } // of what is stitched
     int steps() const { return m_steps; }
     const std::vector<ScrollSeam>& seams() const { return m_seams; } // those in doubt
@@ -67,10 +73,16 @@ public:
 private:
     struct Frame {
         ScrollSignature signature;
-        std::vector<std::uint64_t> rows;
+        std::vector<std::uint64_t> rows; // but for the edge
+        std::vector<std::uint64_t> edge;
+
+        explicit Frame(const Canvas& image);
     };
 
     std::optional<int> measure(const Frame& frame, std::optional<int> expectedShift);
+    std::vector<int> exactShiftsTo(const Frame& frame);
+    bool hasFooter(const Frame& frame, int shift) const;
+    bool hasScrollBar() const;
     void doubt(ScrollDoubt reason);
 
     int m_lastShift = 0;

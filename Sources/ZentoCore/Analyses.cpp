@@ -49,6 +49,16 @@ void encode(JsonWriter& json, const SemanticNotes& notes)
     json.endObject();
 }
 
+void encode(JsonWriter& json, const VideoCopy& copy)
+{
+    json.beginObject();
+    field(json, "caption", copy.caption);
+    field(json, "generatedByModel", copy.generatedByModel);
+    field(json, "socialPost", copy.socialPost);
+    field(json, "title", copy.title);
+    json.endObject();
+}
+
 void decode(const JsonObject& object, TranscriptSegment& segment)
 {
     object.required("start", segment.start);
@@ -110,6 +120,11 @@ std::string encodeSemanticNotes(const SemanticNotes& notes)
 SemanticNotes decodeSemanticNotes(std::string_view json)
 {
     return decodeDocument<SemanticNotes>(json);
+}
+
+std::string encodeVideoCopy(const VideoCopy& copy)
+{
+    return encodeDocument(copy);
 }
 
 VideoCopy decodeVideoCopy(std::string_view json)

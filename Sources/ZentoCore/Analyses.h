@@ -56,7 +56,8 @@ std::vector<FramingHint> decodeFramingHints(std::string_view json);
 std::string encodeSemanticNotes(const SemanticNotes& notes);
 SemanticNotes decodeSemanticNotes(std::string_view json);
 
-/// "copy.json", which others write. Throws `Error`.
+/// "copy.json". The decoder throws `Error`.
+std::string encodeVideoCopy(const VideoCopy& copy);
 VideoCopy decodeVideoCopy(std::string_view json);
 
 } // namespace zento

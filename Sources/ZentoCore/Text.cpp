@@ -3,6 +3,7 @@
 #include <utf8proc.h>
 
 #include <algorithm>
+#include <array>
 
 namespace zento {
 
@@ -99,6 +100,24 @@ std::string_view trimmed(std::string_view text)
         offset += current.length;
     }
     return begin < end ? text.substr(begin, end - begin) : std::string_view();
+}
+
+std::string lowerCased(std::string_view text)
+{
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t offset = 0; offset < text.size();) {
+        const CodePoint current = codePointAt(text, offset);
+        if (current.value < 0) {
+            result += text[offset];
+        } else {
+            std::array<utf8proc_uint8_t, 4> bytes{};
+            const auto length = utf8proc_encode_char(utf8proc_tolower(current.value), bytes.data());
+            result.append(bytes.begin(), bytes.begin() + length);
+        }
+        offset += current.length;
+    }
+    return result;
 }
 
 std::string wellFormed(std::string_view text)

@@ -22,6 +22,9 @@ std::string_view lastCharacters(std::string_view text, std::size_t count);
 /// U+2028 and U+2029.
 std::string_view trimmed(std::string_view text);
 
+/// With every code point in its lower case, where it has one: no language's own rules.
+std::string lowerCased(std::string_view text);
+
 /// With every ill-formed sequence replaced by U+FFFD.
 std::string wellFormed(std::string_view text);
 

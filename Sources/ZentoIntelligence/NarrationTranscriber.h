@@ -23,7 +23,7 @@ using EngineFactory = std::function<std::unique_ptr<SpeechEngine>()>;
 std::vector<TranscriptSegment> loadOrTranscribe(
     const SessionBundle& bundle,
     const std::stop_token& stop = {},
-    const EngineFactory& makeEngine = makeSphinx);
+    const EngineFactory& makeEngine = makeBestEngine);
 
 /// `offset`, `duration`: seconds of the recording at which the sound starts, and of the whole.
 std::vector<TranscriptSegment> transcribe(
@@ -31,7 +31,7 @@ std::vector<TranscriptSegment> transcribe(
     double offset,
     double duration,
     const std::stop_token& stop = {},
-    const EngineFactory& makeEngine = makeSphinx);
+    const EngineFactory& makeEngine = makeBestEngine);
 
 /// Segments within [0, duration], those of 0.15 s and less left out, by their start.
 std::vector<TranscriptSegment> clamped(std::vector<TranscriptSegment> segments, double duration);

@@ -3,6 +3,7 @@
 #include "ZentoIntelligence/SpeechStretch.h"
 
 #include <cstddef>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <span>
@@ -37,5 +38,17 @@ public:
 /// PocketSphinx with Debian's English model: no download, no other language; about one word in four
 /// to eight is wrong. Throws `Error` where the model is not installed.
 std::unique_ptr<SpeechEngine> makeSphinx();
+
+/// whisper.cpp with a model of the user's: any language the model knows. Cancelling takes less than
+/// a second. Throws `Error` kNoSpeechModel for a file that is no whole model, and where this build
+/// or this processor cannot use it.
+std::unique_ptr<SpeechEngine> makeWhisper(const std::filesystem::path& model);
+bool canUseWhisper();
+
+/// whisper.cpp where the model is there and whole, else PocketSphinx.
+std::unique_ptr<SpeechEngine> makeEngineFor(const std::filesystem::path& model);
+
+/// The same for the user's model, see `speechModelFile`.
+std::unique_ptr<SpeechEngine> makeBestEngine();
 
 } // namespace zento

@@ -110,6 +110,8 @@ void configure(CURL* handle, const HttpRequest& request, curl_slist* headers, Tr
     set(CURLOPT_REDIR_PROTOCOLS_STR, isSecure ? "https" : "http,https");
     set(CURLOPT_FOLLOWLOCATION, request.redirects == Redirects::Follow ? 1L : 0L);
     set(CURLOPT_MAXREDIRS, 5L);
+    if (request.proxies == Proxies::None)
+        set(CURLOPT_NOPROXY, "*");
     set(CURLOPT_TIMEOUT_MS, static_cast<long>(request.timeout.count()));
     set(CURLOPT_LOW_SPEED_LIMIT, 1L);
     set(CURLOPT_LOW_SPEED_TIME, static_cast<long>(request.patience.count()));

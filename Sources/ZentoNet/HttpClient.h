@@ -16,6 +16,7 @@
 namespace zento {
 
 enum class Redirects { Follow, Refuse };
+enum class Proxies { AsConfigured, None };
 
 struct HttpRequest {
     std::string url;
@@ -24,6 +25,7 @@ struct HttpRequest {
     std::chrono::milliseconds timeout{0}; // of the whole exchange; 0: none
     std::chrono::seconds patience{60};    // with so little as no byte a second
     Redirects redirects = Redirects::Follow;
+    Proxies proxies = Proxies::AsConfigured;       // by the environment
     std::size_t mostBytes = std::size_t{16} << 20; // of a body; a longer one is a failure
 };
 

@@ -17,11 +17,17 @@ constexpr double kPatience = 120; // seconds that only a fault takes
 
 } // namespace
 
-RunningZento::RunningZento(std::string_view settings, std::string_view defaults)
+RunningZento::RunningZento(
+    std::string_view settings,
+    std::string_view defaults,
+    const std::function<void(const std::filesystem::path&)>& prepare)
 {
     const auto& home = m_desktop.home();
     home.writeFile(".config/Zento/settings.json", settings);
     home.writeFile(".config/Zento/Zento.ini", defaults);
+    if (prepare) {
+        prepare(home.makeFolder("Videos/Zento"));
+    }
     switchAccessibilityOn();
     const std::string& path = m_desktop.environment().at("PATH");
     const auto notes = home.writeFile("notes.txt", "Notes\n");
@@ -29,6 +35,7 @@ RunningZento::RunningZento(std::string_view settings, std::string_view defaults)
     const std::string address = accessibilityAddress();
     m_finder.emplace(address);
     m_actor.emplace(m_desktop.display(), address);
+    m_hand.emplace(m_desktop.display(), 1);
     await([&] { return isShown(editor()); }, "The editor does not open");
     m_zento = m_desktop.start({ZENTO_PROGRAM});
     await(
@@ -64,6 +71,18 @@ void RunningZento::choose(const ElementQuery& query, const ElementQuery& item)
 {
     await(query);
     m_actor->perform(MenuStep{.target = query, .item = item}, {});
+}
+
+void RunningZento::drag(Vec2 from, Vec2 to)
+{
+    m_hand->moveTo(from, 8, {});
+    m_hand->dragTo(to, {});
+}
+
+void RunningZento::doubleClick(Vec2 place)
+{
+    m_hand->moveTo(place, 8, {});
+    m_hand->doubleClick({});
 }
 
 /// As a screen reader does when it starts.

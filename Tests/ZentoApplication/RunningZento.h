@@ -1,7 +1,9 @@
 #pragma once
 
 #include "Zento/Demo/DemoActor.h"
+#include "Zento/Demo/Pointer.h"
 #include "Zento/Demo/PrivateDesktop.h"
+#include "ZentoCore/Geometry.h"
 #include "ZentoCore/SessionBundle.h"
 
 #include <filesystem>
@@ -20,7 +22,11 @@ namespace zento::test {
 class RunningZento {
 public:
     /// `settings` is the user's settings file; `defaults` what Zento remembers of the run before.
-    explicit RunningZento(std::string_view settings = "{}", std::string_view defaults = "");
+    /// `prepare` gets the folder of recordings before Zento starts.
+    explicit RunningZento(
+        std::string_view settings = "{}",
+        std::string_view defaults = "",
+        const std::function<void(const std::filesystem::path&)>& prepare = {});
 
     /// An element of Zento.
     static ElementQuery
@@ -30,6 +36,14 @@ public:
     void click(const ElementQuery& query);
     void choose(const ElementQuery& query, const ElementQuery& item); // from its context menu
     void press(const std::vector<std::string>& keys) { m_actor->perform(PressStep{keys}, {}); }
+    /// Where an element is, once it stands still.
+    Rect frameOf(const ElementQuery& query) { return m_actor->await(query, {}).frame; }
+    void drag(Vec2 from, Vec2 to);
+    void doubleClick(Vec2 place);
+    void chooseFromMenu(const ElementQuery& query, const ElementQuery& item)
+    {
+        m_actor->perform(MenuStep{query, Spot::Middle, item}, {});
+    }
     void type(const std::string& text) { m_actor->perform(TypeStep{text}, {}); }
     bool isShown(const ElementQuery& query) const { return m_finder->find(query).has_value(); }
 
@@ -57,6 +71,7 @@ private:
     pid_t m_zento = 0;
     std::optional<ElementFinder> m_finder;
     std::optional<DemoActor> m_actor;
+    std::optional<Pointer> m_hand; // for what no script does
 };
 
 } // namespace zento::test

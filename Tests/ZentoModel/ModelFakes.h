@@ -269,6 +269,9 @@ protected:
     bool m_hasTray = true;
     CaptureDevices m_devices;
     std::vector<DesktopWindow> m_windows;
+    std::function<SystemLanguageModel(const LanguageModelChoice&)> m_findModel = [](const auto&) {
+        return SystemLanguageModel();
+    };
     std::unique_ptr<QSettings> m_defaults;
     std::unique_ptr<AppModel> m_model;
 };

@@ -140,6 +140,45 @@ QtObject {
         function uploadToCloud() {}
         function shareCloudLink() {}
     }
+    property QtObject speech: QtObject {
+        property string engine: "PocketSphinx, built in, English only"
+        property string expectation: "Basic: expect one word in five to be wrong. Good enough to keep speech from being cut; read captions before you show them. Speech is recognised on this computer; nothing leaves it."
+        property bool hasModel: false
+        property bool canUseModels: true
+        property var offers: [{ id: "base.en-q5_1", name: "English", megabytes: 57 }, { id: "base-q5_1", name: "Any language", megabytes: 57 }]
+        property bool isFetching: false
+        property real progress: 0
+
+        function refresh() { app.note("refreshSpeech") }
+        function fetch(id) { app.note("fetchSpeech " + id); isFetching = true }
+        function cancelFetch() { app.note("cancelFetchSpeech"); isFetching = false }
+        function useFile(path) { app.note("useSpeech " + path) }
+        function removeModel() { app.note("removeSpeech") }
+    }
+    property QtObject language: QtObject {
+        property string host
+        property string model: "small:1b"
+        property var models: ["small:1b", "large:8b"]
+        property bool isReady: true
+        property bool isLooking: false
+        property string status: "The language model is ready."
+        property string privacy: "Nothing leaves this computer."
+
+        function refresh() { app.note("lookForLanguage") }
+    }
+    property QtObject filmCopy: QtObject {
+        property string title: "Send an invoice before the coffee cools"
+        property string caption: "A quick look at Harbour: from new invoice to sent in 43 seconds."
+        property string post: "Invoices used to eat my Friday. Here is the whole thing in Harbour, start to finish, in under a minute."
+        property bool isWritten: true
+        property bool isKept: false
+        property bool isWriting: false
+        property bool canWrite: true
+        property string origin: "Written by your language model."
+
+        function write() { app.note("writeCopy") }
+        function keep() { app.note("keepCopy"); isKept = true }
+    }
     property QtObject updates: QtObject {
         property string version: "1.0.0"
         property bool isChecking: false

@@ -78,6 +78,28 @@ void Pointer::click(PointerButton button, const std::stop_token& stop)
     }
 }
 
+void Pointer::doubleClick(const std::stop_token& stop)
+{
+    const auto left = std::to_underlying(PointerButton::Left);
+    if (sleepFor(m_random.between(0.08, 0.16), stop)) {
+        press(left, 0.04, stop);
+        sleepFor(0.06, stop);
+        press(left, 0.04, stop);
+    }
+}
+
+void Pointer::dragTo(Vec2 target, const std::stop_token& stop)
+{
+    constexpr double kTargetSize = 8; // pixels: a hand that places something goes slowly
+    xcb_connection_t* x = m_connection->get();
+    const auto left = std::to_underlying(PointerButton::Left);
+    xcb_test_fake_input(x, XCB_BUTTON_PRESS, left, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    m_connection->flush();
+    moveTo(target, kTargetSize, stop);
+    xcb_test_fake_input(x, XCB_BUTTON_RELEASE, left, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    m_connection->flush();
+}
+
 void Pointer::scroll(WheelDirection direction, int notches, const std::stop_token& stop)
 {
     constexpr int kFlick = 4; // notches a finger turns without reaching back

@@ -32,6 +32,12 @@ public:
 
     void click(PointerButton button, const std::stop_token& stop);
 
+    /// Twice at one place, as fast as a hand does.
+    void doubleClick(const std::stop_token& stop);
+
+    /// Presses the left button where the pointer is, moves there, and lets go.
+    void dragTo(Vec2 target, const std::stop_token& stop);
+
     /// Notches of the wheel in flicks of a finger: quick ones, then a pause to reach back.
     void scroll(WheelDirection direction, int notches, const std::stop_token& stop);
 

@@ -14,7 +14,11 @@
 #include "ZentoCapture/DeviceWatch.h"
 #include "ZentoCore/SessionBundle.h"
 #include "ZentoCore/UserFolders.h"
+#include "ZentoIntelligence/FrameAnalyzer.h"
 #include "ZentoIntelligence/NarrationTranscriber.h"
+#include "ZentoIntelligence/SemanticAnalyzer.h"
+#include "ZentoIntelligence/SpeechEngine.h"
+#include "ZentoIntelligence/SpeechModelFile.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -31,12 +35,34 @@ namespace zento {
 namespace {
 
 constexpr std::chrono::milliseconds kTimeToFront{1500};
+constexpr auto kSettingsFormat = QSettings::IniFormat;
+constexpr auto kSettingsName = "Zento";
 constexpr auto kRecordingIcon = "dev.halvek.zento-recording";
 
 QScreen* screenAt(QPoint point)
 {
     QScreen* const screen = QGuiApplication::screenAt(point);
     return screen == nullptr ? QGuiApplication::primaryScreen() : screen;
+}
+
+/// The story, told by the model of the user's choice.
+std::optional<SemanticNotes> storyOf(
+    const SessionBundle& bundle,
+    const std::vector<TranscriptSegment>& transcript,
+    const std::stop_token& stop)
+{
+    return SemanticAnalyzer::loadOrAnalyze(
+        bundle,
+        transcript,
+        [](const std::stop_token& token) {
+            const QSettings defaults( // an object of this thread
+                kSettingsFormat,
+                QSettings::UserScope,
+                kSettingsName,
+                kSettingsName);
+            return SystemLanguageModel::find(languageModelChoice(defaults), token);
+        },
+        stop);
 }
 
 /// Where the panels of a recording belong: on the area's display, else on the pointer's.
@@ -64,7 +90,7 @@ std::vector<QRectF> displays()
 } // namespace
 
 ApplicationHost::ApplicationHost()
-    : m_defaults(QSettings::IniFormat, QSettings::UserScope, "Zento", "Zento")
+    : m_defaults(kSettingsFormat, QSettings::UserScope, kSettingsName, kSettingsName)
     , m_hotkeys(makeHotkeys())
     , m_model(std::make_unique<AppModel>(services()))
 {
@@ -121,10 +147,24 @@ AppServices ApplicationHost::services()
                  },
              .makeComposer = threadedComposer,
              .desktopImage = desktopImage,
-             .transcribe =
-                 [](const SessionBundle& bundle, const std::stop_token& stop) {
-                     return NarrationTranscriber::loadOrTranscribe(bundle, stop);
-                 }},
+             .analysers =
+                 {.findRegions = FrameAnalyzer::loadOrAnalyze,
+                  .transcribe =
+                      [](const SessionBundle& bundle, const std::stop_token& stop) {
+                          return NarrationTranscriber::loadOrTranscribe(bundle, stop);
+                      },
+                  .tellStory = storyOf}},
+        .language = m_language,
+        .findModel =
+            [](const LanguageModelChoice& choice, const std::stop_token& stop) {
+                return SystemLanguageModel::find(choice, stop);
+            },
+        .speechModels = m_speechModels,
+        .speechModel =
+            {.file = speechModelFile(),
+             .site = ZENTO_SPEECH_MODELS,
+             .canUseModels = canUseWhisper(),
+             .requireModel = requireSpeechModel},
         .music = m_musicWorker,
         .musicPlayer = m_musicPlayer,
         .musicSources =

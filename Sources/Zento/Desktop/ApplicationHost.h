@@ -75,6 +75,8 @@ private:
     ThreadWorker m_pictures{"editor.pictures"};
     ThreadWorker m_sounds{"editor.sounds", ThreadWorker::Priority::Background};
     ThreadWorker m_speech{"editor.speech", ThreadWorker::Priority::Background};
+    ThreadWorker m_language{"model.language"};
+    ThreadWorker m_speechModels{"model.speech"};
     ThreadWorker m_musicWorker{"model.music"};
     ThreadWorker m_musicPlayer{"music.preview"};
     std::unique_ptr<AppModel> m_model; // goes before the threads that work for it

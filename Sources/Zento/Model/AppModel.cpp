@@ -79,6 +79,22 @@ AppModel::AppModel(AppServices services)
           .excludedWindows = [this] { return excludedWindows(); },
       })
     , m_editor(m_services.clock, m_settings, m_services.editor)
+    , m_language(
+          {.worker = m_services.language,
+           .defaults = m_services.defaults,
+           .findModel = m_services.findModel})
+    , m_speech(
+          {.clock = m_services.clock,
+           .worker = m_services.speechModels,
+           .messages = m_messages,
+           .place = m_services.speechModel})
+    , m_copy(
+          {.session = *m_editor.session(),
+           .files = m_services.files,
+           .language = m_services.language,
+           .messages = m_messages,
+           .defaults = m_services.defaults,
+           .findModel = m_services.findModel})
     , m_music({
           .clock = m_services.clock,
           .worker = m_services.music,

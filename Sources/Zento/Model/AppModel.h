@@ -1,7 +1,9 @@
 #pragma once
 
 #include "Zento/Model/Editor.h"
+#include "Zento/Model/FilmCopy.h"
 #include "Zento/Model/FilmExport.h"
+#include "Zento/Model/LanguageSettings.h"
 #include "Zento/Model/Messages.h"
 #include "Zento/Model/Permissions.h"
 #include "Zento/Model/Question.h"
@@ -11,6 +13,7 @@
 #include "Zento/Model/SettingsModel.h"
 #include "Zento/Model/Sharing.h"
 #include "Zento/Model/Shortcuts.h"
+#include "Zento/Model/SpeechSettings.h"
 #include "Zento/Model/UpdateCheck.h"
 #include "Zento/Model/WindowList.h"
 #include "ZentoCapture/DeviceWatch.h"
@@ -42,6 +45,10 @@ struct AppServices {
     Worker& exports; // films
     Worker& probes;  // what may take long to answer: permissions, windows
     EditorServices editor;
+    Worker& language; // asks language models
+    ModelSearch findModel;
+    Worker& speechModels; // fetches them
+    SpeechModelPlace speechModel;
     Worker& music; // fetches and copies it
     Worker& musicPlayer;
     RecordingMusic::Sources musicSources;
@@ -88,6 +95,9 @@ class AppModel : public QObject {
     Q_PROPERTY(zento::FilmExport* filmExport READ filmExport CONSTANT)
     Q_PROPERTY(zento::WindowList* windows READ windows CONSTANT)
     Q_PROPERTY(zento::Editor* editor READ editor CONSTANT)
+    Q_PROPERTY(zento::LanguageSettings* language READ language CONSTANT)
+    Q_PROPERTY(zento::SpeechSettings* speech READ speech CONSTANT)
+    Q_PROPERTY(zento::FilmCopy* filmCopy READ filmCopy CONSTANT)
     /// Everything is written and the program is about to end: windows may close.
     Q_PROPERTY(bool isEnding READ isEnding)
     Q_PROPERTY(zento::RecordingMusic* music READ music CONSTANT)
@@ -133,6 +143,9 @@ public:
     FilmExport* filmExport() { return &m_export; }
     WindowList* windows() { return &m_windows; }
     Editor* editor() { return &m_editor; }
+    LanguageSettings* language() { return &m_language; }
+    SpeechSettings* speech() { return &m_speech; }
+    FilmCopy* filmCopy() { return &m_copy; }
     bool isEnding() const { return m_isEnding; }
     RecordingMusic* music() { return &m_music; }
     bool canUndo() { return m_editor.session()->canUndo(); }
@@ -235,6 +248,9 @@ private:
     RecordingLibrary m_library;
     RecordingFlow m_recording;
     Editor m_editor;
+    LanguageSettings m_language;
+    SpeechSettings m_speech;
+    FilmCopy m_copy;
     RecordingMusic m_music;
     FilmExport m_export;
     Sharing m_sharing;

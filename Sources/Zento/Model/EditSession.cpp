@@ -6,6 +6,7 @@
 #include "ZentoCore/Text.h"
 
 #include <exception>
+#include <system_error>
 #include <utility>
 
 namespace zento {
@@ -70,6 +71,7 @@ void EditSession::open(const QString& bundlePath)
     m_history = {};
     m_planTimer.reset();
     m_isPlanning = false;
+    m_isTranscribing = false;
     m_isRenderStale = false;
     m_isStaleDismissed = false;
     ++m_version;
@@ -78,6 +80,7 @@ void EditSession::open(const QString& bundlePath)
     Q_EMIT planned();
     Q_EMIT historyChanged();
     Q_EMIT renderStaleChanged();
+    Q_EMIT transcribing();
     if (!m_path.empty()) {
         load();
     }
@@ -118,9 +121,11 @@ void EditSession::take(Loaded loadedSources)
     m_sources.analyses = std::move(loadedSources.analyses);
     m_sources.edits = std::move(loadedSources.edits);
     Q_EMIT loaded();
+    Q_EMIT transcribing();
     Q_EMIT editsChanged();
     plan();
     analyzeMusic();
+    findRegions();
     transcribeNarration();
 }
 
@@ -278,15 +283,21 @@ void EditSession::flush(std::function<void()> done)
     m_ports.edits.run([] {}, std::move(done));
 }
 
+void EditSession::setTranscript(std::vector<TranscriptSegment> transcript)
+{
+    auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
+    analyses->transcript = std::move(transcript);
+    m_sources.analyses = std::move(analyses);
+}
+
 void EditSession::setWord(int index, const QString& text)
 {
     if (index < 0 || static_cast<std::size_t>(index) >= transcript().size()) {
         return;
     }
-    auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
-    analyses->transcript[static_cast<std::size_t>(index)].text =
-        std::string(trimmed(text.toStdString()));
-    m_sources.analyses = std::move(analyses);
+    std::vector<TranscriptSegment> segments = transcript();
+    segments[static_cast<std::size_t>(index)].text = std::string(trimmed(text.toStdString()));
+    setTranscript(std::move(segments));
     m_ports.edits.run(
         [file = m_sources.bundle->transcriptURL(), text = encodeTranscript(transcript())] {
             writeWhole(file, text);
@@ -324,30 +335,103 @@ void EditSession::analyzeMusic()
         });
 }
 
-/// A narration that was never listened to is planned once it is known what it says.
-void EditSession::transcribeNarration()
+/// What an analysis finds becomes a part of what the film is planned from; `next` follows it,
+/// whatever it found.
+template <typename Result, typename Analyse>
+void EditSession::learn(
+    Worker& worker, Analyse analyse, Result BundleAnalyses::* part, std::function<void()> next)
 {
-    if (!transcript().empty() || !m_sources.analyses->hasNarration || !m_ports.transcribe) {
-        return;
-    }
     const auto stop = m_session.get_token();
+    m_isTranscribing = true;
+    Q_EMIT editsChanged();
     compute(
-        m_ports.speech,
+        worker,
         this,
-        [transcribe = m_ports.transcribe, bundle = m_sources.bundle, stop] {
-            return stop.stop_requested() ? std::vector<TranscriptSegment>()
-                                         : transcribe(*bundle, stop);
+        [analyse = std::move(analyse), bundle = m_sources.bundle, stop] {
+            return stop.stop_requested() ? Result() : analyse(*bundle, stop);
         },
-        [this, stop](Outcome<std::vector<TranscriptSegment>> outcome) {
-            if (stop.stop_requested() || !outcome || outcome->empty()) {
+        [this, stop, part, next = std::move(next)](Outcome<Result> outcome) {
+            if (stop.stop_requested()) {
                 return;
             }
-            auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
-            analyses->transcript = *std::move(outcome);
-            m_sources.analyses = std::move(analyses);
-            Q_EMIT editsChanged();
-            planSoon();
+            if (outcome && *outcome != Result() && *outcome != (*m_sources.analyses).*part) {
+                auto analyses = std::make_shared<BundleAnalyses>(*m_sources.analyses);
+                (*analyses).*part = *std::move(outcome);
+                m_sources.analyses = std::move(analyses);
+                Q_EMIT editsChanged();
+                planSoon();
+            }
+            if (next) {
+                next();
+            }
         });
+}
+
+/// Clicks that nothing explains are planned around once it is known what they hit.
+void EditSession::findRegions()
+{
+    if (m_sources.analyses->framingHints.empty() && m_ports.analysers.findRegions) {
+        learn(m_ports.analyses, m_ports.analysers.findRegions, &BundleAnalyses::framingHints);
+    }
+}
+
+/// A narration that was never listened to is planned once it is known what it says. The story
+/// follows what is said.
+void EditSession::transcribeNarration()
+{
+    const bool isUnheard = transcript().empty() && m_sources.analyses->hasNarration;
+    if (isUnheard && m_ports.analysers.transcribe) {
+        m_isTranscribing = true;
+        Q_EMIT transcribing();
+        learn(m_ports.speech, m_ports.analysers.transcribe, &BundleAnalyses::transcript, [this] {
+            m_isTranscribing = false;
+            Q_EMIT transcribing();
+            tellStory();
+        });
+    } else {
+        tellStory();
+    }
+}
+
+bool EditSession::canTranscribe() const
+{
+    return isLoaded() && m_sources.analyses->hasNarration && m_ports.analysers.transcribe
+           && !m_isTranscribing;
+}
+
+void EditSession::retranscribe()
+{
+    if (!canTranscribe()) {
+        return;
+    }
+    compute(
+        m_ports.edits,
+        this,
+        [file = m_sources.bundle->transcriptURL()] {
+            std::error_code ignored; // the worst is that the words stay what they are
+            std::filesystem::remove(file, ignored);
+        },
+        [this, stop = m_session.get_token()](const Outcome<void>&) {
+            if (stop.stop_requested()) {
+                return;
+            }
+            setTranscript({});
+            changed();
+            transcribeNarration();
+        });
+}
+
+void EditSession::tellStory()
+{
+    if (!m_sources.analyses->semantics && m_ports.analysers.tellStory) {
+        learn(
+            m_ports.speech,
+            [tell = m_ports.analysers.tellStory,
+             said = transcript()](const SessionBundle& bundle, const std::stop_token& stop) {
+                return tell(bundle, said, stop);
+            },
+            &BundleAnalyses::semantics);
+    }
 }
 
 void EditSession::setStaleDismissed(bool isDismissed)
@@ -355,6 +439,17 @@ void EditSession::setStaleDismissed(bool isDismissed)
     if (m_isStaleDismissed != isDismissed) {
         m_isStaleDismissed = isDismissed;
         Q_EMIT renderStaleChanged();
+    }
+}
+
+void EditSession::titleChanged()
+{
+    const AppSettings& settings = m_ports.settings.current();
+    if (isLoaded() && settings.titleCard && trimmed(settings.titleCardText).empty()) {
+        ++m_version;
+        if (!std::exchange(m_isRenderStale, true)) {
+            Q_EMIT renderStaleChanged();
+        }
     }
 }
 

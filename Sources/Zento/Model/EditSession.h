@@ -21,6 +21,18 @@
 
 namespace zento {
 
+/// The ways to learn what a bundle holds. Each leaves its result in the bundle; those that are
+/// empty are not gone. On a worker; they block long.
+struct BundleAnalysers {
+    std::function<std::vector<FramingHint>(const SessionBundle&, const std::stop_token&)>
+        findRegions;
+    std::function<std::vector<TranscriptSegment>(const SessionBundle&, const std::stop_token&)>
+        transcribe;
+    std::function<std::optional<SemanticNotes>(
+        const SessionBundle&, const std::vector<TranscriptSegment>&, const std::stop_token&)>
+        tellStory;
+};
+
 /// The edit of the selected recording: its saved edits and the settings as values, the plan that is
 /// made of them in the background, undo, and the file "overrides.json".
 ///
@@ -40,6 +52,9 @@ class EditSession : public QObject {
     /// What the next step of undo and redo is called; empty for none.
     Q_PROPERTY(QString undoName READ undoName NOTIFY historyChanged)
     Q_PROPERTY(QString redoName READ redoName NOTIFY historyChanged)
+    /// There is a narration, and it is not being listened to.
+    Q_PROPERTY(bool canTranscribe READ canTranscribe NOTIFY transcribing)
+    Q_PROPERTY(bool isTranscribing READ isTranscribing NOTIFY transcribing)
     /// The film on the disk is older than the edit.
     Q_PROPERTY(bool isRenderStale READ isRenderStale NOTIFY renderStaleChanged)
     /// Writing true puts the notice of that away until the next recording is opened.
@@ -50,13 +65,11 @@ public:
     struct Ports {
         Clock& clock;
         Worker& edits;    // loads, plans, saves
-        Worker& analyses; // the beats of a song
-        Worker& speech;   // what the narration says
+        Worker& analyses; // the beats of a song, the regions around clicks
+        Worker& speech;   // what the narration says, and the story
         SettingsModel& settings;
         std::function<std::optional<std::string>()> desktopImage; // on a worker; may block
-        /// What was said, with the transcript left in the bundle. On a worker; blocks long.
-        std::function<std::vector<TranscriptSegment>(const SessionBundle&, const std::stop_token&)>
-            transcribe;
+        BundleAnalysers analysers = {};
     };
 
     explicit EditSession(Ports ports);
@@ -87,6 +100,11 @@ public:
     /// "transcript.json". Nothing happens for an index beyond the transcript.
     void setWord(int index, const QString& text);
 
+    /// Forgets what was heard, words of the user's as well, and listens anew.
+    Q_INVOKABLE void retranscribe();
+    bool canTranscribe() const;
+    bool isTranscribing() const { return m_isTranscribing; }
+
     /// The music file came, changed or went: what was chosen of the one before is not of this one.
     Q_INVOKABLE void reloadMusic();
 
@@ -102,6 +120,8 @@ public:
     void setStaleDismissed(bool isDismissed);
     /// Grows with every change of what the film is made from.
     std::uint64_t version() const { return m_version; }
+    /// The words that the title card may show are others now.
+    void titleChanged();
     /// The film of this recording was written with the edit of that version.
     void rendered(std::uint64_t version);
 
@@ -120,6 +140,7 @@ Q_SIGNALS:
     void planFailed(const QString& sentence);
     void historyChanged();
     void renderStaleChanged();
+    void transcribing();
 
 private:
     struct Loaded;
@@ -134,7 +155,16 @@ private:
     void plan();
     void save();
     void analyzeMusic();
+    void setTranscript(std::vector<TranscriptSegment> transcript);
+    void findRegions();
     void transcribeNarration();
+    void tellStory();
+    template <typename Result, typename Analyse>
+    void learn(
+        Worker& worker,
+        Analyse analyse,
+        Result BundleAnalyses::* part,
+        std::function<void()> next = {});
 
     Ports m_ports;
     std::filesystem::path m_path;
@@ -146,6 +176,7 @@ private:
     bool m_isPlanning = false;
     bool m_isRestoring = false;
     bool m_isUnsaved = false;
+    bool m_isTranscribing = false;
     bool m_isRenderStale = false;
     bool m_isStaleDismissed = false;
     std::unique_ptr<Timer> m_planTimer;

@@ -25,8 +25,7 @@ struct EditorServices {
     ProxyMaker makeProxy;
     FrameComposerFactory makeComposer;
     std::function<std::optional<std::string>()> desktopImage; // on a worker; may block
-    std::function<std::vector<TranscriptSegment>(const SessionBundle&, const std::stop_token&)>
-        transcribe; // on a worker; blocks long
+    BundleAnalysers analysers;
 };
 
 /// The editor of the selected recording: its parts under one name.
@@ -49,7 +48,7 @@ public:
                .speech = services.speech,
                .settings = settings,
                .desktopImage = services.desktopImage,
-               .transcribe = services.transcribe})
+               .analysers = services.analysers})
         , m_preview(
               {.clock = clock,
                .proxies = services.proxies,

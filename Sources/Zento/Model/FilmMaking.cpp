@@ -4,6 +4,7 @@
 #include "Zento/Model/TextCards.h"
 #include "ZentoCore/Error.h"
 #include "ZentoCore/FileIO.h"
+#include "ZentoIntelligence/FrameAnalyzer.h"
 #include "ZentoIntelligence/NarrationTranscriber.h"
 #include "ZentoRender/GIFExporter.h"
 #include "ZentoRender/OfflineExporter.h"
@@ -62,6 +63,16 @@ private:
     bool m_isKept = false;
 };
 
+/// What a hurried user has not waited for; it is left in the bundle.
+void completeAnalyses(const SessionBundle& bundle, const std::stop_token& stop)
+{
+    static_cast<void>(NarrationTranscriber::loadOrTranscribe(bundle, stop));
+    try {
+        static_cast<void>(FrameAnalyzer::loadOrAnalyze(bundle, stop));
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch): the film is planned without
+    }
+}
+
 } // namespace
 
 std::optional<EditPlanner::MusicInfo> readableMusic(
@@ -91,8 +102,7 @@ void renderFilm(
     const FilmReports& reports,
     const std::stop_token& stop)
 {
-    // What a hurried user has not waited for; it is left in the bundle.
-    static_cast<void>(NarrationTranscriber::loadOrTranscribe(bundle, stop));
+    completeAnalyses(bundle, stop);
     const SavedOverrides edits = loadSavedOverrides(bundle);
     EditPlanner::PlanInput input = gatherPlanInput(bundle, settings, edits, desktopImage);
     input.music = readableMusic(bundle, edits, reports.onMusicLeftOut, stop);

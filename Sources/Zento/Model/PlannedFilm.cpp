@@ -3,6 +3,7 @@
 #include "ZentoEngine/EditPlanner.h"
 
 #include <algorithm>
+#include <future>
 #include <utility>
 
 namespace zento {
@@ -83,13 +84,21 @@ PlannedFilm planFilm(const FilmSources& sources)
         input.music->start = sources.edits.musicStart;
         input.music->end = sources.edits.musicEnd;
     }
-    auto plan = std::make_shared<const EditPlan>(planAtLevels(input, sources.settings));
+    const auto planOf = [&settings = sources.settings](const EditPlanner::PlanInput& of) {
+        return std::make_shared<const EditPlan>(planAtLevels(of, settings));
+    };
+    // Of an hour each takes a good part of what a replan may: the second one beside the first.
+    std::future<std::shared_ptr<const EditPlan>> untrimmed;
+    if (!input.overrides.removedRanges.empty()) {
+        EditPlanner::PlanInput whole = input;
+        whole.overrides.removedRanges.clear();
+        untrimmed = std::async(std::launch::async, planOf, std::move(whole));
+    }
+    auto plan = planOf(input);
     auto curve = curveOf(*plan);
     PlannedFilm planned = {.timelinePlan = plan, .timelineCurve = curve};
-    if (!input.overrides.removedRanges.empty()) {
-        input.overrides.removedRanges.clear();
-        planned.timelinePlan =
-            std::make_shared<const EditPlan>(planAtLevels(input, sources.settings));
+    if (untrimmed.valid()) {
+        planned.timelinePlan = untrimmed.get();
         planned.timelineCurve = curveOf(*planned.timelinePlan);
     }
     planned.duration = curve->outputDuration();

@@ -48,7 +48,8 @@ struct PlannedFilm {
 /// The film's shape at 720 lines.
 OutputSpec previewOutput(const AppSettings& settings);
 
-/// Plans the film twice where it is trimmed. Throws `Error` as the planner does. Threading: any.
+/// Plans the film twice where it is trimmed, the second time on a thread of its own that is waited
+/// for. Throws `Error` as the planner does. Threading: any.
 PlannedFilm planFilm(const FilmSources& sources);
 
 } // namespace zento

@@ -29,6 +29,9 @@ class App : public QObject {
     Q_PROPERTY(QVariant windows READ windows NOTIFY modelChanged)
     Q_PROPERTY(QVariant editor READ editor NOTIFY modelChanged)
     Q_PROPERTY(QVariant music READ music NOTIFY modelChanged)
+    Q_PROPERTY(QVariant language READ language NOTIFY modelChanged)
+    Q_PROPERTY(QVariant speech READ speech NOTIFY modelChanged)
+    Q_PROPERTY(QVariant filmCopy READ filmCopy NOTIFY modelChanged)
     /// What the screen is recorded by: "X11", "Wayland"; absent until it has been found out.
     Q_PROPERTY(QVariant desktop READ desktop NOTIFY desktopChanged)
     /// What the settings are on a fresh install, by their keys.
@@ -53,6 +56,9 @@ public:
     QVariant windows() const { return part("windows"); }
     QVariant editor() const { return part("editor"); }
     QVariant music() const { return part("music"); }
+    QVariant language() const { return part("language"); }
+    QVariant speech() const { return part("speech"); }
+    QVariant filmCopy() const { return part("filmCopy"); }
     QVariant desktop() const { return part("desktop"); }
     static QVariant defaults();
 

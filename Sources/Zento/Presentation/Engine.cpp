@@ -36,8 +36,8 @@ bool hasGraphicsProcessor()
 /// main thread for 130 ms, where Qt's own drawing needs a few.
 void chooseRenderer()
 {
-    if (!hasGraphicsProcessor())
-        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    if (QQuickWindow::sceneGraphBackend().isEmpty() && !hasGraphicsProcessor())
+        QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "ZentoCore/Error.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -12,16 +13,24 @@ namespace {
 /// What a window that hides takes to be gone from the screen, fading included.
 constexpr std::chrono::milliseconds kOutOfSight{300};
 
-/// A line across the page at every seam in doubt, which the user can delete.
+/// A line across the page at every seam in doubt, and a box around a scroll bar, which the user can
+/// delete.
 std::vector<Annotation> seamMarks(const ScrolledShot& shot)
 {
+    const double right = shot.shot.image->width();
+    const double bottom = shot.shot.image->height();
     std::vector<Annotation> marks;
     for (const ScrollSeam& seam : shot.seams) {
         const auto y = static_cast<double>(seam.y);
-        marks.push_back(
-            {.kind = Annotation::Kind::Line,
-             .start = {0, y},
-             .end = {static_cast<double>(shot.shot.image->width()), y}});
+        if (seam.doubt == ScrollDoubt::ScrollBar) {
+            const double edge = ScrollStitch::edgeWidth(shot.shot.image->width());
+            marks.push_back(
+                {.kind = Annotation::Kind::Box,
+                 .start = {right - edge, y},
+                 .end = {right, bottom}});
+        } else {
+            marks.push_back({.kind = Annotation::Kind::Line, .start = {0, y}, .end = {right, y}});
+        }
     }
     return marks;
 }
@@ -54,10 +63,23 @@ QString sentence(ScrollDoubt doubt)
         return Screenshots::tr(
             "A bar at the lower edge of the page is in the picture more than once. The red line "
             "shows where.");
+    case ScrollDoubt::ScrollBar:
+        return Screenshots::tr("Something at the right edge of the page, as a scroll bar, does not "
+                               "go with it. The red "
+                               "box shows where.");
     case ScrollDoubt::CutShort:
         return Screenshots::tr("The capture ended early. The page goes on below the red line.");
     }
     return {};
+}
+
+/// What is told of them: the page matters more than a scroll bar.
+QString sentence(const std::vector<ScrollSeam>& seams)
+{
+    const auto isPage = [](const ScrollSeam& s) { return s.doubt != ScrollDoubt::ScrollBar; };
+    const auto first = std::ranges::find_if(seams, isPage);
+    return seams.empty() ? QString()
+                         : sentence((first == seams.end() ? seams.begin() : first)->doubt);
 }
 
 } // namespace
@@ -179,7 +201,7 @@ void Screenshots::present(ScrolledShot shot)
          .wallpapers = surroundings.wallpapers,
          .exportFolder = m_exports.path(),
          .saveTo = {},
-         .doubt = shot.seams.empty() ? QString() : sentence(shot.seams.front().doubt),
+         .doubt = sentence(shot.seams),
          .document = marks},
         this);
     Q_EMIT opened(editor);

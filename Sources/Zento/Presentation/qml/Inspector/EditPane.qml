@@ -76,4 +76,36 @@ Pane {
             onEdited: value => pane.settings.typingSpeed = value
         }
     }
+    Section {
+        readonly property var line: App.editor?.timeline ?? null
+        readonly property var zooms: line?.zooms ?? []
+        readonly property int off: zooms.filter(zoom => !zoom.enabled).length
+
+        visible: (line?.duration ?? 0) > 0
+        title: qsTr("Zooms in this film")
+        Label {
+            text: (parent.parent.zooms.length === 1 ? qsTr("1 zoom") : qsTr("%1 zooms").arg(parent.parent.zooms.length))
+                + (parent.parent.off > 0 ? qsTr(", %1 switched off").arg(parent.parent.off) : "")
+        }
+        Gap {}
+        Row {
+            readonly property var line: parent.parent.line
+
+            spacing: 8
+            Button {
+                size: Button.Small
+                iconName: "plus"
+                text: qsTr("Add at playhead")
+                onClicked: parent.line.addZoomAtPlayhead()
+            }
+            Button {
+                visible: (parent.line?.deletedZooms ?? 0) > 0
+                size: Button.Small
+                kind: Button.Quiet
+                iconName: "undo"
+                text: qsTr("Restore %1").arg(parent.line?.deletedZooms ?? 0)
+                onClicked: parent.line.restoreDeletedZooms()
+            }
+        }
+    }
 }

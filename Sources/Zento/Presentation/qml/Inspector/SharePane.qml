@@ -6,6 +6,7 @@ Pane {
 
     readonly property var item: App.library.selectedItem
     readonly property bool hasFilm: item.hasRender ?? false
+    readonly property var words: App.filmCopy
 
     title: qsTr("Share")
     Section {
@@ -89,6 +90,60 @@ Pane {
                 text: App.sharing.cloudStatus
                 wrapMode: Text.Wrap
             }
+        }
+    }
+    Section {
+        title: qsTr("Words to go with it")
+        WordsBox {
+            width: parent.width
+            visible: pane.words.isWritten
+            label: qsTr("Title")
+            value: pane.words.title
+            onEdited: value => pane.words.title = value
+        }
+        WordsBox {
+            width: parent.width
+            visible: pane.words.isWritten
+            label: qsTr("Caption")
+            value: pane.words.caption
+            onEdited: value => pane.words.caption = value
+        }
+        WordsBox {
+            width: parent.width
+            visible: pane.words.isWritten
+            label: qsTr("Post")
+            value: pane.words.post
+            onEdited: value => pane.words.post = value
+        }
+        Gap {
+            size: 12
+            visible: pane.words.isWritten
+        }
+        Row {
+            spacing: 8
+            Button {
+                size: Button.Small
+                iconName: "refresh"
+                enabled: pane.words.canWrite
+                text: pane.words.isWriting ? qsTr("Writing…")
+                    : pane.words.isWritten ? qsTr("Write again") : qsTr("Write")
+                onClicked: pane.words.write()
+            }
+            Button {
+                size: Button.Small
+                iconName: "check"
+                visible: pane.words.isWritten
+                enabled: !pane.words.isKept
+                text: pane.words.isKept ? qsTr("Kept") : qsTr("Keep")
+                onClicked: pane.words.keep()
+            }
+        }
+        Gap {}
+        Caption {
+            width: parent.width
+            wrapMode: Text.Wrap
+            text: pane.words.isWritten ? pane.words.origin
+                : qsTr("A title, a caption and a post, written from what the recording shows.")
         }
     }
     Section {

@@ -18,6 +18,31 @@ Pane {
             checked: pane.settings.showCaptions
             onToggled: pane.settings.showCaptions = checked
         }
+        Transcript {
+            width: parent.width
+            line: App.editor?.timeline
+            preview: App.editor?.preview
+        }
+        Row {
+            visible: App.editor?.session.isTranscribing ?? false
+            spacing: 8
+            Spinner { anchors.verticalCenter: parent.verticalCenter }
+            Caption {
+                anchors.verticalCenter: parent.verticalCenter
+                text: qsTr("Listening to the narration…")
+            }
+        }
+        Gap { size: 8 }
+        Button {
+            readonly property var session: App.editor?.session ?? null
+
+            visible: session !== null && (session.canTranscribe || session.isTranscribing)
+            enabled: session?.canTranscribe ?? false
+            size: Button.Small
+            iconName: "refresh"
+            text: qsTr("Transcribe again")
+            onClicked: session.retranscribe()
+        }
     }
     Section {
         title: qsTr("Cards")

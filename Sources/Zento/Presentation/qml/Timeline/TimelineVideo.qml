@@ -110,23 +110,32 @@ FocusScope {
                 enabled: track.line.isTrimmed
                 onTriggered: track.line.resetTrim()
             }
+            MenuLine {}
+            UndoItem {}
+            UndoItem { isRedo: true }
         }
     }
     TrimHandle {
         x: track.line.trimStartX - width
         height: parent.height
         visible: track.line.duration > 0
+        part: "start"
         name: qsTr("Start of the film")
         time: track.clock(track.line.trimStartTime)
-        onNudged: seconds => track.line.nudgeTrim("start", seconds)
+        onNudged: (part, seconds) => track.line.nudgeTrim(part, seconds)
+        onResetRequested: track.line.resetTrim()
+        onMenuRequested: menu.popup(x, track.height)
     }
     TrimHandle {
         x: track.line.trimEndX
         height: parent.height
         visible: track.line.duration > 0
+        part: "end"
         name: qsTr("End of the film")
         time: track.clock(track.line.trimEndTime)
-        onNudged: seconds => track.line.nudgeTrim("end", seconds)
+        onNudged: (part, seconds) => track.line.nudgeTrim(part, seconds)
+        onResetRequested: track.line.resetTrim()
+        onMenuRequested: menu.popup(x, track.height)
     }
     TimeBubble {
         visible: track.line.trimDrag.length > 0

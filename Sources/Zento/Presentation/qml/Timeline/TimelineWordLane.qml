@@ -24,6 +24,7 @@ FocusScope {
     Keys.onLeftPressed: current = Math.max(0, current - 1)
     Keys.onRightPressed: current = Math.min(line.words.length - 1, current + 1)
     Keys.onReturnPressed: if (line.words[current]) edit(line.words[current])
+    Keys.onEnterPressed: if (line.words[current]) edit(line.words[current])
 
     Rectangle {
         anchors.fill: parent

@@ -51,6 +51,8 @@ FocusScope {
             goBy(-1)
         else if (event.key === Qt.Key_Down)
             goBy(1)
+        else if (event.key === Qt.Key_Menu || event.key === Qt.Key_F10)
+            openMenu(current, entry?.x ?? 0, lane.height)
         else if (!entry)
             event.accepted = false
         else if (event.key === Qt.Key_Left || event.key === Qt.Key_Right) {
@@ -65,8 +67,6 @@ FocusScope {
             line.deleteZoom(current)
         else if (event.key >= Qt.Key_1 && event.key <= Qt.Key_4 && event.modifiers === Qt.NoModifier)
             line.setZoomLevel(current, levels[event.key - Qt.Key_1])
-        else if (event.key === Qt.Key_Menu || event.key === Qt.Key_F10)
-            openMenu(current, entry.x, lane.height)
         else
             event.accepted = false
     }
@@ -100,6 +100,7 @@ FocusScope {
             isFocused: lane.activeFocus && lane.current === modelData.id
             isLifted: isDragged
             Accessible.role: Accessible.ListItem
+            Accessible.onPressAction: lane.line.toggleZoom(modelData.id)
             Accessible.name: qsTr("Zoom %1, %2 to %3 seconds, %4")
                 .arg(modelData.zoom + (modelData.title.length > 0 ? ", " + modelData.title : ""))
                 .arg(modelData.time.toFixed(1)).arg(modelData.timeEnd.toFixed(1))
@@ -226,6 +227,9 @@ FocusScope {
                 : qsTr("Restore %1 Deleted Zooms").arg(lane.line.deletedZooms)
             onTriggered: lane.line.restoreDeletedZooms()
         }
+        MenuLine {}
+        UndoItem {}
+        UndoItem { isRedo: true }
     }
 
     component LevelItem: MenuItem {

@@ -33,13 +33,16 @@ Item {
         }
     }
     Row {
+        id: label
+
         anchors.verticalCenter: parent.verticalCenter
-        x: 10
+        x: block.width < 72 ? Math.max(2, Math.min(10, (block.width - width) / 2)) : 10
         spacing: 6
-        visible: block.width >= 40
+        // A level that is cut off says a wrong one.
+        visible: block.width >= 40 && level.implicitWidth + 4 <= block.width
         Rectangle {
             anchors.verticalCenter: parent.verticalCenter
-            visible: block.zoom.edited && !block.zoom.added
+            visible: block.zoom.edited && !block.zoom.added && block.width >= level.implicitWidth + 24
             width: 6
             height: 6
             radius: 3
@@ -47,7 +50,7 @@ Item {
         }
         Icon {
             anchors.verticalCenter: parent.verticalCenter
-            visible: block.zoom.added && block.width >= 56
+            visible: block.zoom.added && block.width >= level.implicitWidth + 30
             name: "plus"
             size: 12
             color: level.color

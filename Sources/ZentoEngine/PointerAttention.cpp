@@ -31,7 +31,8 @@ double distance(Vec2 a, Vec2 b)
 struct Rest {
     double start = 0;
     double end = 0;
-    Vec2 pos;
+    Vec2 pos;  // where it came to
+    Vec2 last; // and where it went on from
 };
 
 /// The stretches in which the pointer stays near the place it came to.
@@ -41,8 +42,9 @@ std::vector<Rest> restsOf(std::span<const PointerMove> moves, double width)
     for (const PointerMove& move : moves) {
         if (!rests.empty() && distance(rests.back().pos, move.pos) <= kRestRadius * width) {
             rests.back().end = move.t;
+            rests.back().last = move.pos;
         } else {
-            rests.push_back({move.t, move.t, move.pos});
+            rests.push_back({move.t, move.t, move.pos, move.pos});
         }
     }
     std::erase_if(rests, [](const Rest& rest) { return rest.end - rest.start < kShortRest; });
@@ -66,17 +68,17 @@ Moment momentAt(Moment::Kind kind, double start, double end, Vec2 pos)
 }
 
 std::vector<Moment>
-dwellsOf(std::span<const Rest> rests, std::span<const double> changes, double width)
+dwellsOf(Vec2 from, std::span<const Rest> rests, std::span<const double> changes, double width)
 {
     std::vector<Moment> dwells;
-    for (std::size_t i = 1; i < rests.size(); ++i) { // where it was at first, nobody brought it
-        const Rest& rest = rests[i];
+    for (const Rest& rest : rests) {
+        const bool isJourney = distance(from, rest.pos) >= kJourney * width;
+        from = rest.last;
         const double length = rest.end - rest.start;
         const bool isAnswered = changesWithin(changes, rest.start, rest.start + kAnswer);
-        if (distance(rests[i - 1].pos, rest.pos) >= kJourney * width
-            && (length >= kLongRest || isAnswered)) {
+        if (isJourney && (length >= kLongRest || isAnswered)) {
             dwells.push_back(
-                momentAt(Moment::Kind::Dwell, rest.start, rest.start + kDwellLength, rest.pos));
+                momentAt(Moment::Kind::Dwell, rest.start, rest.start + kDwellLength, rest.last));
         }
     }
     return dwells;
@@ -137,7 +139,9 @@ PointerAttention pointerAttention(
     const std::vector<double> busy = busyTimes(pictureChanges);
     times.insert(times.end(), busy.begin(), busy.end());
     return {
-        .dwells = dwellsOf(restsOf(moves, width), pictureChanges, width),
+        .dwells = moves.empty()
+                      ? std::vector<Moment>()
+                      : dwellsOf(moves.front().pos, restsOf(moves, width), pictureChanges, width),
         .activity = activityOf(std::move(times))};
 }
 

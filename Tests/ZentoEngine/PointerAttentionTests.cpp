@@ -152,6 +152,7 @@ TEST(PointerAttention, whatIsADwell)
     };
     for (const Case& each :
          {Case{"it never moves", Way({200, 200}).rest(10), {}, 0},
+          Case{"it is on its way at first", Way({200, 200}).to({900, 500}).rest(2), {}, 1},
           Case{"a long rest", Way({200, 200}).rest(1).to({900, 500}).rest(1), {}, 1},
           Case{
               "a short rest", Way({200, 200}).rest(1).to({900, 500}).rest(0.5).to({90, 90}), {}, 0},

@@ -31,7 +31,7 @@ struct Circumstances {
 };
 
 /// A finding on each of them, always in the same order. Pure.
-std::vector<Finding> diagnose(const Circumstances& circumstances);
+std::vector<Finding> diagnose(const Circumstances& all);
 
 /// Whether the screen can be recorded at all.
 bool canRecord(const Circumstances& circumstances);

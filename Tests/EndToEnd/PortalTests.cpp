@@ -5,6 +5,7 @@
 #include "ZentoCapture/Backends/PortalDesktop.h"
 #include "ZentoCapture/CaptureSession.h"
 #include "ZentoCapture/GlobalShortcuts.h"
+#include "ZentoCapture/Journal.h"
 #include "ZentoCapture/MonotonicClock.h"
 #include "ZentoCapture/ScreenshotTool.h"
 #include "ZentoCapture/ScrollWheel.h"
@@ -102,6 +103,9 @@ protected:
             s_stage = std::make_unique<WaylandStage>(); // one for all tests of the process
         return *s_stage;
     }
+
+    // Before a thread of a test looks for the session's bus, which is the stage's.
+    void SetUp() override { stage(); }
 
     void TearDown() override
     {
@@ -312,6 +316,8 @@ TEST_F(PortalTest, aRecordingThatIsCutOffIsWhole)
             WaylandUser user(stage());
             ASSERT_TRUE(clientSees("move", [&] { user.move(400, 300); })) << each.name;
             ASSERT_TRUE(eventually([&] { return session.frameCount() > 1; })) << each.name;
+            ASSERT_TRUE(eventually([&] { return readFile(journalURL(folder)).contains("move"); }))
+                << each.name;
         }
         each.cutOff();
         ASSERT_TRUE(eventually([&] {

@@ -342,8 +342,6 @@ void EditSession::learn(
     Worker& worker, Analyse analyse, Result BundleAnalyses::* part, std::function<void()> next)
 {
     const auto stop = m_session.get_token();
-    m_isTranscribing = true;
-    Q_EMIT editsChanged();
     compute(
         worker,
         this,

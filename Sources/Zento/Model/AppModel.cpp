@@ -157,6 +157,8 @@ void AppModel::connectEditor()
         m_music.open(m_library.selected());
     });
     connect(&m_music, &RecordingMusic::fileChanged, session, &EditSession::reloadMusic);
+    // What Zento plays itself does not belong into a recording of what the computer plays.
+    connect(&m_recording, &RecordingFlow::phaseChanged, &m_music, &RecordingMusic::stopPreview);
     connect(session, &EditSession::historyChanged, this, &AppModel::historyChanged);
     connect(&m_export, &FilmExport::filmWritten, session, [this, session](const QString& path) {
         if (path == session->path()) {

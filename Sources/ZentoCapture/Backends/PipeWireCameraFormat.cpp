@@ -1,5 +1,7 @@
 #include "ZentoCapture/Backends/PipeWireCameraFormat.h"
 
+#include "ZentoCapture/Backends/VideoFormatChoice.h"
+
 #include <spa/buffer/buffer.h>
 #include <spa/param/param.h>
 #include <spa/param/video/format-utils.h>
@@ -36,18 +38,6 @@ constexpr std::array<Form, 14> kForms{
 
 enum class Shape { Wanted, Any };
 
-void addForms(spa_pod_builder& builder)
-{
-    spa_pod_frame choice{};
-    spa_pod_builder_prop(&builder, SPA_FORMAT_VIDEO_format, 0);
-    spa_pod_builder_push_choice(&builder, &choice, SPA_CHOICE_Enum, 0);
-    spa_pod_builder_id(&builder, kForms.front().format); // the default stands in front
-    for (const Form& form : kForms) {
-        spa_pod_builder_id(&builder, form.format);
-    }
-    spa_pod_builder_pop(&builder, &choice);
-}
-
 void addSize(spa_pod_builder& builder, Shape shape)
 {
     spa_pod_builder_prop(&builder, SPA_FORMAT_VIDEO_size, 0);
@@ -83,7 +73,7 @@ const spa_pod* wantedFormat(spa_pod_builder& builder, spa_media_subtype subtype,
     spa_pod_builder_prop(&builder, SPA_FORMAT_mediaSubtype, 0);
     spa_pod_builder_id(&builder, subtype);
     if (subtype == SPA_MEDIA_SUBTYPE_raw) {
-        addForms(builder);
+        addFormatChoice(builder, kForms);
     }
     addSize(builder, shape);
     addRate(builder, shape);

@@ -26,22 +26,9 @@ struct Response {
 };
 
 /// Shows the portal that nobody waits any more, so that its dialog goes.
-void close(SessionBus& bus, const std::string& request)
+void close(const SessionBus& bus, const std::string& request)
 {
-    g_dbus_connection_call(
-        bus.connection(),
-        kService,
-        request.c_str(),
-        kRequest,
-        "Close",
-        nullptr,
-        nullptr,
-        G_DBUS_CALL_FLAGS_NO_AUTO_START,
-        -1,
-        nullptr,
-        nullptr,
-        nullptr);
-    g_dbus_connection_flush_sync(bus.connection(), nullptr, nullptr);
+    bus.send({kService, request.c_str(), kRequest}, "Close");
 }
 
 std::string spoken(const char* name, const char* method)

@@ -169,20 +169,7 @@ void ScreenCastSession::State::close() noexcept
     if (path.empty() || isClosed) {
         return;
     }
-    g_dbus_connection_call(
-        bus.connection(),
-        session().service,
-        session().path,
-        session().name,
-        "Close",
-        nullptr,
-        nullptr,
-        G_DBUS_CALL_FLAGS_NO_AUTO_START,
-        -1,
-        nullptr,
-        nullptr,
-        nullptr);
-    g_dbus_connection_flush_sync(bus.connection(), nullptr, nullptr);
+    bus.send(session(), "Close");
     path.clear();
 }
 

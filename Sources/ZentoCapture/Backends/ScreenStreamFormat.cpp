@@ -1,5 +1,7 @@
 #include "ZentoCapture/Backends/ScreenStreamFormat.h"
 
+#include "ZentoCapture/Backends/VideoFormatChoice.h"
+
 #include <spa/buffer/buffer.h>
 #include <spa/buffer/meta.h>
 #include <spa/param/buffers.h>
@@ -36,18 +38,6 @@ constexpr unsigned kHighestRate = 60;
 constexpr int kDamageRegions = 16;
 
 enum class Memory : unsigned char { Ordinary, OfCard };
-
-void addFormats(spa_pod_builder& builder)
-{
-    spa_pod_frame choice{};
-    spa_pod_builder_prop(&builder, SPA_FORMAT_VIDEO_format, 0);
-    spa_pod_builder_push_choice(&builder, &choice, SPA_CHOICE_Enum, 0);
-    spa_pod_builder_id(&builder, kForms.front().format); // the default stands in front
-    for (const Form& form : kForms) {
-        spa_pod_builder_id(&builder, form.format);
-    }
-    spa_pod_builder_pop(&builder, &choice);
-}
 
 void addSize(spa_pod_builder& builder)
 {
@@ -86,7 +76,7 @@ const spa_pod* wantedFormat(spa_pod_builder& builder, Memory memory)
     spa_pod_builder_id(&builder, SPA_MEDIA_TYPE_video);
     spa_pod_builder_prop(&builder, SPA_FORMAT_mediaSubtype, 0);
     spa_pod_builder_id(&builder, SPA_MEDIA_SUBTYPE_raw);
-    addFormats(builder);
+    addFormatChoice(builder, kForms);
     if (memory == Memory::OfCard) {
         spa_pod_builder_prop(&builder, SPA_FORMAT_VIDEO_modifier, SPA_POD_PROP_FLAG_MANDATORY);
         spa_pod_builder_long(&builder, kLinear);

@@ -137,6 +137,24 @@ Variant SessionBus::call(
     return answer;
 }
 
+void SessionBus::send(const BusInterface& target, const char* method) const noexcept
+{
+    g_dbus_connection_call(
+        connection(),
+        target.service,
+        target.path,
+        target.name,
+        method,
+        nullptr,
+        nullptr,
+        G_DBUS_CALL_FLAGS_NO_AUTO_START,
+        -1,
+        nullptr,
+        nullptr,
+        nullptr);
+    g_dbus_connection_flush_sync(connection(), nullptr, nullptr);
+}
+
 int SessionBus::callForFile(
     const BusInterface& target, const char* method, _GVariant* arguments, Patience patience) const
 {

@@ -54,6 +54,9 @@ public:
         _GVariant* arguments,
         Patience patience) const;
 
+    /// A call without arguments whose answer nobody waits for.
+    void send(const BusInterface& target, const char* method) const noexcept;
+
     /// A property's value; nothing if the service, the interface or the property is not there.
     Variant property(const BusInterface& target, const char* name, Patience patience) const;
 

@@ -410,7 +410,7 @@ void EditSession::retranscribe()
             std::filesystem::remove(file, ignored);
         },
         [this, stop = m_session.get_token()](const Outcome<void>&) {
-            if (stop.stop_requested()) {
+            if (stop.stop_requested() || m_isTranscribing) { // asked twice
                 return;
             }
             setTranscript({});

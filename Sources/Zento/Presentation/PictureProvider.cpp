@@ -24,7 +24,9 @@ public:
     {
         if (!m_cancelled && !m_size.isEmpty())
             drawPicture();
-        Q_EMIT finished();
+        // From the loop of the thread that asked: a picture done before that thread listens for it
+        // would never be shown.
+        QMetaObject::invokeMethod(this, &QQuickImageResponse::finished, Qt::QueuedConnection);
     }
 
     void cancel() override { m_cancelled = true; }

@@ -2,6 +2,7 @@
 // is measured as well.
 
 #include "Material.h"
+#include "ProcessorTime.h"
 #include "ZentoIntelligence/EnergySegments.h"
 #include "ZentoIntelligence/SpeechEngine.h"
 #include "ZentoIntelligence/VoiceActivity.h"
@@ -11,7 +12,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <exception>
 #include <iostream>
 #include <iterator>
@@ -22,14 +22,6 @@
 
 namespace zento {
 namespace {
-
-/// Of the whole process, all threads together.
-double processorSeconds()
-{
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
 
 std::vector<std::string> plainWords(const std::string& text)
 {
@@ -93,10 +85,10 @@ boundaryErrors(const std::vector<SpokenWord>& words, const std::vector<SpeechStr
 
 void measureEngine(SpeechEngine& engine, const char* name, const SpokenMaterial& material)
 {
-    const double begin = processorSeconds();
+    const double begin = bench::processSeconds();
     const auto stretches = speechStretches(material.sound);
     const auto words = engine.words(material.sound, stretches, {}, {});
-    const double took = processorSeconds() - begin;
+    const double took = bench::processSeconds() - begin;
     std::string heard;
     for (const SpokenWord& word : words)
         heard += word.text + ' ';
@@ -159,14 +151,14 @@ void measureActivity(
 
 void measureActivities(const SpokenMaterial& material)
 {
-    double begin = processorSeconds();
+    double begin = bench::processSeconds();
     const auto heard = speechStretches(material.sound);
-    measureActivity("network", material, heard, processorSeconds() - begin);
-    begin = processorSeconds();
+    measureActivity("network", material, heard, bench::processSeconds() - begin);
+    begin = bench::processSeconds();
     std::vector<SpeechStretch> loud;
     for (const TranscriptSegment& segment : energySegments(material.sound, kSpeechRate, 0))
         loud.push_back({segment.start, segment.end});
-    measureActivity("loudness", material, loud, processorSeconds() - begin);
+    measureActivity("loudness", material, loud, bench::processSeconds() - begin);
 }
 
 void run(const char* model)

@@ -1,6 +1,7 @@
 // How well and how fast a narration is heard: speech_bench [MODEL]. With a speech model whisper.cpp
-// is measured as well.
+// is measured as well. speech_bench --long [MINUTES]: what long ones without a voice cost.
 
+#include "LongSound.h"
 #include "Material.h"
 #include "ProcessorTime.h"
 #include "ZentoIntelligence/EnergySegments.h"
@@ -182,6 +183,10 @@ void run(const char* model)
 
 int main(int count, char** arguments)
 try {
+    if (count > 1 && std::string(arguments[1]) == "--long") {
+        zento::measureLongSounds(count > 2 ? std::stod(arguments[2]) : 60);
+        return 0;
+    }
     zento::run(count > 1 ? arguments[1] : nullptr);
     return 0;
 } catch (const std::exception& error) {

@@ -33,6 +33,7 @@ Item {
         focusPolicy: Qt.StrongFocus
         text: root.live ? qsTr("Stop") : qsTr("Record")
         Accessible.name: text
+        Accessible.onPressAction: if (main.enabled) main.clicked()
         Accessible.description: root.live ? root.elapsed : root.missing
         onClicked: root.live ? root.stop() : root.recordScreen()
         Keys.onReturnPressed: main.clicked()
@@ -96,6 +97,7 @@ Item {
         focusPolicy: Qt.StrongFocus
         text: qsTr("Choose what to record")
         Accessible.name: text
+        Accessible.onPressAction: if (menuPart.enabled) menuPart.clicked()
         Accessible.role: Accessible.ButtonMenu
         onClicked: menu.popup(0, root.height + 4)
         Keys.onReturnPressed: menuPart.clicked()

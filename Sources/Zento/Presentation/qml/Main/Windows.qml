@@ -120,8 +120,8 @@ QtObject {
 
                 flags: areas.hasPicture ? Qt.Window | Qt.FramelessWindowHint
                     : Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint | Qt.BypassWindowManagerHint
-                screen: Application.screens.find(each => each.virtualX === modelData.x && each.virtualY === modelData.y)
-                    ?? Application.screens[0]
+                screen: root.screenAt(modelData)
+                visible: true
                 visibility: areas.hasPicture ? Window.FullScreen : Window.Windowed
                 color: "transparent"
                 x: modelData.x
@@ -159,6 +159,14 @@ QtObject {
         }
     ]
 
+    function screenAt(display) {
+        for (let i = 0; i < Application.screens.length; ++i) {
+            const screen = Application.screens[i]
+            if (screen.virtualX === display.x && screen.virtualY === display.y)
+                return screen
+        }
+        return Application.screens[0]
+    }
     function showPermissions() {
         App.model.showInspector = true
         App.model.inspectorTab = "record"

@@ -119,6 +119,11 @@ Shot capture(Desktop& desktop, const CaptureTarget& target, const std::stop_toke
         }
     }
     desktop.choose(target, stop);
+    return captureChosen(desktop, target, stop);
+}
+
+Shot captureChosen(Desktop& desktop, const CaptureTarget& target, const std::stop_token& stop)
+{
     const CaptureLayout layout = captureLayout(target, desktop, {});
     if (desktop.choice() == Desktop::Choice::ByProgram && isGone(target, layout.display)) {
         throw Error(ErrorCode::kShotDisplayGone, "the display is no longer connected");

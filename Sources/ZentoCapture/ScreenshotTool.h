@@ -29,5 +29,8 @@ namespace ScreenshotTool {
 /// nothing, 9 when it was stopped, or what the desktop says.
 Shot capture(Desktop& desktop, const CaptureTarget& target, const std::stop_token& stop = {});
 
+/// The same of what the user has chosen already, where that is how it goes: see `Desktop::choose`.
+Shot captureChosen(Desktop& desktop, const CaptureTarget& target, const std::stop_token& stop = {});
+
 } // namespace ScreenshotTool
 } // namespace zento

@@ -32,6 +32,20 @@ public:
     {
     }
 
+    void choose(const std::stop_token& stop) override
+    {
+        m_captures.steps.emplace_back("choose");
+        if (m_captures.whileChoosing) {
+            m_captures.whileChoosing();
+        }
+        if (stop.stop_requested()) {
+            throw Error(ErrorCode::kCancelled, "given up");
+        }
+        if (!m_captures.choiceFailure.empty()) {
+            throw Error(ErrorCode::kPortalDenied, m_captures.choiceFailure);
+        }
+    }
+
     void start() override
     {
         m_captures.steps.emplace_back("start");
@@ -166,6 +180,8 @@ void ModelTest::makeModel()
         .sessionsFolder = m_sessions,
         .home = m_folder.path(),
         .makeCapture = m_captures.factory(),
+        .choice = m_choice,
+        .displayPicture = [this](const auto&) { return m_displayPicture(); },
         .makers = m_films.makers(),
         .freeSpace = [this] { return m_freeSpace; },
         .runAction = [this](const std::string& name) { m_actions.push_back(name); },

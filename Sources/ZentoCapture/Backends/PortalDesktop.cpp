@@ -81,6 +81,11 @@ void PortalDesktop::choose(const CaptureTarget& target, const std::stop_token& s
         choiceFor(target), m_parts.tokens, m_parts.patience, m_pointer, stop);
 }
 
+void PortalDesktop::forgetChoice(const CaptureTarget& target)
+{
+    m_parts.tokens.keep(choiceFor(target).name, {});
+}
+
 std::optional<std::string> PortalDesktop::shortcoming()
 {
     if (m_screen && !m_screen->tellsPointer()) {

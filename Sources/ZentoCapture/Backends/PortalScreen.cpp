@@ -83,7 +83,7 @@ struct PortalScreen::State {
 
     // On the loop's thread.
     void take(const ScreenUpdate& update);
-    void measure();
+    void measure(Vec2 whole);
     void pace(double now);
     void lose(const std::string& reason);
     void tellEnd();
@@ -111,7 +111,7 @@ void PortalScreen::State::take(const ScreenUpdate& update)
     const bool isFirst = !frames.hasPicture();
     frames.take(update, now);
     if (isFirst && frames.hasPicture()) {
-        measure();
+        measure(update.stream);
         first.come();
     }
     if (update.pointer && frames.hasPicture()) {
@@ -121,11 +121,13 @@ void PortalScreen::State::take(const ScreenUpdate& update)
     pace(now);
 }
 
-void PortalScreen::State::measure()
+/// A window's stream is as large as the desktop thinks the window can become; the size that is told
+/// of it is that of the whole.
+void PortalScreen::State::measure(Vec2 whole)
 {
     size = frames.size();
     origin = offered.position.value_or(Vec2{});
-    scale = offered.size ? streamScale(size.x, offered.size->x) : 1;
+    scale = offered.size ? streamScale(whole.x, offered.size->x) : 1;
 }
 
 void PortalScreen::State::pace(double now)

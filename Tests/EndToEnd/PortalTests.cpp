@@ -515,6 +515,87 @@ TEST_F(PortalTest, aWindowThatChangesItsSizeStaysInTheFrameOfTheFilm)
     }
 }
 
+/// The newest line of the client that begins so, without that.
+std::vector<double> numbersOf(const std::vector<std::string>& lines, const std::string& what)
+{
+    std::vector<double> numbers;
+    const auto line = std::ranges::find_if(
+        lines.rbegin(), lines.rend(), [&](const auto& each) { return each.starts_with(what); });
+    if (line != lines.rend()) {
+        std::istringstream words(line->substr(what.size()));
+        for (double number = 0; words >> number;)
+            numbers.push_back(number);
+    }
+    return numbers;
+}
+
+TEST_F(PortalTest, aClickHasItsElementWhereItsWindowIsKnown)
+{
+    struct Case {
+        const char* name;
+        const char* state;
+        double scale;
+        CaptureTarget target;
+        bool hasElement;
+    };
+    for (const Case& each : std::vector<Case>{
+             {"a window", "window", 1, Target::Window{0}, true},
+             {"a window of twice the pixels", "window", 2, Target::Window{0}, true},
+             {"a window over the whole monitor", "fullscreen", 1, Target::Display{}, true},
+             {"a window somewhere", "window", 1, Target::Display{}, false}}) {
+        stage().setScale(each.scale);
+        stage().startGtkClient(each.state);
+        WaylandUser user(stage());
+        std::vector<double> button;
+        ASSERT_TRUE(eventually([&] {
+            button = numbersOf(stage().clientLines(), "button");
+            return button.size() == 4;
+        })) << each.name;
+        const Vec2 corner = cornerOfClient(user, each.scale);
+        PortalDesktop desktop(parts());
+        const auto folder = m_folder / each.name;
+        CaptureSession session(folder, desktop);
+        session.target = each.target;
+        session.start();
+        ASSERT_TRUE(eventually([&] { return session.frameCount() > 0; })) << each.name;
+        const auto click = [&](Vec2 part) { // of the button, from its corner
+            user.move(
+                corner.x + (button[0] + part.x * button[2]) * each.scale,
+                corner.y + (button[1] + part.y * button[3]) * each.scale);
+            settle();
+            EXPECT_TRUE(clientSees("clicked", [&] {
+                user.click();
+                clickOnDevices();
+            })) << each.name;
+            settle();
+        };
+        click({0.5, 0.5});
+        click({0.1, 0.9});
+        settle(); // the bus answers
+        session.stop();
+
+        std::vector<InputEvent> clicks;
+        std::ranges::copy_if(
+            SessionBundle::load(folder).events, std::back_inserter(clicks), [](const auto& event) {
+                return event.kind == EventKind::Click;
+            });
+        ASSERT_EQ(clicks.size(), 2U) << each.name;
+        for (const InputEvent& event : clicks)
+            ASSERT_EQ(event.ax.has_value(), each.hasElement) << each.name;
+        if (!each.hasElement)
+            continue;
+        EXPECT_EQ(clicks[0].ax->role, "AXButton") << each.name;
+        EXPECT_EQ(clicks[0].ax->title, "Save") << each.name;
+        const Rect frame = clicks[0].ax->frame;
+        EXPECT_EQ(frame.w, button[2] * each.scale) << each.name;
+        EXPECT_EQ(frame.h, button[3] * each.scale) << each.name;
+        EXPECT_NEAR(frame.center().x, clicks[0].pos.x, 1) << each.name;
+        EXPECT_NEAR(frame.center().y, clicks[0].pos.y, 1) << each.name;
+        EXPECT_EQ(clicks[1].ax->frame, frame) << each.name;
+    }
+    stage().setScale(1);
+}
+
 TEST_F(PortalTest, anAreaIsAPartOfTheChosenMonitorInItsPoints)
 {
     stage().setScale(2);

@@ -185,14 +185,24 @@ pid_t WaylandStage::start(const std::string& name, const std::vector<std::string
 
 pid_t WaylandStage::startClient(std::vector<std::string> sizes)
 {
+    sizes.insert(sizes.begin(), WAYLAND_CLIENT);
+    return startInFront(sizes);
+}
+
+pid_t WaylandStage::startGtkClient(const std::string& state)
+{
+    return startInFront({"/usr/bin/python3", GTK_CLIENT, state});
+}
+
+pid_t WaylandStage::startInFront(const std::vector<std::string>& command)
+{
     if (m_client != 0) {
         ::kill(m_client, SIGTERM);
         waitUntil(
             [&] { return !ProcessGroup::isRunning(m_client); }, kPatience, "a client stays", {});
         std::filesystem::remove(m_home.path() / "client.log");
     }
-    sizes.insert(sizes.begin(), WAYLAND_CLIENT);
-    m_client = start("client.log", sizes);
+    m_client = start("client.log", command);
     waitUntil([&] { return !clientLines().empty(); }, kPatience, "no client", {});
     return m_client;
 }

@@ -39,6 +39,8 @@ public:
     /// the screen. It tells what it sees of the user, a line each. `sizes`: "800x600", of a window
     /// that is not over the whole screen; the key R gives it the next one.
     pid_t startClient(std::vector<std::string> sizes = {});
+    /// The same with a program of GTK 3, which has a button. `state`: "window" or "fullscreen".
+    pid_t startGtkClient(const std::string& state);
     std::vector<std::string> clientLines() const;
 
     // What the portal's user does. `answer`: "yes", "no" or "never".
@@ -55,6 +57,7 @@ public:
     SessionBus& bus() { return *m_bus; }
 
 private:
+    pid_t startInFront(const std::vector<std::string>& command);
     void startBus();
     void startServices();
     void startPortal();

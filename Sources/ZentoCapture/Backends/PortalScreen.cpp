@@ -200,6 +200,16 @@ bool PortalScreen::tellsPointer() const
     return m_state->session->tellsPointer();
 }
 
+ShownPlace PortalScreen::place() const
+{
+    const PipeWireLoop::Lock lock(m_state->loop);
+    const Vec2 pixels = m_state->frames.size();
+    return {
+        .origin = m_state->origin,
+        .size = {pixels.x / m_state->scale, pixels.y / m_state->scale},
+        .factor = m_state->frames.asRecorded({1, 1}).x};
+}
+
 void PortalScreen::begin(
     const PixelRect& part, FrameSource::FrameHandler onFrame, FrameSource::EndHandler onEnd)
 {

@@ -12,6 +12,8 @@ FocusScope {
     readonly property var levels: [1.35, 1.6, 1.9, 2.1]
 
     function zoom(id) {
+        if (id < 0) // each look into the list makes all of it anew
+            return null
         for (const entry of line.zooms)
             if (entry.id === id)
                 return entry

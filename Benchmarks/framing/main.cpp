@@ -83,8 +83,8 @@ bool isPlausible(const Rect& rect, const SessionMeta& meta)
 std::vector<const Element*> chainOf(const Sight& sight, const Element& element)
 {
     std::vector<const Element*> chain = {&element};
-    while (chain.back()->parent)
-        chain.push_back(&sight.elements[*chain.back()->parent]);
+    while (const auto parent = chain.back()->parent)
+        chain.push_back(&sight.elements[*parent]);
     return chain;
 }
 
@@ -149,6 +149,7 @@ double findHints(const Sight& sight, const SessionMeta& meta, std::vector<Clicke
     const std::filesystem::path movie = folder / "screen.mov";
     test::writePictures(movie, {{0, &sight.picture}});
     std::vector<InputEvent> events;
+    events.reserve(clicks.size());
     for (const Clicked& click : clicks)
         events.push_back({.t = 1, .kind = EventKind::Click, .pos = click.place, .button = 0});
     const double begin = processorMilliseconds();

@@ -10,7 +10,7 @@ namespace {
 constexpr double kPause = 0.45;     // seconds between words that end a segment
 constexpr double kBreath = 0.15;    // that end one which is long enough
 constexpr std::size_t kEnough = 42; // letters from which a breath will do: about a line
-constexpr std::size_t kMost = 84;   // letters of one: two lines
+constexpr std::size_t kMost = 80;   // letters of one: longer ones the film would split again
 
 bool isSelf(std::string_view word)
 {

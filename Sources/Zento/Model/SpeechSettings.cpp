@@ -54,15 +54,15 @@ SpeechSettings::~SpeechSettings()
 /// The engine that narrations are heard with: what `makeEngineFor` would choose. Blocks.
 SpeechSettings::State SpeechSettings::look(const SpeechModelPlace& place)
 {
-    const State state{Engine::Model, nameOfModel(place.file)};
-    if (!state.model.isEmpty() && place.canUseModels) {
+    const QString model = nameOfModel(place.file);
+    if (!model.isEmpty() && place.canUseModels) {
         try {
             place.requireModel(place.file);
-            return state;
+            return {Engine::Model, model};
         } catch (const Error&) { // NOLINT(bugprone-empty-catch): it is not used
         }
     }
-    return {place.hasBasicEngine() ? Engine::Basic : Engine::LoudnessAlone, state.model};
+    return {place.hasBasicEngine() ? Engine::Basic : Engine::LoudnessAlone, model};
 }
 
 QString SpeechSettings::engine() const

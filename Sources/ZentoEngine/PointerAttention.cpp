@@ -72,7 +72,7 @@ dwellsOf(Vec2 from, std::span<const Rest> rests, std::span<const double> changes
 {
     std::vector<Moment> dwells;
     for (const Rest& rest : rests) {
-        const bool isJourney = distance(from, rest.pos) >= kJourney * width;
+        const bool isJourney = distance(from, rest.last) >= kJourney * width;
         const double length = rest.end - rest.start;
         const bool isAnswered = changesWithin(changes, rest.start, rest.start + kAnswer);
         if (length < kLongRest && !isAnswered) {

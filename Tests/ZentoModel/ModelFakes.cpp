@@ -1,35 +1,28 @@
 #include "ModelFakes.h"
 
+#include "TestSupport/QtEnvironment.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoCore/SessionBundle.h"
 
-#include <QCoreApplication>
 #include <QLocale>
 
 namespace zento::test {
 
 namespace {
 
-/// Posted calls need an application; texts shall not depend on who runs the tests.
-class QtEnvironment final : public testing::Environment {
+/// Texts shall not depend on who runs the tests.
+class PlainEnvironment final : public QtEnvironment {
 public:
     void SetUp() override
     {
         QLocale::setDefault(QLocale::C);
-        static int count = 1;
-        static char name[] = "model_tests";         // NOLINT(modernize-avoid-c-arrays): argv
-        static char* arguments[] = {name, nullptr}; // NOLINT(modernize-avoid-c-arrays)
-        m_application = std::make_unique<QCoreApplication>(count, arguments);
+        QtEnvironment::SetUp();
     }
-    void TearDown() override { m_application.reset(); }
-
-private:
-    std::unique_ptr<QCoreApplication> m_application;
 };
 
 // NOLINTNEXTLINE(cert-err58-cpp): how the library is told
 const testing::Environment* const kEnvironment =
-    testing::AddGlobalTestEnvironment(new QtEnvironment);
+    testing::AddGlobalTestEnvironment(new PlainEnvironment);
 
 class FakeCapture final : public RecordingCapture {
 public:

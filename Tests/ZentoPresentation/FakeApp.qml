@@ -16,6 +16,7 @@ QtObject {
     property var calls: []
     property var settings
     property string desktop: "Wayland"
+    property var editor // FakeEditor.qml, where a test asks for it
     property bool choosesInDialog: false
     property bool hidesInTaskbar: false
 

@@ -165,6 +165,7 @@ AppServices ApplicationHost::services()
             {.file = speechModelFile(),
              .site = ZENTO_SPEECH_MODELS,
              .canUseModels = canUseWhisper(),
+             .hasBasicEngine = canUseSphinx,
              .requireModel = requireSpeechModel},
         .music = m_musicWorker,
         .musicPlayer = m_musicPlayer,

@@ -28,9 +28,13 @@ FocusScope {
     function save(row, text) {
         const word = words[row]
         edited = -1
-        list.forceActiveFocus()
         if (word && text.trim() !== word.text)
             line.setWord(word.index, text)
+    }
+
+    function finish(row, text) {
+        save(row, text)
+        list.forceActiveFocus()
     }
 
     height: Math.min(240, list.contentHeight)
@@ -127,12 +131,12 @@ FocusScope {
                         selectAll()
                     }
                 }
-                onAccepted: transcript.save(row.index, text)
+                // The keys stop here: in the list, Enter goes to the line's time.
+                Keys.onReturnPressed: transcript.finish(row.index, text)
+                Keys.onEnterPressed: transcript.finish(row.index, text)
+                Keys.onEscapePressed: transcript.finish(row.index, value)
+                // A field that is clicked keeps the keys.
                 onActiveFocusChanged: if (!activeFocus && row.isEdited) transcript.save(row.index, text)
-                Keys.onEscapePressed: {
-                    text = value
-                    transcript.save(row.index, value)
-                }
             }
         }
     }

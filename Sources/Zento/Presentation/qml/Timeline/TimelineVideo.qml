@@ -149,22 +149,9 @@ FocusScope {
         track.line.cancelDrag()
     }
 
-    component Removed: Canvas {
-        visible: width > 0
-        onWidthChanged: requestPaint()
-        onPaint: {
-            const ink = getContext("2d")
-            ink.reset()
-            ink.fillStyle = Qt.rgba(Theme.base.r, Theme.base.g, Theme.base.b, 0.72)
-            ink.fillRect(0, 0, width, height)
-            ink.strokeStyle = Theme.lineStrong
-            ink.lineWidth = 3
-            ink.beginPath()
-            for (let x = -height; x < width + height; x += 10) {
-                ink.moveTo(x, height)
-                ink.lineTo(x + height, 0)
-            }
-            ink.stroke()
-        }
+    component Removed: Hatch {
+        visible: track.line.duration > 0 && width > 0
+        veil: Qt.rgba(Theme.base.r, Theme.base.g, Theme.base.b, 0.72)
+        color: Theme.lineStrong
     }
 }

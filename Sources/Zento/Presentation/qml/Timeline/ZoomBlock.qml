@@ -18,19 +18,11 @@ Item {
         border.width: 1
         border.color: block.isHovered || block.isLifted ? Theme.accent : Theme.laneZoom
     }
-    Canvas {
+    DashedFrame {
         anchors.fill: parent
         visible: !block.zoom.enabled
-        onWidthChanged: requestPaint()
-        onPaint: {
-            const ink = getContext("2d")
-            ink.reset()
-            ink.strokeStyle = Theme.textTertiary
-            ink.setLineDash([3, 2])
-            ink.beginPath()
-            ink.roundedRect(0.5, 0.5, width - 1, height - 1, 6, 6)
-            ink.stroke()
-        }
+        radius: 6
+        color: Theme.textTertiary
     }
     Row {
         id: label

@@ -1,14 +1,14 @@
 // How often the picture of a window tells what was clicked in it: framing_bench [FOLDER [NAME]].
-// Opens
-// programs of three toolkits, each on a display of its own, clicks the middle of everything that
-// the accessibility bus says can be clicked, and compares the region found in the picture with the
-// element clicked and those that hold it. With a folder, a picture of each window with the regions
-// drawn in is left there.
+// Opens programs of three toolkits, each on a display of its own, clicks the middle of everything
+// that the accessibility bus says can be clicked, and compares the region found in the picture with
+// the element clicked and those that hold it. With a folder, a picture of each window with the
+// regions drawn in is left there.
 //
 // A recording looks at the picture only where the bus does not tell; so the film's regions are
 // those of both, where the bus's is the element clicked.
 
 #include "Pages.h"
+#include "ProcessorTime.h"
 #include "Sight.h"
 #include "TestSupport/PictureMovie.h"
 #include "TestSupport/TemporaryFolder.h"
@@ -19,7 +19,6 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <ctime>
 #include <exception>
 #include <filesystem>
 #include <iostream>
@@ -134,13 +133,6 @@ std::vector<Clicked> clicksOn(const Sight& sight, const SessionMeta& meta)
     return clicks;
 }
 
-double processorMilliseconds()
-{
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
 /// Codes the picture as a recording does and asks for every click; gives the time of one, its
 /// picture anew.
 double findHints(const Sight& sight, const SessionMeta& meta, std::vector<Clicked>& clicks)
@@ -152,14 +144,14 @@ double findHints(const Sight& sight, const SessionMeta& meta, std::vector<Clicke
     events.reserve(clicks.size());
     for (const Clicked& click : clicks)
         events.push_back({.t = 1, .kind = EventKind::Click, .pos = click.place, .button = 0});
-    const double begin = processorMilliseconds();
+    const double begin = processSeconds();
     for (std::size_t i = 0; i < clicks.size(); ++i) {
         // One at a time: each pays for its picture.
         const auto found = FrameAnalyzer::analyze(movie, meta, std::span(&events[i], 1));
         if (!found.empty())
             clicks[i].hint = found.front().rect;
     }
-    const double took = processorMilliseconds() - begin;
+    const double took = (processSeconds() - begin) * 1e3;
     for (Clicked& click : clicks)
         click.isRight = click.hint && std::ranges::any_of(click.plausible, [&](const Rect& rect) {
                             return overlap(*click.hint, rect) >= kRight;

@@ -106,7 +106,7 @@ std::optional<Shot> desktopPicture(Desktop& desktop, const std::stop_token& stop
     auto image = std::make_shared<const Canvas>(loadImage(*file));
     std::error_code ignored;
     std::filesystem::remove(*file, ignored); // it was made for us
-    return Shot{.image = std::move(image), .scale = 1};
+    return Shot{.image = std::move(image), .scale = 1, .tellsScale = false};
 }
 
 } // namespace

@@ -17,7 +17,8 @@ inline constexpr int kNoShot = 41;
 /// A picture of the screen as it was taken: opaque, without the pointer.
 struct Shot {
     std::shared_ptr<const Canvas> image;
-    double scale = 1; // pixels per point, [1, ∞)
+    double scale = 1;       // pixels per point, [1, ∞)
+    bool tellsScale = true; // else `scale` is a guess: the desktop took the picture itself
 };
 
 namespace ScreenshotTool {

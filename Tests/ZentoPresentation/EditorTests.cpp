@@ -177,3 +177,89 @@ TEST_F(TranscriptPresentation, IsHeardAgainOnlyWhenItIsNotBeingHeard)
     m_stage.settle();
     EXPECT_EQ(labelled(m_pane, QStringLiteral("Transcribe again")), nullptr);
 }
+
+class TimelinePresentation : public testing::Test {
+protected:
+    TimelinePresentation()
+        : m_editor(m_stage.openEditor())
+        , m_timeline(m_stage.show(kTimeline, kStrip))
+    {
+    }
+
+    QStringList asked()
+    {
+        const QStringList calls = m_editor->property("calls").toStringList();
+        m_editor->setProperty("calls", QStringList());
+        return calls;
+    }
+
+    Stage m_stage;
+    QObject* m_editor;
+    QQuickItem* m_timeline;
+};
+
+TEST_F(TimelinePresentation, EveryGestureHasItsKey)
+{
+    struct Case {
+        const char* control;
+        int key;
+        Qt::KeyboardModifiers modifiers;
+        const char* call;
+    };
+    constexpr auto kStart = "Start of the film, 0:00.0";
+    constexpr auto kEnd = "End of the film, 0:40.0";
+    const Case cases[] = {
+        {"Zooms", Qt::Key_Right, {}, "nudgeZoom 4 0.1"},
+        {"Zooms", Qt::Key_Left, Qt::ControlModifier, "nudgeZoom 4 -1"},
+        {"Zooms", Qt::Key_Right, Qt::ShiftModifier, "stretchZoom 4 0.1"},
+        {"Zooms", Qt::Key_Left, Qt::ShiftModifier | Qt::ControlModifier, "stretchZoom 4 -1"},
+        {"Zooms", Qt::Key_Return, {}, "toggleZoom 4"},
+        {"Zooms", Qt::Key_3, {}, "setZoomLevel 4 1.9"},
+        {"Zooms", Qt::Key_Delete, {}, "deleteZoom 4"},
+        {kStart, Qt::Key_Right, {}, "nudgeTrim start 0.1"},
+        {kStart, Qt::Key_Right, Qt::ShiftModifier, "nudgeTrim move 0.1"},
+        {kStart, Qt::Key_Delete, {}, "resetTrim"},
+        {kEnd, Qt::Key_Left, Qt::ControlModifier, "nudgeTrim end -1"},
+        {kEnd, Qt::Key_Left, Qt::ShiftModifier | Qt::ControlModifier, "nudgeTrim move -1"},
+    };
+    for (const Case& one : cases) {
+        SCOPED_TRACE(one.call);
+        QQuickItem* const control = named(m_timeline, QString::fromLatin1(one.control));
+        ASSERT_NE(control, nullptr);
+        control->forceActiveFocus(Qt::TabFocusReason);
+        press(m_stage, one.key, one.modifiers);
+        EXPECT_EQ(asked(), QStringList{QString::fromLatin1(one.call)});
+    }
+    named(m_timeline, QStringLiteral("Zooms"))->forceActiveFocus(Qt::TabFocusReason);
+    press(m_stage, Qt::Key_Down); // the next zoom
+    press(m_stage, Qt::Key_Down);
+    press(m_stage, Qt::Key_Down); // at the last it stays
+    press(m_stage, Qt::Key_Up);
+    press(m_stage, Qt::Key_Menu);
+    press(m_stage, Qt::Key_Down); // the first entry that can be chosen
+    press(m_stage, Qt::Key_Return);
+    EXPECT_EQ(asked(), QStringList{QStringLiteral("setZoomLevel 12 1.35")});
+}
+
+TEST_F(TimelinePresentation, ACaptionIsEditedFromItsChip)
+{
+    const auto editor = [&] {
+        return named(m_stage.window().contentItem(), QStringLiteral("Caption"));
+    };
+    click(m_stage, labelled(m_timeline, QStringLiteral("Then this, 0:09.0")));
+    ASSERT_NE(editor(), nullptr);
+    EXPECT_EQ(editor()->property("text").toString(), QStringLiteral("Then this"));
+    type(m_stage, "That");
+    press(m_stage, Qt::Key_Return);
+    EXPECT_EQ(asked(), QStringList{QStringLiteral("setWord 2 That")});
+    EXPECT_EQ(editor(), nullptr);
+
+    named(m_timeline, QStringLiteral("Words"))->forceActiveFocus(Qt::TabFocusReason);
+    press(m_stage, Qt::Key_Right);
+    press(m_stage, Qt::Key_Return);
+    ASSERT_NE(editor(), nullptr);
+    EXPECT_EQ(editor()->property("text").toString(), QStringLiteral("Thanks"));
+    press(m_stage, Qt::Key_Escape);
+    EXPECT_EQ(editor(), nullptr);
+    EXPECT_EQ(asked(), QStringList());
+}

@@ -34,7 +34,8 @@ class App : public QObject {
     Q_PROPERTY(QVariant filmCopy READ filmCopy NOTIFY modelChanged)
     /// What the screen is recorded by: "X11", "Wayland"; absent until it has been found out.
     Q_PROPERTY(QVariant desktop READ desktop NOTIFY desktopChanged)
-    /// What lets a user's programs see clicks and keys on a Wayland desktop, from the next login on.
+    /// What lets a user's programs see clicks and keys on a Wayland desktop, from the next login
+    /// on.
     Q_PROPERTY(QString inputCommand READ inputCommand CONSTANT)
     /// What the settings are on a fresh install, by their keys.
     Q_PROPERTY(QVariant defaults READ defaults CONSTANT)

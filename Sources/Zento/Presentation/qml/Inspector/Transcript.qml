@@ -11,10 +11,15 @@ FocusScope {
     property int edited: -1 // row
     readonly property int spoken: {
         const now = preview?.playheadTimeline ?? -1
-        for (let i = words.length - 1; i >= 0; --i)
-            if (words[i].time <= now)
-                return now < words[i].timeEnd ? i : -1
-        return -1
+        let after = words.length // the first that begins later
+        for (let low = 0; low < after;) {
+            const middle = (low + after) >> 1
+            if (words[middle].time <= now)
+                low = middle + 1
+            else
+                after = middle
+        }
+        return after > 0 && now < words[after - 1].timeEnd ? after - 1 : -1
     }
 
     function clock(seconds) {

@@ -45,6 +45,8 @@ QtObject {
             ? [zoom(4, 1.6, true), zoom(12, 1.9, false), zoom(26, 2.1, true)] : []
         property var words: duration > 0
             ? [word(0, 2, "Let us begin"), word(2, 9, "Then this"), word(3, 30, "Thanks")] : []
+        property var drawnZooms: zooms
+        property var drawnWords: words
         property real playheadX: positionOf(editor.preview.playheadTimeline)
         property real trimStartTime: 0
         property real trimEndTime: duration

@@ -42,7 +42,7 @@ FocusScope {
         opacity: 0.6
     }
     Repeater {
-        model: lane.line.words
+        model: lane.line.drawnWords
         delegate: Rectangle {
             id: chip
 

@@ -84,7 +84,10 @@ QtObject {
         function toggleZoom(id) { editor.note("toggleZoom " + id) }
         function setZoomLevel(id, level) { editor.note("setZoomLevel " + id + " " + level) }
         function resetZoom(id) { editor.note("resetZoom " + id) }
-        function deleteZoom(id) { editor.note("deleteZoom " + id) }
+        function deleteZoom(id) {
+            editor.note("deleteZoom " + id)
+            zooms = zooms.filter(zoom => zoom.id !== id)
+        }
         function addZoomAtPlayhead() { editor.note("addZoomAtPlayhead") }
         function restoreDeletedZooms() { editor.note("restoreDeletedZooms") }
         function nudgeTrim(part, seconds) { editor.note("nudgeTrim " + part + " " + seconds) }

@@ -59,6 +59,7 @@ FocusScope {
             Accessible.name: qsTr("%1, %2").arg(modelData.text).arg(lane.clock(modelData.time))
             Accessible.onPressAction: lane.edit(modelData)
             Rectangle {
+                visible: chip.width > 8 // or a film of hours is all edges
                 width: 3
                 height: parent.height
                 color: Theme.laneWords

@@ -32,6 +32,14 @@ FocusScope {
         }
     }
 
+    // What was deleted, or moved to where nothing is shown, leaves the keys to its neighbour.
+    readonly property var zooms: line.zooms
+    onZoomsChanged: {
+        if (current < 0 || zooms.length === 0 || zoom(current))
+            return
+        const distance = entry => Math.abs(entry.id - current)
+        current = zooms.reduce((best, entry) => distance(entry) < distance(best) ? entry : best).id
+    }
     objectName: "zoomLane"
     activeFocusOnTab: true
     Accessible.role: Accessible.List

@@ -65,12 +65,14 @@ Item {
         Label {
             id: level
 
+            anchors.verticalCenter: parent.verticalCenter
             text: block.zoom.zoom + "×"
             type: Theme.timeType
             color: block.ink
             Accessible.ignored: true
         }
         Label {
+            anchors.verticalCenter: parent.verticalCenter
             visible: block.width >= 72 && text.length > 0
             width: Math.max(0, Math.min(implicitWidth, block.width - x - 20))
             text: block.zoom.title

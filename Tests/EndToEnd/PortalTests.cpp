@@ -29,6 +29,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -142,6 +143,34 @@ protected:
         return eventually([&] { return count() > before; });
     }
 
+    static Vec2 lastPlaceOfClient()
+    {
+        std::istringstream line(stage().clientLines().back());
+        std::string what;
+        Vec2 point;
+        line >> what >> point.x >> point.y;
+        return point;
+    }
+
+    /// Where the client's window begins, in pixels of the monitor, once the compositor no longer
+    /// lets it grow. It lies under the middle.
+    static Vec2 cornerOfClient(WaylandUser& user, double scale)
+    {
+        const Vec2 middle{WaylandStage::kWidth / 2.0, WaylandStage::kHeight / 2.0};
+        constexpr double kStep = 120;
+        Vec2 point;
+        EXPECT_TRUE(eventually([&] {
+            user.move(middle.x - kStep, middle.y);
+            settle();
+            const Vec2 before = lastPlaceOfClient();
+            user.move(middle.x, middle.y);
+            settle();
+            point = lastPlaceOfClient();
+            return std::abs((point.x - before.x) * scale - kStep) < 0.01;
+        }));
+        return {middle.x - point.x * scale, middle.y - point.y * scale};
+    }
+
     void clickOnDevices()
     {
         m_desk.add({.type = RawInputType::LeftDown, .time = monotonicSeconds()});
@@ -174,7 +203,64 @@ private:
 
 std::unique_ptr<WaylandStage> PortalTest::s_stage;
 
-class ScaledPortalTest : public PortalTest, public testing::WithParamInterface<double> {};
+/// A time through which the pointer rests at one place.
+struct Rest {
+    double from = 0; // seconds of CLOCK_MONOTONIC
+    double to = 0;
+};
+
+class ScaledPortalTest : public PortalTest, public testing::WithParamInterface<double> {
+protected:
+    /// Clicks at places of the monitor, in pixels, and rests at each.
+    std::vector<Rest> restAt(WaylandUser& user, const std::vector<Vec2>& places)
+    {
+        std::vector<Rest> rests;
+        for (const Vec2 place : places) {
+            EXPECT_TRUE(clientSees("move", [&] { user.move(place.x, place.y); }));
+            settle();
+            const double from = monotonicSeconds() - 0.1;
+            EXPECT_TRUE(clientSees("press", [&] {
+                user.click();
+                clickOnDevices();
+            }));
+            settle();
+            rests.push_back({from, monotonicSeconds() - 0.1});
+        }
+        return rests;
+    }
+
+    /// The log has the pointer where the film shows the client's mark, at each rest.
+    static void
+    expectMarks(const SessionBundle& recorded, double epoch, const std::vector<Rest>& rests)
+    {
+        std::vector<VideoFrame> frames;
+        for (VideoDecoder decoder(recorded.screenMovieURL()); auto frame = decoder.next();)
+            frames.push_back(*frame);
+        ASSERT_FALSE(frames.empty());
+        std::size_t clicks = 0;
+        for (const Rest& rest : rests) {
+            const auto shown =
+                std::ranges::find_if(frames.rbegin(), frames.rend(), [&](const VideoFrame& frame) {
+                    return frame.time() <= rest.to - epoch;
+                });
+            ASSERT_NE(shown, frames.rend());
+            const auto mark = markOf(*shown);
+            ASSERT_TRUE(mark);
+            int moves = 0;
+            for (const InputEvent& event : recorded.events) {
+                if (event.t < rest.from - epoch || event.t > rest.to - epoch)
+                    continue;
+                ++moves;
+                clicks += event.kind == EventKind::Click ? 1U : 0U;
+                // The pointer's place is the corner of a pixel, the mark's the middle of its area.
+                EXPECT_NEAR(event.pos.x, mark->x, 1) << event.t;
+                EXPECT_NEAR(event.pos.y, mark->y, 1) << event.t;
+            }
+            EXPECT_GT(moves, 100 * (rest.to - rest.from)) << "at the rate of the poll";
+        }
+        EXPECT_EQ(clicks, rests.size());
+    }
+};
 
 TEST_P(ScaledPortalTest, thePointerOfTheLogIsWhereTheFilmShowsIt)
 {
@@ -185,58 +271,41 @@ TEST_P(ScaledPortalTest, thePointerOfTheLogIsWhereTheFilmShowsIt)
     CaptureSession session(bundle(), desktop);
     session.start();
     ASSERT_TRUE(eventually([&] { return session.frameCount() > 0; }));
-    struct Rest {
-        double from = 0;
-        double to = 0;
-    };
-    std::vector<Rest> rests;
-    for (const Vec2 place :
-         {Vec2{300, 400}, Vec2{1201, 333}, Vec2{1707, 905}, Vec2{91, 1003}, Vec2{960, 540}}) {
-        ASSERT_TRUE(clientSees("move", [&] { user.move(place.x, place.y); }));
-        const int frames = session.frameCount();
-        EXPECT_TRUE(eventually([&] { return session.frameCount() > frames; }) || frames > 0);
-        settle();
-        const double from = monotonicSeconds() - 0.1;
-        ASSERT_TRUE(clientSees("press", [&] {
-            user.click();
-            clickOnDevices();
-        }));
-        settle();
-        rests.push_back({from, monotonicSeconds() - 0.1});
-    }
+    const auto rests = restAt(
+        user, {Vec2{300, 400}, Vec2{1201, 333}, Vec2{1707, 905}, Vec2{91, 1003}, Vec2{960, 540}});
     session.stop();
 
     const SessionBundle recorded = SessionBundle::load(bundle());
     EXPECT_EQ(recorded.meta.pixelWidth, WaylandStage::kWidth);
     EXPECT_EQ(recorded.meta.pixelHeight, WaylandStage::kHeight);
     EXPECT_DOUBLE_EQ(recorded.meta.scaleFactor, GetParam());
-    std::vector<VideoFrame> frames;
-    for (VideoDecoder decoder(recorded.screenMovieURL()); auto frame = decoder.next();)
-        frames.push_back(*frame);
-    ASSERT_FALSE(frames.empty());
-    const double epoch = session.epoch().value_or(0);
-    std::size_t clicks = 0;
-    for (const Rest& rest : rests) {
-        const auto shown =
-            std::ranges::find_if(frames.rbegin(), frames.rend(), [&](const VideoFrame& frame) {
-                return frame.time() <= rest.to - epoch;
-            });
-        ASSERT_NE(shown, frames.rend());
-        const auto mark = markOf(*shown);
-        ASSERT_TRUE(mark);
-        int moves = 0;
-        for (const InputEvent& event : recorded.events) {
-            if (event.t < rest.from - epoch || event.t > rest.to - epoch)
-                continue;
-            ++moves;
-            clicks += event.kind == EventKind::Click ? 1U : 0U;
-            // The pointer's place is the corner of a pixel, the mark's the middle of its area.
-            EXPECT_NEAR(event.pos.x, mark->x, 1) << event.t;
-            EXPECT_NEAR(event.pos.y, mark->y, 1) << event.t;
-        }
-        EXPECT_GT(moves, 100 * (rest.to - rest.from)) << "at the rate of the poll";
-    }
-    EXPECT_EQ(clicks, rests.size());
+    expectMarks(recorded, session.epoch().value_or(0), rests);
+}
+
+TEST_P(ScaledPortalTest, aWindowIsRecordedByItself)
+{
+    const double scale = GetParam();
+    stage().setScale(scale);
+    stage().startClient({"600x400"});
+    WaylandUser user(stage());
+    const Vec2 corner = cornerOfClient(user, scale);
+    PortalDesktop desktop(parts());
+    CaptureSession session(bundle(), desktop);
+    session.target = Target::Window{0};
+    session.start();
+    ASSERT_TRUE(eventually([&] { return session.frameCount() > 0; }));
+    std::vector<Vec2> places;
+    for (const Vec2 point : {Vec2{100, 100}, Vec2{580, 20}, Vec2{300, 390}, Vec2{150, 222}})
+        places.push_back({corner.x + point.x * scale, corner.y + point.y * scale});
+    const auto rests = restAt(user, places);
+    session.stop();
+
+    const SessionBundle recorded = SessionBundle::load(bundle());
+    // A window comes as its program has drawn it, which is at a whole scale.
+    EXPECT_DOUBLE_EQ(recorded.meta.scaleFactor, std::ceil(scale));
+    EXPECT_EQ(recorded.meta.pixelWidth, 600 * recorded.meta.scaleFactor);
+    EXPECT_EQ(recorded.meta.pixelHeight, 400 * recorded.meta.scaleFactor);
+    expectMarks(recorded, session.epoch().value_or(0), rests);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -353,6 +422,178 @@ TEST_F(PortalTest, theDialogComesOnceAndAgainWhenTheWordHasExpired)
         shoot();
         EXPECT_EQ(stage().dialogs(), shown + 1) << "the new word is known";
     }
+}
+
+TEST_P(ScaledPortalTest, anAreaIsRecordedAsItsPartOfTheMonitor)
+{
+    const double scale = GetParam();
+    stage().setScale(scale);
+    stage().startClient();
+    WaylandUser user(stage());
+    PortalDesktop desktop(parts());
+    CaptureSession session(bundle(), desktop);
+    session.target = Target::Area{{100, 60, 480, 360}};
+    session.start();
+    ASSERT_TRUE(eventually([&] { return session.frameCount() > 0; }));
+    std::vector<Vec2> places;
+    for (const Vec2 point : {Vec2{120, 80}, Vec2{560, 380}, Vec2{333, 200}})
+        places.push_back({point.x * scale, point.y * scale});
+    const auto rests = restAt(user, places);
+    user.move(1900, 1000); // elsewhere, where it is not seen
+    settle();
+    session.stop();
+
+    const SessionBundle recorded = SessionBundle::load(bundle());
+    EXPECT_DOUBLE_EQ(recorded.meta.scaleFactor, scale);
+    EXPECT_EQ(recorded.meta.pixelWidth, 480 * scale);
+    EXPECT_EQ(recorded.meta.pixelHeight, 360 * scale);
+    expectMarks(recorded, session.epoch().value_or(0), rests);
+    EXPECT_GT(recorded.events.back().pos.x, recorded.meta.pixelWidth) << "it is outside";
+}
+
+TEST_F(PortalTest, aWindowThatChangesItsSizeStaysInTheFrameOfTheFilm)
+{
+    struct Case {
+        const char* name;
+        std::string size;
+        double shown; // pixels of the film for one of the window
+    };
+    const std::vector<Case> cases{
+        {"smaller", "300x200", 2},
+        {"taller", "600x800", 0.5},
+        {"larger", "900x600", 2.0 / 3},
+        {"as it was", "600x400", 1}};
+    std::vector<std::string> sizes{"600x400"};
+    for (const Case& each : cases)
+        sizes.push_back(each.size);
+    stage().startClient(sizes);
+    WaylandUser user(stage());
+    PortalDesktop desktop(parts());
+    CaptureSession session(bundle(), desktop);
+    session.target = Target::Window{0};
+    const Vec2 corner = cornerOfClient(user, 1);
+    session.start();
+    ASSERT_TRUE(eventually([&] { return session.frameCount() > 0; }));
+    struct Look {
+        double time;
+        Vec2 place; // in the window, which the compositor moves when it grows beyond the monitor
+    };
+    std::vector<Look> looks;
+    for (const Case& each : cases) {
+        ASSERT_TRUE(clientSees("sized", [&] { user.type(KEY_R); })) << each.name;
+        settle();
+        ASSERT_TRUE(clientSees("move", [&] { user.move(corner.x + 20, corner.y + 100); }));
+        ASSERT_TRUE(clientSees("move", [&] { user.move(corner.x + 200, corner.y + 150); }));
+        settle();
+        looks.push_back({monotonicSeconds() - 0.1, lastPlaceOfClient()});
+    }
+    session.stop();
+
+    const SessionBundle recorded = SessionBundle::load(bundle());
+    EXPECT_EQ(recorded.meta.pixelWidth, 600);
+    EXPECT_EQ(recorded.meta.pixelHeight, 400);
+    std::vector<VideoFrame> frames;
+    for (VideoDecoder decoder(recorded.screenMovieURL()); auto frame = decoder.next();)
+        frames.push_back(*frame);
+    const double epoch = session.epoch().value_or(0);
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        const auto shown =
+            std::ranges::find_if(frames.rbegin(), frames.rend(), [&](const VideoFrame& frame) {
+                return frame.time() <= looks[i].time - epoch;
+            });
+        ASSERT_NE(shown, frames.rend()) << cases[i].name;
+        const auto mark = markOf(*shown);
+        ASSERT_TRUE(mark) << cases[i].name;
+        EXPECT_NEAR(mark->x, looks[i].place.x * cases[i].shown, 1) << cases[i].name;
+        EXPECT_NEAR(mark->y, looks[i].place.y * cases[i].shown, 1) << cases[i].name;
+        const auto event = std::ranges::find_if(recorded.events, [&](const InputEvent& each) {
+            return each.t >= looks[i].time - epoch;
+        });
+        ASSERT_NE(event, recorded.events.end()) << cases[i].name;
+        EXPECT_NEAR(event->pos.x, mark->x, 1) << cases[i].name;
+        EXPECT_NEAR(event->pos.y, mark->y, 1) << cases[i].name;
+    }
+}
+
+/// The newest line of the client that begins so, without that.
+std::vector<double> numbersOf(const std::vector<std::string>& lines, const std::string& what)
+{
+    std::vector<double> numbers;
+    const auto line = std::ranges::find_if(
+        lines.rbegin(), lines.rend(), [&](const auto& each) { return each.starts_with(what); });
+    if (line != lines.rend()) {
+        std::istringstream words(line->substr(what.size()));
+        for (double number = 0; words >> number;)
+            numbers.push_back(number);
+    }
+    return numbers;
+}
+
+TEST_F(PortalTest, aClickHasItsElementWhereItsWindowIsKnown)
+{
+    struct Case {
+        const char* name;
+        const char* state;
+        double scale;
+        CaptureTarget target;
+        bool hasElement;
+    };
+    for (const Case& each : std::vector<Case>{
+             {"a window", "window", 1, Target::Window{0}, true},
+             {"a window of twice the pixels", "window", 2, Target::Window{0}, true},
+             {"a window over the whole monitor", "fullscreen", 1, Target::Display{}, true},
+             {"a window somewhere", "window", 1, Target::Display{}, false}}) {
+        stage().setScale(each.scale);
+        stage().startGtkClient(each.state);
+        WaylandUser user(stage());
+        std::vector<double> button;
+        ASSERT_TRUE(eventually([&] {
+            button = numbersOf(stage().clientLines(), "button");
+            return button.size() == 4;
+        })) << each.name;
+        const Vec2 corner = cornerOfClient(user, each.scale);
+        PortalDesktop desktop(parts());
+        const auto folder = m_folder / each.name;
+        CaptureSession session(folder, desktop);
+        session.target = each.target;
+        session.start();
+        ASSERT_TRUE(eventually([&] { return session.frameCount() > 0; })) << each.name;
+        const auto click = [&](Vec2 part) { // of the button, from its corner
+            user.move(
+                corner.x + (button[0] + part.x * button[2]) * each.scale,
+                corner.y + (button[1] + part.y * button[3]) * each.scale);
+            settle();
+            EXPECT_TRUE(clientSees("clicked", [&] {
+                user.click();
+                clickOnDevices();
+            })) << each.name;
+            settle();
+        };
+        click({0.5, 0.5});
+        click({0.1, 0.9});
+        settle(); // the bus answers
+        session.stop();
+
+        std::vector<InputEvent> clicks;
+        std::ranges::copy_if(
+            SessionBundle::load(folder).events, std::back_inserter(clicks), [](const auto& event) {
+                return event.kind == EventKind::Click;
+            });
+        ASSERT_EQ(clicks.size(), 2U) << each.name;
+        for (const InputEvent& event : clicks)
+            ASSERT_EQ(event.ax.has_value(), each.hasElement) << each.name;
+        if (!each.hasElement)
+            continue;
+        EXPECT_EQ(clicks[0].ax->role, "AXButton") << each.name;
+        EXPECT_EQ(clicks[0].ax->title, "Save") << each.name;
+        const Rect frame = clicks[0].ax->frame;
+        EXPECT_EQ(frame.w, button[2] * each.scale) << each.name;
+        EXPECT_EQ(frame.h, button[3] * each.scale) << each.name;
+        EXPECT_NEAR(frame.center().x, clicks[0].pos.x, 1) << each.name;
+        EXPECT_NEAR(frame.center().y, clicks[0].pos.y, 1) << each.name;
+        EXPECT_EQ(clicks[1].ax->frame, frame) << each.name;
+    }
+    stage().setScale(1);
 }
 
 TEST_F(PortalTest, anAreaIsAPartOfTheChosenMonitorInItsPoints)

@@ -1,20 +1,32 @@
-// A program on the Wayland desktop of the tests: one window over the whole screen. It paints a mark
-// where it sees the pointer, turns a patch to another colour at a click, adds a bar for a key, and
-// prints what happened to it, a line each: "move X Y", "press X Y", "key", in points of its window.
+// A program on the Wayland desktop of the tests. It paints a mark where it sees the pointer, turns
+// a patch to another colour at a click, adds a bar for a key, and prints what happened to it, a
+// line each: "move X Y", "press X Y", "key", in points of its window.
+//
+// Its window is over the whole screen. With sizes as arguments, "800x600", it has no border and the
+// first of them; the key R gives it the next one, and "sized W H" is printed once it is painted.
 
 #include <QGuiApplication>
-#include <QMouseEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QRasterWindow>
 
 #include <cstdio>
 #include <optional>
+#include <vector>
 
 namespace {
 
 class ClientWindow final : public QRasterWindow {
 public:
-    ClientWindow() { setCursor(Qt::ArrowCursor); }
+    explicit ClientWindow(std::vector<QSize> sizes)
+        : m_sizes(std::move(sizes))
+    {
+        setCursor(Qt::ArrowCursor);
+        if (!m_sizes.empty()) {
+            setFlag(Qt::FramelessWindowHint);
+            resize(m_sizes.front());
+        }
+    }
 
 protected:
     void paintEvent(QPaintEvent*) override
@@ -28,9 +40,9 @@ protected:
             painter.setRenderHint(QPainter::Antialiasing);
             painter.fillRect(QRectF(m_pointer->x() - 8, m_pointer->y() - 8, 16, 16), Qt::white);
         }
-        if (!m_isShown) {
-            m_isShown = true;
-            tell("shown", {static_cast<double>(width()), static_cast<double>(height())});
+        if (m_painted != size()) {
+            tell(m_painted ? "sized" : "shown", QPointF(width(), height()));
+            m_painted = size();
         }
     }
 
@@ -49,10 +61,12 @@ protected:
         point(*event, "press");
     }
 
-    void keyPressEvent(QKeyEvent*) override
+    void keyPressEvent(QKeyEvent* event) override
     {
         ++m_keys;
         tell("key", m_pointer.value_or(QPointF()));
+        if (event->key() == Qt::Key_R && ++m_size < m_sizes.size())
+            resize(m_sizes[m_size]);
         update();
     }
 
@@ -70,18 +84,32 @@ private:
         std::fflush(stdout);
     }
 
+    std::vector<QSize> m_sizes;
+    std::size_t m_size = 0;
     std::optional<QPointF> m_pointer;
+    std::optional<QSize> m_painted;
     int m_clicks = 0;
     int m_keys = 0;
-    bool m_isShown = false;
 };
+
+std::vector<QSize> sizesOf(const QStringList& words)
+{
+    std::vector<QSize> sizes;
+    for (const QString& word : words.sliced(1))
+        sizes.emplace_back(word.section('x', 0, 0).toInt(), word.section('x', 1).toInt());
+    return sizes;
+}
 
 } // namespace
 
 int main(int argc, char** argv)
 {
     const QGuiApplication application(argc, argv);
-    ClientWindow window;
-    window.showFullScreen();
+    const std::vector<QSize> sizes = sizesOf(QGuiApplication::arguments());
+    ClientWindow window(sizes);
+    if (sizes.empty())
+        window.showFullScreen();
+    else
+        window.show();
     return QGuiApplication::exec();
 }

@@ -33,8 +33,9 @@ Interfaces=org.freedesktop.impl.portal.ScreenCast;org.freedesktop.impl.portal.Gl
 UseIn=stage
 )";
 
-/// Scales between the whole ones, and points that are those of the programs.
+/// Scales between the whole ones, points that are those of the programs, and windows in the middle.
 constexpr std::string_view kSettings = R"([org/gnome/mutter]
+center-new-windows=true
 experimental-features=['scale-monitor-framebuffer']
 )";
 
@@ -175,12 +176,6 @@ void WaylandStage::setScale(double scale)
             logical,
             g_variant_new_parsed("@a{sv} {}", nullptr)),
         kAnswer);
-    tell(
-        "SetSize",
-        g_variant_new(
-            "(ii)",
-            static_cast<int>(std::lround(kWidth / scale)),
-            static_cast<int>(std::lround(kHeight / scale))));
 }
 
 pid_t WaylandStage::start(const std::string& name, const std::vector<std::string>& command)
@@ -188,11 +183,28 @@ pid_t WaylandStage::start(const std::string& name, const std::vector<std::string
     return m_programs.start(command, m_environment, m_home.path() / name);
 }
 
-pid_t WaylandStage::startClient()
+pid_t WaylandStage::startClient(std::vector<std::string> sizes)
 {
-    const pid_t client = start("client.log", {WAYLAND_CLIENT});
+    sizes.insert(sizes.begin(), WAYLAND_CLIENT);
+    return startInFront(sizes);
+}
+
+pid_t WaylandStage::startGtkClient(const std::string& state)
+{
+    return startInFront({"/usr/bin/python3", GTK_CLIENT, state});
+}
+
+pid_t WaylandStage::startInFront(const std::vector<std::string>& command)
+{
+    if (m_client != 0) {
+        ::kill(m_client, SIGTERM);
+        waitUntil(
+            [&] { return !ProcessGroup::isRunning(m_client); }, kPatience, "a client stays", {});
+        std::filesystem::remove(m_home.path() / "client.log");
+    }
+    m_client = start("client.log", command);
     waitUntil([&] { return !clientLines().empty(); }, kPatience, "no client", {});
-    return client;
+    return m_client;
 }
 
 std::vector<std::string> WaylandStage::clientLines() const

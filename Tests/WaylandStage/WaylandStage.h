@@ -35,9 +35,12 @@ public:
     /// A program on the desktop. What it prints goes to `home() / name`.
     pid_t start(const std::string& name, const std::vector<std::string>& command);
 
-    /// The test's own program, in front of everything, once it is on the screen. It tells what it
-    /// sees of the user, a line each.
-    pid_t startClient();
+    /// The test's own program, in front of everything and in place of the one before, once it is on
+    /// the screen. It tells what it sees of the user, a line each. `sizes`: "800x600", of a window
+    /// that is not over the whole screen; the key R gives it the next one.
+    pid_t startClient(std::vector<std::string> sizes = {});
+    /// The same with a program of GTK 3, which has a button. `state`: "window" or "fullscreen".
+    pid_t startGtkClient(const std::string& state);
     std::vector<std::string> clientLines() const;
 
     // What the portal's user does. `answer`: "yes", "no" or "never".
@@ -54,6 +57,7 @@ public:
     SessionBus& bus() { return *m_bus; }
 
 private:
+    pid_t startInFront(const std::vector<std::string>& command);
     void startBus();
     void startServices();
     void startPortal();
@@ -65,6 +69,7 @@ private:
     Environment m_environment;
     pid_t m_compositor = 0;
     pid_t m_portal = 0;
+    pid_t m_client = 0;
     std::unique_ptr<SessionBus> m_bus;
 };
 

@@ -17,6 +17,9 @@ ACCESS = "org.freedesktop.impl.portal.Access"
 SESSION = "org.freedesktop.impl.portal.Session"
 REQUEST = "org.freedesktop.impl.portal.Request"
 CONTROL = "dev.halvek.zento.Stage"
+PROPERTIES = dbus.PROPERTIES_IFACE
+MONITOR = 1  # of a source's types
+WINDOW = 2
 MUTTER = "org.gnome.Mutter.ScreenCast"
 
 dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
@@ -30,7 +33,6 @@ def vardict(values):
 class State:
     answer = "yes"  # "no", "never"
     cursor_modes = 7
-    size = (1280, 720)  # points of the monitor
     sessions = {}
     dialogs = 0  # how often a user would have been asked
     shot = ""
@@ -105,14 +107,19 @@ class ScreenCast(dbus.service.Object):
         cast = dbus.Interface(bus.get_object(MUTTER, path), MUTTER + ".Session")
         State.sessions[session].stream = cast
         mode = {1: 0, 2: 1, 4: 2}[int(wanted.get("cursor_mode", 1))]
-        stream = cast.RecordMonitor("", vardict({"cursor-mode": dbus.UInt32(mode)}))
-        signals = dbus.Interface(bus.get_object(MUTTER, stream), MUTTER + ".Stream")
+        how = vardict({"cursor-mode": dbus.UInt32(mode)})
+        kind = int(wanted.get("types", MONITOR))
+        # The window that has the keyboard is the one that is chosen.
+        stream = cast.RecordWindow(how) if kind == WINDOW else cast.RecordMonitor("", how)
+        shown = bus.get_object(MUTTER, stream)
+        signals = dbus.Interface(shown, MUTTER + ".Stream")
 
         def added(node):
-            properties = vardict({
-                "position": dbus.Struct((0, 0), signature="ii"),
-                "size": dbus.Struct(State.size, signature="ii"),
-                "source_type": dbus.UInt32(1)})
+            properties = vardict({"source_type": dbus.UInt32(kind)})
+            told = shown.Get(MUTTER + ".Stream", "Parameters", dbus_interface=PROPERTIES)
+            for name in ("position", "size"):
+                if name in told:
+                    properties[name] = told[name]
             streams = dbus.Array(
                 [dbus.Struct((dbus.UInt32(node), properties), signature="ua{sv}")],
                 signature="(ua{sv})")
@@ -181,10 +188,6 @@ class Control(dbus.service.Object):
     @dbus.service.method(CONTROL, in_signature="u")
     def SetCursorModes(self, modes):
         State.cursor_modes = int(modes)
-
-    @dbus.service.method(CONTROL, in_signature="ii")
-    def SetSize(self, width, height):
-        State.size = (int(width), int(height))
 
     @dbus.service.method(CONTROL, in_signature="s")
     def SetShot(self, uri):

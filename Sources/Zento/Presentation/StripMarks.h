@@ -6,8 +6,8 @@
 
 namespace zento {
 
-/// A veil with slanted lines on it: what is taken from a film. The same as a QML canvas would leave
-/// what was in the window before standing for as long as it has painted nothing itself.
+/// A veil with slanted lines on it: what is taken from a film. No QML canvas, which shows what was
+/// in the window before until it has painted for the first time.
 class Hatch : public QQuickPaintedItem {
     Q_OBJECT
     QML_ELEMENT

@@ -5,6 +5,7 @@
 #include <atspi/atspi.h>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <string>
 #include <vector>
@@ -61,7 +62,8 @@ std::vector<Accessible> children(AtspiAccessible* parent)
     return result;
 }
 
-std::optional<PixelRect> frameOf(AtspiAccessible* accessible)
+std::optional<PixelRect>
+frameOf(AtspiAccessible* accessible, AtspiCoordType origin = ATSPI_COORD_TYPE_SCREEN)
 {
     IgnoredError error;
     const Component component(atspi_accessible_get_component_iface(accessible));
@@ -69,7 +71,7 @@ std::optional<PixelRect> frameOf(AtspiAccessible* accessible)
         return {};
     }
     const std::unique_ptr<AtspiRect, FreeRect> rect(
-        atspi_component_get_extents(component.get(), ATSPI_COORD_TYPE_SCREEN, error));
+        atspi_component_get_extents(component.get(), origin, error));
     if (!rect) {
         return {};
     }
@@ -121,7 +123,7 @@ Accessible windowOf(AtspiAccessible* application, const PixelRect& window)
 }
 
 /// Toolkits answer one level a call or the innermost element at once; both end here.
-Accessible innermost(Accessible window, Vec2 pixel)
+Accessible innermost(Accessible window, Vec2 pixel, AtspiCoordType origin = ATSPI_COORD_TYPE_SCREEN)
 {
     IgnoredError error;
     for (int depth = 0; depth < kDeepestNesting; ++depth) {
@@ -133,7 +135,7 @@ Accessible innermost(Accessible window, Vec2 pixel)
             component.get(),
             static_cast<gint>(pixel.x),
             static_cast<gint>(pixel.y),
-            ATSPI_COORD_TYPE_SCREEN,
+            origin,
             error));
         if (!inner || inner == window) {
             break;
@@ -143,10 +145,10 @@ Accessible innermost(Accessible window, Vec2 pixel)
     return window;
 }
 
-bool isMultiLine(AtspiAccessible* accessible)
+bool hasState(AtspiAccessible* accessible, AtspiStateType state)
 {
     const std::unique_ptr<AtspiStateSet, Unref> states(atspi_accessible_get_state_set(accessible));
-    return states && atspi_state_set_contains(states.get(), ATSPI_STATE_MULTI_LINE) != FALSE;
+    return states && atspi_state_set_contains(states.get(), state) != FALSE;
 }
 
 std::optional<std::string> roleOf(AtspiAccessible* accessible)
@@ -157,7 +159,8 @@ std::optional<std::string> roleOf(AtspiAccessible* accessible)
         return {};
     }
     std::string role = axRole(name.get());
-    return role == "AXTextField" && isMultiLine(accessible) ? "AXTextArea" : role;
+    return role == "AXTextField" && hasState(accessible, ATSPI_STATE_MULTI_LINE) ? "AXTextArea"
+                                                                                 : role;
 }
 
 /// An element without a name has an empty one here, so empty is absent.
@@ -185,6 +188,62 @@ bool isConnected()
     return true;
 }
 
+/// A window of its own that belongs to none the user has arranged.
+bool isOpenPopup(AtspiAccessible* top)
+{
+    IgnoredError error;
+    switch (atspi_accessible_get_role(top, error)) {
+    case ATSPI_ROLE_FRAME:
+    case ATSPI_ROLE_DIALOG:
+    case ATSPI_ROLE_ALERT:
+    case ATSPI_ROLE_FILE_CHOOSER:
+    case ATSPI_ROLE_COLOR_CHOOSER:
+        return false;
+    default:
+        return hasState(top, ATSPI_STATE_SHOWING);
+    }
+}
+
+/// Nothing if there is none, more than one, or a popup of its application.
+Accessible activeWindow()
+{
+    const Accessible desktop(atspi_get_desktop(0));
+    Accessible found;
+    for (const Accessible& application : children(desktop.get())) {
+        std::vector<Accessible> windows = children(application.get());
+        const auto active = std::ranges::find_if(windows, [](const Accessible& window) {
+            return hasState(window.get(), ATSPI_STATE_ACTIVE);
+        });
+        if (active == windows.end()) {
+            continue;
+        }
+        const bool hasPopup = std::ranges::any_of(windows, [&](const Accessible& window) {
+            return window != *active && isOpenPopup(window.get());
+        });
+        if (found || hasPopup) {
+            return nullptr;
+        }
+        found = std::move(*active);
+    }
+    return found;
+}
+
+std::optional<Element> elementOf(AtspiAccessible* accessible, AtspiCoordType origin)
+{
+    const auto frame = frameOf(accessible, origin);
+    if (!frame) {
+        return {};
+    }
+    return Element{
+        .role = roleOf(accessible),
+        .title = titleOf(accessible),
+        .frame = {
+            static_cast<double>(frame->x),
+            static_cast<double>(frame->y),
+            static_cast<double>(frame->width),
+            static_cast<double>(frame->height)}};
+}
+
 } // namespace
 
 std::optional<Element>
@@ -199,18 +258,23 @@ elementOfProcess(std::uint32_t processID, const PixelRect& window, Vec2 pixel)
         return {};
     }
     const Accessible element = innermost(std::move(top), pixel);
-    const auto frame = frameOf(element.get());
-    if (!frame) {
+    return elementOf(element.get(), ATSPI_COORD_TYPE_SCREEN);
+}
+
+std::optional<Element> elementOfActiveWindow(Vec2 size, Vec2 point)
+{
+    constexpr double kRounding = 1; // points
+    if (!isConnected()) {
         return {};
     }
-    return Element{
-        .role = roleOf(element.get()),
-        .title = titleOf(element.get()),
-        .frame = {
-            static_cast<double>(frame->x),
-            static_cast<double>(frame->y),
-            static_cast<double>(frame->width),
-            static_cast<double>(frame->height)}};
+    Accessible window = activeWindow();
+    const auto frame = window ? frameOf(window.get(), ATSPI_COORD_TYPE_WINDOW) : std::nullopt;
+    if (!frame || std::abs(frame->width - size.x) > kRounding
+        || std::abs(frame->height - size.y) > kRounding) {
+        return {};
+    }
+    const Accessible element = innermost(std::move(window), point, ATSPI_COORD_TYPE_WINDOW);
+    return elementOf(element.get(), ATSPI_COORD_TYPE_WINDOW);
 }
 
 } // namespace zento

@@ -17,4 +17,13 @@ namespace zento {
 std::optional<Element>
 elementOfProcess(std::uint32_t processID, const PixelRect& window, Vec2 pixel);
 
+/// The accessible element at a point of the window that has the keyboard, with its frame; both in
+/// points of that window. For desktops whose programs know no places but those.
+///
+/// Nothing unless exactly one window says that it is active, it has that `size`, in points, and its
+/// application shows no menu or other popup, which might lie anywhere over it.
+///
+/// Threading: as above.
+std::optional<Element> elementOfActiveWindow(Vec2 size, Vec2 point);
+
 } // namespace zento

@@ -7,11 +7,7 @@
 namespace zento {
 
 /// Elements by the accessibility bus, on an X11 desktop: the application is the one whose window
-/// lies under the point.
-///
-/// libatspi keeps its state per process and is not thread-safe, so all lookups of a process share
-/// one thread, "capture.atspi", which lives as long as the process. An application that does not
-/// answer costs its lookup and delays those behind it, and nothing else.
+/// lies under the point. It is asked on the thread of `askAccessibility`.
 class AtSpiLookup final : public ElementLookup {
 public:
     /// The display is opened when the first lookup runs; without one there are no answers.

@@ -79,6 +79,12 @@ void PortalDesktop::choose(const CaptureTarget& target, const std::stop_token& s
 {
     m_screen = std::make_shared<PortalScreen>(
         choiceFor(target), m_parts.tokens, m_parts.patience, m_pointer, stop);
+    m_looked->set(m_screen);
+}
+
+void PortalDesktop::forgetChoice(const CaptureTarget& target)
+{
+    m_parts.tokens.keep(choiceFor(target).name, {});
 }
 
 std::optional<std::string> PortalDesktop::shortcoming()
@@ -172,6 +178,11 @@ std::unique_ptr<InputSource> PortalDesktop::inputSource()
     auto devices = m_parts.openDevices();
     m_readsDevices = devices != nullptr;
     return std::make_unique<PortalInputSource>(m_pointer, std::move(devices));
+}
+
+std::unique_ptr<ElementLookup> PortalDesktop::elementLookup()
+{
+    return std::make_unique<PortalLookup>(m_looked);
 }
 
 } // namespace zento

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZentoCapture/Backends/InputDevices.h"
+#include "ZentoCapture/Backends/PortalLookup.h"
 #include "ZentoCapture/Backends/PortalScreen.h"
 #include "ZentoCapture/Backends/RestoreTokens.h"
 #include "ZentoCapture/Desktop.h"
@@ -27,6 +28,7 @@ public:
 
     Choice choice() const override { return Choice::ByUser; }
     void choose(const CaptureTarget& target, const std::stop_token& stop) override;
+    void forgetChoice(const CaptureTarget& target) override;
     std::optional<std::string> shortcoming() override;
     std::optional<std::filesystem::path> takePicture(const std::stop_token& stop) override;
 
@@ -37,12 +39,13 @@ public:
     std::optional<std::string> frontmostApplication() override { return {}; }
     std::unique_ptr<FrameSource> frameSource(const FrameRequest& request) override;
     std::unique_ptr<InputSource> inputSource() override;
-    std::unique_ptr<ElementLookup> elementLookup() override { return nullptr; }
+    std::unique_ptr<ElementLookup> elementLookup() override;
 
 private:
     Parts m_parts;
     std::shared_ptr<PointerTrack> m_pointer;
     std::shared_ptr<PortalScreen> m_screen; // once chosen
+    std::shared_ptr<PortalLookup::Screen> m_looked = std::make_shared<PortalLookup::Screen>();
     bool m_readsDevices = false;
 };
 

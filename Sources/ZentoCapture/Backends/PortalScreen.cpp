@@ -83,7 +83,7 @@ struct PortalScreen::State {
 
     // On the loop's thread.
     void take(const ScreenUpdate& update);
-    void measure();
+    void measure(Vec2 whole);
     void pace(double now);
     void lose(const std::string& reason);
     void tellEnd();
@@ -111,7 +111,7 @@ void PortalScreen::State::take(const ScreenUpdate& update)
     const bool isFirst = !frames.hasPicture();
     frames.take(update, now);
     if (isFirst && frames.hasPicture()) {
-        measure();
+        measure(update.stream);
         first.come();
     }
     if (update.pointer && frames.hasPicture()) {
@@ -121,11 +121,13 @@ void PortalScreen::State::take(const ScreenUpdate& update)
     pace(now);
 }
 
-void PortalScreen::State::measure()
+/// A window's stream is as large as the desktop thinks the window can become; the size that is told
+/// of it is that of the whole.
+void PortalScreen::State::measure(Vec2 whole)
 {
     size = frames.size();
     origin = offered.position.value_or(Vec2{});
-    scale = offered.size ? streamScale(size.x, offered.size->x) : 1;
+    scale = offered.size ? streamScale(whole.x, offered.size->x) : 1;
 }
 
 void PortalScreen::State::pace(double now)
@@ -196,6 +198,16 @@ double PortalScreen::scale() const
 bool PortalScreen::tellsPointer() const
 {
     return m_state->session->tellsPointer();
+}
+
+ShownPlace PortalScreen::place() const
+{
+    const PipeWireLoop::Lock lock(m_state->loop);
+    const Vec2 pixels = m_state->frames.size();
+    return {
+        .origin = m_state->origin,
+        .size = {pixels.x / m_state->scale, pixels.y / m_state->scale},
+        .factor = m_state->frames.asRecorded({1, 1}).x};
 }
 
 void PortalScreen::begin(

@@ -11,6 +11,14 @@
 
 namespace zento {
 
+/// How points of a recording and of what it shows belong together:
+/// recorded = origin + shown × factor.
+struct ShownPlace {
+    Vec2 origin;       // points, of the recording
+    Vec2 size;         // points, of the monitor or the window as it is now
+    double factor = 1; // below 1 for a window that has grown since the recording began
+};
+
 /// What the user has chosen to show, as it comes from the desktop: one session of its portal, one
 /// stream of PipeWire, and where the pointer is.
 ///
@@ -34,6 +42,9 @@ public:
     double scale() const; // pixels of the stream per point
 
     bool tellsPointer() const;
+
+    /// What is shown at this moment. Any thread.
+    ShownPlace place() const;
 
     /// From here on frames are handed over. `part`: pixels of the stream, within it.
     void

@@ -112,14 +112,17 @@ ScreenUpdate
 screenUpdate(const ScreenForm& form, const spa_buffer& buffer, const void* data, double now)
 {
     ScreenUpdate update{.time = timeOf(buffer, now)};
+    update.stream = {static_cast<double>(form.width), static_cast<double>(form.height)};
+    const PixelRect part = shownPart(form, buffer);
     if (buffer.n_datas > 0) {
         update.picture = pictureOf(form, buffer, data);
-        update.damage = damageOf(buffer, shownPart(form, buffer));
+        update.damage = damageOf(buffer, part);
     }
     const auto* const cursor = meta<spa_meta_cursor>(buffer, SPA_META_Cursor);
     if (cursor != nullptr && spa_meta_cursor_is_valid(cursor)) {
-        update.pointer =
-            Vec2{static_cast<double>(cursor->position.x), static_cast<double>(cursor->position.y)};
+        update.pointer = Vec2{
+            static_cast<double>(cursor->position.x) - part.x,
+            static_cast<double>(cursor->position.y) - part.y};
     }
     return update;
 }

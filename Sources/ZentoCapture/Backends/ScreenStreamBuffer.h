@@ -18,6 +18,7 @@ struct ScreenUpdate {
     std::optional<ForeignPicture> picture; // absent: the one before still holds
     std::vector<PixelRect> damage; // what has changed in the picture; none: nothing is known of it
     std::optional<Vec2> pointer;   // pixels of the picture; absent: hidden, elsewhere or not told
+    Vec2 stream;                   // pixels, of the whole that the picture may be cut from
 };
 
 /// `data`: the memory of the first block, where the library has not mapped it. `now`: for a buffer

@@ -111,6 +111,21 @@ TEST_F(TimelineModelTest, ADragLeavesTheStripAsItIsUntilItsPlanLands)
     EXPECT_EQ(m_line.zooms(), zooms); // where the trim is not applied
 }
 
+TEST_F(TimelineModelTest, WhatThereIsNoRoomForIsNotDrawnButCanBeHad)
+{
+    const auto all = m_line.zooms().size();
+    EXPECT_EQ(m_line.drawnZooms(), m_line.zooms());
+    m_line.setWidth(10);
+    const QVariantList drawn = m_line.drawnZooms();
+    EXPECT_EQ(m_line.zooms().size(), all);
+    EXPECT_LT(drawn.size(), all);
+    EXPECT_EQ(drawn.front(), m_line.zooms().front());
+    for (int i = 1; i < drawn.size(); ++i)
+        EXPECT_GE(drawn[i].toMap()["x"].toDouble(), drawn[i - 1].toMap()["x"].toDouble() + 2);
+    for (int i = 0; i < all; ++i)
+        EXPECT_GE(m_line.zoomAt(x(i)), id(i)) << "the last one that is there";
+}
+
 TEST_F(TimelineModelTest, APressInTheKeptStretchIsAClick)
 {
     m_preview->play();

@@ -241,6 +241,28 @@ TEST_F(TimelinePresentation, EveryGestureHasItsKey)
     EXPECT_EQ(asked(), QStringList{QStringLiteral("setZoomLevel 12 1.35")});
 }
 
+TEST_F(TimelinePresentation, TheKeysStayInTheLane)
+{
+    QQuickItem* const window =
+        m_stage.show("MainContent { width: 1440; height: 900 }", {1440, 900});
+    QQuickItem* const lane = named(window, QStringLiteral("Zooms"));
+    ASSERT_NE(lane, nullptr);
+    lane->forceActiveFocus(Qt::TabFocusReason);
+    press(m_stage, Qt::Key_Menu);
+    EXPECT_FALSE(lane->hasActiveFocus());
+    press(m_stage, Qt::Key_Escape);
+    EXPECT_TRUE(lane->hasActiveFocus()) << "after a menu that was put away";
+    press(m_stage, Qt::Key_Menu);
+    press(m_stage, Qt::Key_Down);
+    press(m_stage, Qt::Key_Return);
+    EXPECT_TRUE(lane->hasActiveFocus()) << "after a choice";
+    asked();
+    press(m_stage, Qt::Key_Delete);
+    press(m_stage, Qt::Key_Delete); // the one beside it
+    EXPECT_EQ(
+        asked(), (QStringList{QStringLiteral("deleteZoom 4"), QStringLiteral("deleteZoom 12")}));
+}
+
 TEST_F(TimelinePresentation, ACaptionIsEditedFromItsChip)
 {
     const auto editor = [&] {

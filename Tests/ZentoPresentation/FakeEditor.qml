@@ -45,6 +45,8 @@ QtObject {
             ? [zoom(4, 1.6, true), zoom(12, 1.9, false), zoom(26, 2.1, true)] : []
         property var words: duration > 0
             ? [word(0, 2, "Let us begin"), word(2, 9, "Then this"), word(3, 30, "Thanks")] : []
+        property var drawnZooms: zooms
+        property var drawnWords: words
         property real playheadX: positionOf(editor.preview.playheadTimeline)
         property real trimStartTime: 0
         property real trimEndTime: duration
@@ -82,7 +84,10 @@ QtObject {
         function toggleZoom(id) { editor.note("toggleZoom " + id) }
         function setZoomLevel(id, level) { editor.note("setZoomLevel " + id + " " + level) }
         function resetZoom(id) { editor.note("resetZoom " + id) }
-        function deleteZoom(id) { editor.note("deleteZoom " + id) }
+        function deleteZoom(id) {
+            editor.note("deleteZoom " + id)
+            zooms = zooms.filter(zoom => zoom.id !== id)
+        }
         function addZoomAtPlayhead() { editor.note("addZoomAtPlayhead") }
         function restoreDeletedZooms() { editor.note("restoreDeletedZooms") }
         function nudgeTrim(part, seconds) { editor.note("nudgeTrim " + part + " " + seconds) }

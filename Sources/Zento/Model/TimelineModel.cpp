@@ -11,6 +11,8 @@ namespace {
 
 using Kind = TrimDrag::Kind;
 
+constexpr double kRoom = 2; // points from one beginning to the next
+
 std::optional<Kind> kindOf(const QString& handle)
 {
     if (handle == QLatin1StringView("start")) {
@@ -82,6 +84,20 @@ QVariantList wordChips(const TimelineScale& strip, const std::vector<TimelineWor
     return list;
 }
 
+QVariantList withRoom(const QVariantList& all)
+{
+    QVariantList list;
+    double room = 0; // where the next one may begin
+    for (const QVariant& entry : all) {
+        const double x = entry.toMap()["x"].toDouble();
+        if (x >= room) {
+            list.append(entry);
+            room = x + kRoom;
+        }
+    }
+    return list;
+}
+
 } // namespace
 
 TimelineModel::TimelineModel(EditSession& session, LivePreview& preview)
@@ -111,7 +127,11 @@ void TimelineModel::rebuild()
             .cuts = cutMarks(strip, film->cuts),
             .beats = beatMarks(strip, film->beats),
             .zooms = zoomBlocks(strip, film->zoomBars),
-            .words = wordChips(strip, film->words)};
+            .words = wordChips(strip, film->words),
+            .drawnZooms = {},
+            .drawnWords = {}};
+        m_strip.drawnZooms = withRoom(m_strip.zooms);
+        m_strip.drawnWords = withRoom(m_strip.words);
     }
     Q_EMIT stripChanged();
     Q_EMIT editsChanged();

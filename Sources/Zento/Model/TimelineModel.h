@@ -29,6 +29,10 @@ class TimelineModel : public QObject {
     Q_PROPERTY(QVariantList zooms READ zooms NOTIFY stripChanged)
     /// {index, x, width, text, time, timeEnd}
     Q_PROPERTY(QVariantList words READ words NOTIFY stripChanged)
+    /// Of them those that there is room to draw: the others begin on the same two points as the one
+    /// before. A film of hours has thousands, and each costs every frame that is drawn.
+    Q_PROPERTY(QVariantList drawnZooms READ drawnZooms NOTIFY stripChanged)
+    Q_PROPERTY(QVariantList drawnWords READ drawnWords NOTIFY stripChanged)
     Q_PROPERTY(double playheadX READ playheadX NOTIFY playheadChanged)
     Q_PROPERTY(double trimStartX READ trimStartX NOTIFY editsChanged)
     Q_PROPERTY(double trimEndX READ trimEndX NOTIFY editsChanged)
@@ -57,6 +61,8 @@ public:
     const QVariantList& beats() const { return m_strip.beats; }
     const QVariantList& zooms() const { return m_strip.zooms; }
     const QVariantList& words() const { return m_strip.words; }
+    const QVariantList& drawnZooms() const { return m_strip.drawnZooms; }
+    const QVariantList& drawnWords() const { return m_strip.drawnWords; }
     double playheadX() const;
     double trimStartX() const { return scale().position(trimStartTime()); }
     double trimEndX() const { return scale().position(trimEndTime()); }
@@ -111,6 +117,8 @@ private:
         QVariantList beats;
         QVariantList zooms;
         QVariantList words;
+        QVariantList drawnZooms;
+        QVariantList drawnWords;
     };
     struct RunningTrim {
         TrimDrag drag;

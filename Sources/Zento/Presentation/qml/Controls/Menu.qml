@@ -5,11 +5,25 @@ import Zento
 T.Menu {
     id: menu
 
+    property Item opener // what had the keys
+
     implicitWidth: Math.max(200, list.contentWidth + 8)
     implicitHeight: list.contentHeight + 8
     padding: 4
     margins: 8
     focus: true
+    onAboutToShow: opener = parent?.Window.activeFocusItem ?? null
+    // The keys go back to where they were, through all the scopes around it, unless what was chosen
+    // has taken them.
+    onClosed: {
+        const now = parent?.Window.activeFocusItem ?? null
+        let around = opener
+        while (around && around !== now)
+            around = around.parent
+        if (opener && (now === null || around))
+            opener.forceActiveFocus(Qt.PopupFocusReason)
+        opener = null
+    }
     contentItem: ListView {
         id: list
 

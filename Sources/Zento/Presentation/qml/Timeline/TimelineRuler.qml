@@ -6,6 +6,8 @@ Item {
     id: ruler
 
     property var line
+    readonly property real tickWidth: { line.width; return line.positionOf(line.tickStep) }
+    readonly property int labelEvery: Math.max(1, Math.ceil(56 / Math.max(tickWidth, 1))) // in a film of hours
     readonly property int ticks: line.duration > 0 ? Math.floor(line.duration / line.tickStep) + 1 : 0
 
     Accessible.role: Accessible.Slider
@@ -27,7 +29,7 @@ Item {
                 color: Theme.lineStrong
             }
             Caption {
-                visible: tick.x + implicitWidth <= ruler.width
+                visible: tick.index % ruler.labelEvery === 0 && tick.x + implicitWidth <= ruler.width
                 y: 2
                 text: Math.floor(tick.time / 60) + ":" + String(tick.time % 60).padStart(2, "0")
                 family: Theme.monoFamily

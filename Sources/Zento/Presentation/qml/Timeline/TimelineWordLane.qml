@@ -42,7 +42,7 @@ FocusScope {
         opacity: 0.6
     }
     Repeater {
-        model: lane.line.words
+        model: lane.line.drawnWords
         delegate: Rectangle {
             id: chip
 
@@ -59,6 +59,7 @@ FocusScope {
             Accessible.name: qsTr("%1, %2").arg(modelData.text).arg(lane.clock(modelData.time))
             Accessible.onPressAction: lane.edit(modelData)
             Rectangle {
+                visible: chip.width > 8 // or a film of hours is all edges
                 width: 3
                 height: parent.height
                 color: Theme.laneWords

@@ -32,6 +32,14 @@ FocusScope {
         }
     }
 
+    // What was deleted, or moved to where nothing is shown, leaves the keys to its neighbour.
+    readonly property var zooms: line.zooms
+    onZoomsChanged: {
+        if (current < 0 || zooms.length === 0 || zoom(current))
+            return
+        const distance = entry => Math.abs(entry.id - current)
+        current = zooms.reduce((best, entry) => distance(entry) < distance(best) ? entry : best).id
+    }
     objectName: "zoomLane"
     activeFocusOnTab: true
     Accessible.role: Accessible.List
@@ -80,22 +88,17 @@ FocusScope {
         text: qsTr("No zooms — double-click to add one")
     }
     Repeater {
-        model: lane.line.zooms
+        model: lane.line.drawnZooms
         delegate: ZoomBlock {
             required property var modelData
-            readonly property bool isDragged: modelData.id === lane.line.draggedZoom
-            readonly property real delta: isDragged ? lane.line.zoomDragDelta : 0
-            readonly property bool stretches: isDragged && lane.line.isStretching
 
             zoom: modelData
-            x: modelData.x + (stretches ? 0 : delta)
+            x: modelData.x
             y: 2
-            z: isDragged ? 1 : 0
-            width: Math.max(Theme.timelineZoomBarMin, modelData.width + (stretches ? delta : 0))
+            visible: modelData.id !== lane.line.draggedZoom
+            width: Math.max(Theme.timelineZoomBarMin, modelData.width)
             height: Theme.timelineZoomBar
             isHovered: lane.hovered === modelData.id
-            isFocused: lane.activeFocus && lane.current === modelData.id
-            isLifted: isDragged
             Accessible.role: Accessible.ListItem
             Accessible.onPressAction: lane.line.toggleZoom(modelData.id)
             Accessible.name: qsTr("Zoom %1, %2 to %3 seconds, %4")
@@ -103,6 +106,31 @@ FocusScope {
                 .arg(modelData.time.toFixed(1)).arg(modelData.timeEnd.toFixed(1))
                 .arg(modelData.enabled ? qsTr("on") : qsTr("off"))
         }
+    }
+    Repeater { // the block in the hand, which need not be one that is drawn
+        model: lane.line.draggedZoom < 0 ? [] : [lane.zoom(lane.line.draggedZoom)].filter(zoom => zoom !== null)
+        delegate: ZoomBlock {
+            required property var modelData
+            readonly property real delta: lane.line.zoomDragDelta
+
+            zoom: modelData
+            x: modelData.x + (lane.line.isStretching ? 0 : delta)
+            y: 2
+            z: 1
+            width: Math.max(Theme.timelineZoomBarMin, modelData.width + (lane.line.isStretching ? delta : 0))
+            height: Theme.timelineZoomBar
+            isHovered: true
+        }
+    }
+    Item {
+        readonly property var zoom: lane.activeFocus ? lane.zoom(lane.current) : null
+
+        x: zoom?.x ?? 0
+        y: 2
+        width: Math.max(Theme.timelineZoomBarMin, zoom?.width ?? 0)
+        height: Theme.timelineZoomBar
+        visible: zoom !== null && lane.line.draggedZoom < 0
+        FocusRing { targetRadius: 6 }
     }
     Rectangle { // where the dragged block was
         readonly property var entry: lane.zoom(lane.line.draggedZoom)

@@ -1,14 +1,12 @@
 import QtQuick
 import Zento
 
-// One zoom of the lane, to look at. A film of hours has thousands: only what shows is made.
+// One zoom of the lane, to look at. There may be hundreds: what does not show is not made.
 Item {
     id: block
 
     property var zoom
     property bool isHovered: false
-    property bool isFocused: false
-    property bool isLifted: false
     readonly property color ink: zoom.enabled ? Theme.inkOnAccentFill : Theme.textTertiary
 
     Rectangle {
@@ -17,7 +15,7 @@ Item {
         radius: 6
         color: Qt.rgba(Theme.accentFill.r, Theme.accentFill.g, Theme.accentFill.b, 0.28 + 0.72 * block.zoom.tint)
         border.width: 1
-        border.color: block.isHovered || block.isLifted ? Theme.accent : Theme.laneZoom
+        border.color: block.isHovered ? Theme.accent : Theme.laneZoom
     }
     Loader {
         anchors.fill: parent
@@ -41,13 +39,6 @@ Item {
             height: 14
             radius: 1
             color: Theme.inkOnAccentFill
-        }
-    }
-    Loader {
-        anchors.fill: parent
-        active: block.isFocused
-        sourceComponent: Item {
-            FocusRing { targetRadius: 6 }
         }
     }
 
@@ -74,12 +65,14 @@ Item {
         Label {
             id: level
 
+            anchors.verticalCenter: parent.verticalCenter
             text: block.zoom.zoom + "×"
             type: Theme.timeType
             color: block.ink
             Accessible.ignored: true
         }
         Label {
+            anchors.verticalCenter: parent.verticalCenter
             visible: block.width >= 72 && text.length > 0
             width: Math.max(0, Math.min(implicitWidth, block.width - x - 20))
             text: block.zoom.title

@@ -31,8 +31,19 @@ double distance(Vec2 a, Vec2 b)
 struct Rest {
     double start = 0;
     double end = 0;
-    Vec2 pos;  // where it came to
-    Vec2 last; // and where it went on from
+    Vec2 pos; // where it came to
+    Vec2 sum; // of the places it was at
+    double count = 0;
+
+    /// The log is of even steps, so that coming and going weigh little against staying.
+    Vec2 middle() const { return {sum.x / count, sum.y / count}; }
+
+    void add(const PointerMove& move)
+    {
+        end = move.t;
+        sum = {sum.x + move.pos.x, sum.y + move.pos.y};
+        ++count;
+    }
 };
 
 /// The stretches in which the pointer stays near the place it came to.
@@ -40,12 +51,10 @@ std::vector<Rest> restsOf(std::span<const PointerMove> moves, double width)
 {
     std::vector<Rest> rests;
     for (const PointerMove& move : moves) {
-        if (!rests.empty() && distance(rests.back().pos, move.pos) <= kRestRadius * width) {
-            rests.back().end = move.t;
-            rests.back().last = move.pos;
-        } else {
-            rests.push_back({move.t, move.t, move.pos, move.pos});
+        if (rests.empty() || distance(rests.back().pos, move.pos) > kRestRadius * width) {
+            rests.push_back({.start = move.t, .pos = move.pos});
         }
+        rests.back().add(move);
     }
     std::erase_if(rests, [](const Rest& rest) { return rest.end - rest.start < kShortRest; });
     return rests;
@@ -72,16 +81,16 @@ dwellsOf(Vec2 from, std::span<const Rest> rests, std::span<const double> changes
 {
     std::vector<Moment> dwells;
     for (const Rest& rest : rests) {
-        const bool isJourney = distance(from, rest.last) >= kJourney * width;
+        const bool isJourney = distance(from, rest.middle()) >= kJourney * width;
         const double length = rest.end - rest.start;
         const bool isAnswered = changesWithin(changes, rest.start, rest.start + kAnswer);
         if (length < kLongRest && !isAnswered) {
             continue; // a hand that slows down before it arrives goes on with the same journey
         }
-        from = rest.last;
+        from = rest.middle();
         if (isJourney) {
-            dwells.push_back(
-                momentAt(Moment::Kind::Dwell, rest.start, rest.start + kDwellLength, rest.last));
+            dwells.push_back(momentAt(
+                Moment::Kind::Dwell, rest.start, rest.start + kDwellLength, rest.middle()));
         }
     }
     return dwells;

@@ -40,6 +40,10 @@ std::optional<Vec2> PortalScrollWheel::pointer()
 void PortalScrollWheel::movePointer(Vec2 pixel)
 {
     const double scale = m_screen->scale();
+    const auto place = pointer();
+    if (place && std::hypot(place->x - pixel.x, place->y - pixel.y) <= scale) {
+        return; // else the picture from before the first step would be taken for one after it
+    }
     const Rect bounds = m_screen->bounds();
     m_screen->session().movePointer({pixel.x / scale - bounds.x, pixel.y / scale - bounds.y});
     for (int step = 0; step < kMostSteps; ++step) {

@@ -1,19 +1,13 @@
 #include "Heartbeat.h"
 
-#include <ctime>
+#include "ProcessorTime.h"
+
 #include <fstream>
 #include <utility>
 
 namespace zento::bench {
 
 namespace {
-
-double threadMilliseconds()
-{
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
-}
 
 /// Time this thread was ready to run and had no core, milliseconds.
 double threadDelay()
@@ -29,7 +23,7 @@ double threadDelay()
 
 Heartbeat::Heartbeat()
     : m_last(std::chrono::steady_clock::now())
-    , m_lastWork(threadMilliseconds())
+    , m_lastWork(threadSeconds() * 1e3)
     , m_lastDelay(threadDelay())
 {
     m_timer.setTimerType(Qt::PreciseTimer);
@@ -41,7 +35,7 @@ Heartbeat::Heartbeat()
 void Heartbeat::beat()
 {
     const auto now = std::chrono::steady_clock::now();
-    const double work = threadMilliseconds();
+    const double work = threadSeconds() * 1e3;
     const std::chrono::duration<double, std::milli> away = now - std::exchange(m_last, now);
     const double own = work - std::exchange(m_lastWork, work);
     const double delay = threadDelay();

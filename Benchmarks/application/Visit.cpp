@@ -8,6 +8,7 @@
 #include <QQuickWindow>
 #include <QTimer>
 
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -167,6 +168,39 @@ int visitPauses(int argc, char** argv)
     QObject::connect(
         model.filmExport(), &FilmExport::filmWritten, &course, [&] { isExported = true; });
     // The window's first pictures are the start's.
+    application.onShown([&] { QTimer::singleShot(1000, &course, &Course::begin); });
+    application.host.start();
+    return QGuiApplication::exec();
+}
+
+int visitListening(int argc, char** argv)
+{
+    constexpr std::chrono::milliseconds kScrub{100};
+    constexpr double kStep = 7; // seconds
+    Application application(argc, argv);
+    AppModel& model = application.host.model();
+    EditSession& session = *model.editor()->session();
+    LivePreview& preview = *model.editor()->preview();
+    const QString recording = qEnvironmentVariable("ZENTO_BENCH_RECORDING");
+    QTimer hand;
+    hand.setInterval(kScrub);
+    QObject::connect(&hand, &QTimer::timeout, [&preview] {
+        preview.seek(std::fmod(preview.playheadTimeline() + kStep, preview.duration()));
+    });
+    Course course(
+        {{"opening",
+          [&] { model.openFromSearch(recording); },
+          [&] { return session.film() != nullptr && preview.duration() > 0; }},
+         {"listening", [&] { hand.start(); }, [&] { return !session.transcript().empty(); }},
+         {"afterwards",
+          [] {},
+          [end = std::chrono::steady_clock::time_point()]() mutable {
+              const auto now = std::chrono::steady_clock::now();
+              if (end == std::chrono::steady_clock::time_point()) {
+                  end = now + std::chrono::seconds(2); // the new plan lands
+              }
+              return now > end;
+          }}});
     application.onShown([&] { QTimer::singleShot(1000, &course, &Course::begin); });
     application.host.start();
     return QGuiApplication::exec();

@@ -11,4 +11,8 @@ int visitStart(int argc, char** argv);
 /// thread in each: "NAME MILLISECONDS OF_THEM_WORK".
 int visitPauses(int argc, char** argv);
 
+/// Opens the recording of ZENTO_BENCH_RECORDING, whose narration is then listened to, and moves the
+/// playhead about until it is transcribed. Prints as `visitPauses`.
+int visitListening(int argc, char** argv);
+
 } // namespace zento::bench

@@ -2,21 +2,26 @@
 //
 //     application_bench          the limits, on a display of its own
 //     application_bench --stay   what that runs in a process of its own; see Visit.h
+//     application_bench listening   only what it is like while a narration is listened to
 
 #include "TestSupport/NumberedMovie.h"
 #include "Visit.h"
 #include "Zento/Demo/PrivateDesktop.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoCore/SessionBundle.h"
+#include "ZentoMedia/WavWriter.h"
 #include "capture/Animation.h"
+#include "speech/Material.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <limits>
 #include <optional>
+#include <span>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -74,6 +79,56 @@ std::string visited(const std::string& program, const std::string& visit, int re
     return readFile(stage.log());
 }
 
+/// A recording of ten minutes in which somebody speaks.
+std::filesystem::path addNarrated(const std::filesystem::path& folder)
+{
+    constexpr double kSeconds = 600;
+    constexpr VideoSize kSize{640, 360};
+    constexpr double kRate = 2;
+    const auto bundle = folder / "narrated.zento";
+    std::filesystem::create_directory(bundle);
+    test::writeNumberedRecording(
+        bundle / "screen.mov",
+        kSize,
+        test::countedFrames(0, static_cast<int>(kSeconds * kRate), kRate));
+    SessionMeta meta{
+        .pixelWidth = kSize.width,
+        .pixelHeight = kSize.height,
+        .scaleFactor = 1,
+        .nominalFPS = 60,
+        .duration = kSeconds};
+    meta.title = "Narrated";
+    meta.narrationOffset = 0;
+    std::string events;
+    for (int second = 1; second < static_cast<int>(kSeconds); second += 4) {
+        events += R"({"t":)" + std::to_string(second)
+                  + R"(,"kind":"click","pos":{"x":200,"y":150},"button":0})" + '\n';
+    }
+    writeFile(bundle / "events.jsonl", events);
+    writeFile(bundle / "meta.json", encodeMeta(meta));
+    const SpokenMaterial voice = repeated(shownProgram(Room::Quiet), kSeconds);
+    WavWriter writer(bundle / "narration.wav", {.sampleRate = kSpeechRate, .channelCount = 1});
+    writer.append(std::array<std::span<const float>, 1>{voice.sound});
+    writer.finish();
+    return bundle;
+}
+
+/// What a visit to a stage with that recording printed.
+std::string visitedWhileListening(const std::string& program)
+{
+    PrivateDesktop stage({1600, 1000});
+    const auto& home = stage.home();
+    fillLibrary(home.path() / "Videos/Zento", 20);
+    const auto recording = addNarrated(home.path() / "Videos/Zento");
+    home.writeFile(".config/Zento/Zento.ini", "[General]\nwelcomeShown=true\n");
+    const pid_t child = stage.start(
+        {"/usr/bin/env", "ZENTO_BENCH_RECORDING=" + recording.string(), program, "--listening"});
+    while (ProcessGroup::isRunning(child)) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    return readFile(stage.log());
+}
+
 void tellStarts(const std::string& printed)
 {
     std::istringstream lines(printed);
@@ -124,9 +179,17 @@ int run(int argc, char** argv)
     if (visit == "--stay") {
         return visitPauses(argc, argv);
     }
+    if (visit == "--listening") {
+        return visitListening(argc, argv);
+    }
     const std::string program = std::filesystem::read_symlink("/proc/self/exe");
+    if (visit == "listening") {
+        tellPauses(visitedWhileListening(program));
+        return 0;
+    }
     tellStarts(visited(program, "--start", 200));
     tellPauses(visited(program, "--stay", 2000));
+    tellPauses(visitedWhileListening(program));
     return 0;
 }
 

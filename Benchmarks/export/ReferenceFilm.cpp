@@ -1,5 +1,6 @@
 #include "ReferenceFilm.h"
 
+#include "ProcessorTime.h"
 #include "ZentoCore/RemapCurve.h"
 #include "ZentoMedia/FilmWriter.h"
 #include "ZentoRender/BoundedQueue.h"
@@ -13,7 +14,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <ctime>
 #include <deque>
 #include <future>
 #include <memory>
@@ -30,20 +30,6 @@ using Pictures = std::vector<std::shared_ptr<const Picture>>;
 
 constexpr std::size_t kQueued = 4; // as an export has
 constexpr int kPart = 300;         // frames; one of 1080p takes 3.1 MB
-
-double threadSeconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-double processSeconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
 
 VideoFrame frameAt(SourceReader& reader, double time)
 {

@@ -2,6 +2,7 @@
 // that is than libswscale doing the job nearest to it (which has no sub-pixel placement). One
 // thread; medians. Every job runs on the best processor target and on each lesser one.
 
+#include "ProcessorTime.h"
 #include "ZentoImaging/Blend.h"
 #include "ZentoImaging/Convert.h"
 #include "ZentoImaging/MotionBlur.h"
@@ -15,7 +16,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <functional>
 #include <memory>
 #include <random>
@@ -30,26 +30,10 @@ namespace {
 
 using namespace zento;
 
-double processorMilliseconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return double(now.tv_sec) * 1e3 + double(now.tv_nsec) / 1e6;
-}
-
-/// The median of calls that are told their number.
 double median(const std::function<void(int)>& job)
 {
     constexpr int kRuns = 41;
-    std::vector<double> times;
-    job(0);
-    for (int i = 1; i <= kRuns; ++i) {
-        const double before = processorMilliseconds();
-        job(i);
-        times.push_back(processorMilliseconds() - before);
-    }
-    std::ranges::nth_element(times, times.begin() + kRuns / 2);
-    return times[kRuns / 2];
+    return bench::medianMilliseconds(kRuns, job);
 }
 
 struct FreeScaler {

@@ -1,6 +1,7 @@
 // Loading and planning long recordings, against a bare pass of the JSON parser over the same bytes.
 
 #include "HumanSession.h"
+#include "ProcessorTime.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoCore/SessionBundle.h"
 #include "ZentoEngine/EditPlanner.h"
@@ -8,7 +9,6 @@
 #include <malloc.h>
 #include <simdjson.h>
 #include <sys/resource.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -25,13 +25,6 @@ namespace zento::bench {
 namespace {
 
 constexpr int kRounds = 7;
-
-double threadSeconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
 
 double peakMegabytes()
 {

@@ -1,17 +1,15 @@
 // What screenshots cost, in milliseconds of processor time: the view of a shot that is being drawn
 // on, the finished picture, and a step of a scrolling capture. One thread; medians.
 
+#include "ProcessorTime.h"
 #include "Zento/Screenshot/ShotDrawing.h"
 #include "Zento/Screenshot/ShotPresets.h"
 #include "ZentoCapture/ScrollSignature.h"
 #include "ZentoCapture/ScrollStitch.h"
 #include "ZentoRender/Screenshot/AnnotationRenderer.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <ctime>
-#include <functional>
 #include <memory>
 #include <random>
 #include <utility>
@@ -20,27 +18,6 @@
 namespace {
 
 using namespace zento;
-
-double processorMilliseconds()
-{
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return double(now.tv_sec) * 1e3 + double(now.tv_nsec) / 1e6;
-}
-
-/// Of calls that are told their number; the first warms up.
-double median(int runs, const std::function<void(int)>& job)
-{
-    std::vector<double> times;
-    job(0);
-    for (int i = 1; i <= runs; ++i) {
-        const double before = processorMilliseconds();
-        job(i);
-        times.push_back(processorMilliseconds() - before);
-    }
-    std::ranges::nth_element(times, times.begin() + runs / 2);
-    return times[static_cast<std::size_t>(runs / 2)];
-}
 
 /// Lines of dark words on white, at no regular distance.
 Canvas textPage(int width, int height)
@@ -86,7 +63,7 @@ void drawing(const std::shared_ptr<const Canvas>& shot)
     ShotDocument document = marks();
     document.annotations.push_back(mark(Annotation::Kind::Pen, {}, {}));
     row("a stroke of the pen grows, 3840 x 2160",
-        median(
+        bench::medianMilliseconds(
             60,
             [&](int i) {
                 document.annotations.back().points.push_back({600.0 + 20 * i, 900.0 + i % 7 * 30});
@@ -94,7 +71,7 @@ void drawing(const std::shared_ptr<const Canvas>& shot)
             }),
         "limit 16.7");
     row("another look, 3840 x 2160",
-        median(
+        bench::medianMilliseconds(
             11,
             [&](int i) {
                 view.draw(document, ShotPresets::all()[static_cast<std::size_t>(i % 6)].style);
@@ -108,9 +85,11 @@ void output(const Canvas& shot)
     const ShotDocument document = marks();
     Canvas picture(1, 1);
     row("the finished picture, 3840 x 2160 in Indigo",
-        median(5, [&](int) { picture = flattened(shot, document, indigo); }),
+        bench::medianMilliseconds(5, [&](int) { picture = flattened(shot, document, indigo); }),
         "");
-    row("its PNG file", median(3, [&](int) { AnnotationRenderer::pngData(picture, 2); }), "");
+    row("its PNG file",
+        bench::medianMilliseconds(3, [&](int) { AnnotationRenderer::pngData(picture, 2); }),
+        "");
 }
 
 void scrolling()
@@ -126,7 +105,7 @@ void scrolling()
     const auto second = frame(1080);
     const ScrollSignature previous(*first);
     row("signature and shift, 2880 x 1800",
-        median(
+        bench::medianMilliseconds(
             21,
             [&](int) {
                 if (ScrollSignature(*second).shift(previous) != 1080) {
@@ -136,7 +115,7 @@ void scrolling()
         "limit 15");
     const ScrollStitch begun(first);
     row("a whole step of a scrolling capture, 2880 x 1800",
-        median(
+        bench::medianMilliseconds(
             21,
             [&](int) {
                 ScrollStitch stitch = begun;

@@ -1,7 +1,9 @@
 // How well and how fast a narration is heard: speech_bench [MODEL]. With a speech model whisper.cpp
-// is measured as well.
+// is measured as well. speech_bench --long [MINUTES]: what long ones without a voice cost.
 
+#include "LongSound.h"
 #include "Material.h"
+#include "ProcessorTime.h"
 #include "ZentoIntelligence/EnergySegments.h"
 #include "ZentoIntelligence/SpeechEngine.h"
 #include "ZentoIntelligence/VoiceActivity.h"
@@ -11,7 +13,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <exception>
 #include <iostream>
 #include <iterator>
@@ -22,14 +23,6 @@
 
 namespace zento {
 namespace {
-
-/// Of the whole process, all threads together.
-double processorSeconds()
-{
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
 
 std::vector<std::string> plainWords(const std::string& text)
 {
@@ -93,10 +86,10 @@ boundaryErrors(const std::vector<SpokenWord>& words, const std::vector<SpeechStr
 
 void measureEngine(SpeechEngine& engine, const char* name, const SpokenMaterial& material)
 {
-    const double begin = processorSeconds();
+    const double begin = bench::processSeconds();
     const auto stretches = speechStretches(material.sound);
     const auto words = engine.words(material.sound, stretches, {}, {});
-    const double took = processorSeconds() - begin;
+    const double took = bench::processSeconds() - begin;
     std::string heard;
     for (const SpokenWord& word : words)
         heard += word.text + ' ';
@@ -159,14 +152,14 @@ void measureActivity(
 
 void measureActivities(const SpokenMaterial& material)
 {
-    double begin = processorSeconds();
+    double begin = bench::processSeconds();
     const auto heard = speechStretches(material.sound);
-    measureActivity("network", material, heard, processorSeconds() - begin);
-    begin = processorSeconds();
+    measureActivity("network", material, heard, bench::processSeconds() - begin);
+    begin = bench::processSeconds();
     std::vector<SpeechStretch> loud;
     for (const TranscriptSegment& segment : energySegments(material.sound, kSpeechRate, 0))
         loud.push_back({segment.start, segment.end});
-    measureActivity("loudness", material, loud, processorSeconds() - begin);
+    measureActivity("loudness", material, loud, bench::processSeconds() - begin);
 }
 
 void run(const char* model)
@@ -190,6 +183,10 @@ void run(const char* model)
 
 int main(int count, char** arguments)
 try {
+    if (count > 1 && std::string(arguments[1]) == "--long") {
+        zento::measureLongSounds(count > 2 ? std::stod(arguments[2]) : 60);
+        return 0;
+    }
     zento::run(count > 1 ? arguments[1] : nullptr);
     return 0;
 } catch (const std::exception& error) {

@@ -39,12 +39,20 @@ CaptureSession::CaptureSession(
 
 CaptureSession::~CaptureSession() = default;
 
+void CaptureSession::choose(const std::stop_token& stop)
+{
+    m_desktop.choose(target, stop);
+    m_isChosen = true;
+}
+
 void CaptureSession::start(const std::stop_token& stop)
 {
     startEventTap();
     const FrameRequest request = [&] {
         try {
-            m_desktop.choose(target, stop);
+            if (!m_isChosen) {
+                choose(stop);
+            }
             return prepare();
         } catch (...) {
             stopEventTap();

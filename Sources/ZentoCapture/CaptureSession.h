@@ -67,6 +67,10 @@ public:
     /// "capture.video", which must not call `stop`.
     std::function<void(const std::optional<Error>&)> onStreamStopped;
 
+    /// Lets the user choose what is recorded, where the desktop asks them; to be called before
+    /// `start`, which does it otherwise. Throws `Error` as `Desktop::choose`.
+    void choose(const std::stop_token& stop);
+
     /// Returns when the capture runs. Listening for input is the first thing to start, so that a
     /// missing right to listen fails before anything exists.
     ///
@@ -114,6 +118,7 @@ private:
     FrameIntake m_intake;
     SideRecorders m_sideRecorders;
 
+    bool m_isChosen = false;
     bool m_hasReported = false;         // that the writer failed
     std::unique_ptr<Journal> m_journal; // absent where it could not be made
 

@@ -55,6 +55,9 @@ public:
     /// `stop` is requested.
     virtual void choose(const CaptureTarget& /*target*/, const std::stop_token& /*stop*/) {}
 
+    /// The user is asked about such a target again, though the desktop would remember.
+    virtual void forgetChoice(const CaptureTarget& /*target*/) {}
+
     /// What a recording here goes without and how to change that, in a sentence for the user;
     /// nothing where nothing is missing. May be asked after `choose`.
     virtual std::optional<std::string> shortcoming() { return {}; }

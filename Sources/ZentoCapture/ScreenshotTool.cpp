@@ -106,7 +106,7 @@ std::optional<Shot> desktopPicture(Desktop& desktop, const std::stop_token& stop
     auto image = std::make_shared<const Canvas>(loadImage(*file));
     std::error_code ignored;
     std::filesystem::remove(*file, ignored); // it was made for us
-    return Shot{.image = std::move(image), .scale = 1};
+    return Shot{.image = std::move(image), .scale = 1, .tellsScale = false};
 }
 
 } // namespace
@@ -119,6 +119,11 @@ Shot capture(Desktop& desktop, const CaptureTarget& target, const std::stop_toke
         }
     }
     desktop.choose(target, stop);
+    return captureChosen(desktop, target, stop);
+}
+
+Shot captureChosen(Desktop& desktop, const CaptureTarget& target, const std::stop_token& stop)
+{
     const CaptureLayout layout = captureLayout(target, desktop, {});
     if (desktop.choice() == Desktop::Choice::ByProgram && isGone(target, layout.display)) {
         throw Error(ErrorCode::kShotDisplayGone, "the display is no longer connected");

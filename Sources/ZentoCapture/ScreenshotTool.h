@@ -17,7 +17,8 @@ inline constexpr int kNoShot = 41;
 /// A picture of the screen as it was taken: opaque, without the pointer.
 struct Shot {
     std::shared_ptr<const Canvas> image;
-    double scale = 1; // pixels per point, [1, ∞)
+    double scale = 1;       // pixels per point, [1, ∞)
+    bool tellsScale = true; // else `scale` is a guess: the desktop took the picture itself
 };
 
 namespace ScreenshotTool {
@@ -28,6 +29,9 @@ namespace ScreenshotTool {
 /// Throws `Error`: 40 when the target's display is gone, 24 when its window is, 41 when it shows
 /// nothing, 9 when it was stopped, or what the desktop says.
 Shot capture(Desktop& desktop, const CaptureTarget& target, const std::stop_token& stop = {});
+
+/// The same of what the user has chosen already, where that is how it goes: see `Desktop::choose`.
+Shot captureChosen(Desktop& desktop, const CaptureTarget& target, const std::stop_token& stop = {});
 
 } // namespace ScreenshotTool
 } // namespace zento

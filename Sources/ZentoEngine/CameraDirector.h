@@ -26,6 +26,11 @@ struct CameraScript {
 /// ones; those whose start is cut from the film are ignored. A moment within 0.08 s of `heroTime`
 /// gets the closest zoom and, like any moment the user has touched, is never left out for the sake
 /// of calm. A disabled zoom stays in `focusMoments` without a keyframe.
+///
+/// A hold shortens a zoom and does not keep it: where nothing is shown for more than `wideAfter` +
+/// 1.2 s after a keyframe the camera goes wide `wideAfter` after it, within a hold as elsewhere.
+/// With the defaults a zoom that is held for more than 3.45 s goes wide 2.25 s after its moment,
+/// and is at 1.0, but for what an eye can see, about 1.2 s later.
 CameraScript buildCamera(
     std::span<const Moment> moments,
     const RemapCurve& remap,

@@ -72,11 +72,14 @@ dwellsOf(Vec2 from, std::span<const Rest> rests, std::span<const double> changes
 {
     std::vector<Moment> dwells;
     for (const Rest& rest : rests) {
-        const bool isJourney = distance(from, rest.pos) >= kJourney * width;
-        from = rest.last;
+        const bool isJourney = distance(from, rest.last) >= kJourney * width;
         const double length = rest.end - rest.start;
         const bool isAnswered = changesWithin(changes, rest.start, rest.start + kAnswer);
-        if (isJourney && (length >= kLongRest || isAnswered)) {
+        if (length < kLongRest && !isAnswered) {
+            continue; // a hand that slows down before it arrives goes on with the same journey
+        }
+        from = rest.last;
+        if (isJourney) {
             dwells.push_back(
                 momentAt(Moment::Kind::Dwell, rest.start, rest.start + kDwellLength, rest.last));
         }

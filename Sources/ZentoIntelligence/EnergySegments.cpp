@@ -8,20 +8,6 @@ namespace zento {
 
 namespace {
 
-/// The root mean square of each block, the last one possibly shorter.
-std::vector<double> levelsOf(std::span<const float> sound, std::size_t block)
-{
-    std::vector<double> levels;
-    for (std::size_t at = 0; at < sound.size(); at += block) {
-        const auto piece = sound.subspan(at, std::min(block, sound.size() - at));
-        double sum = 0;
-        for (const float sample : piece)
-            sum += static_cast<double>(sample) * static_cast<double>(sample);
-        levels.push_back(std::sqrt(sum / static_cast<double>(piece.size())));
-    }
-    return levels;
-}
-
 double thresholdOf(std::vector<double> levels)
 {
     std::ranges::sort(levels);
@@ -32,26 +18,46 @@ double thresholdOf(std::vector<double> levels)
 
 } // namespace
 
-std::vector<TranscriptSegment>
-energySegments(std::span<const float> sound, double sampleRate, double offset)
+EnergyLevels::EnergyLevels(double sampleRate)
+    : m_block(static_cast<std::size_t>(sampleRate * 0.05))
+    , m_step(static_cast<double>(m_block) / sampleRate)
+{
+}
+
+void EnergyLevels::add(std::span<const float> sound)
+{
+    if (m_block == 0)
+        return;
+    for (const float sample : sound) {
+        m_sum += static_cast<double>(sample) * static_cast<double>(sample);
+        if (++m_count == m_block) {
+            m_levels.push_back(std::sqrt(m_sum / static_cast<double>(m_count)));
+            m_sum = 0;
+            m_count = 0;
+        }
+    }
+}
+
+std::vector<TranscriptSegment> EnergyLevels::segments(double offset) const
 {
     constexpr double kLongestPause = 0.5; // seconds, within one segment
     constexpr double kShortest = 0.3;
-    const auto block = static_cast<std::size_t>(sampleRate * 0.05);
-    if (sound.empty() || block == 0)
+    std::vector<double> levels = m_levels;
+    if (m_count > 0) // the last block may be shorter
+        levels.push_back(std::sqrt(m_sum / static_cast<double>(m_count)));
+    if (levels.empty())
         return {};
-    const std::vector<double> levels = levelsOf(sound, block);
     const double threshold = thresholdOf(levels);
-    const double step = static_cast<double>(block) / sampleRate;
     std::vector<TranscriptSegment> segments;
     bool isSilent = true;
     double lastVoice = -1;
     double start = 0;
     const auto close = [&] {
-        segments.push_back({.start = offset + start, .end = offset + lastVoice + step, .text = {}});
+        segments.push_back(
+            {.start = offset + start, .end = offset + lastVoice + m_step, .text = {}});
     };
     for (std::size_t i = 0; i < levels.size(); ++i) {
-        const double time = static_cast<double>(i) * step;
+        const double time = static_cast<double>(i) * m_step;
         if (levels[i] >= threshold) {
             lastVoice = time;
             if (isSilent)
@@ -67,6 +73,14 @@ energySegments(std::span<const float> sound, double sampleRate, double offset)
     std::erase_if(
         segments, [](const TranscriptSegment& s) { return s.end - s.start <= kShortest; });
     return segments;
+}
+
+std::vector<TranscriptSegment>
+energySegments(std::span<const float> sound, double sampleRate, double offset)
+{
+    EnergyLevels levels(sampleRate);
+    levels.add(sound);
+    return levels.segments(offset);
 }
 
 } // namespace zento

@@ -4,35 +4,17 @@
 #include "ZentoCore/FileIO.h"
 #include "ZentoIntelligence/CaptionSegments.h"
 #include "ZentoIntelligence/EnergySegments.h"
+#include "ZentoIntelligence/NarrationSound.h"
 #include "ZentoIntelligence/VoiceActivity.h"
 #include "ZentoMedia/AudioReader.h"
 
 #include <algorithm>
 #include <exception>
-#include <optional>
+#include <utility>
 
 namespace zento::NarrationTranscriber {
 
 namespace {
-
-struct Sound {
-    std::vector<float> samples; // of the first channel
-    double sampleRate = 0;
-};
-
-Sound readFirstChannel(
-    const std::filesystem::path& audio, std::optional<int> sampleRate, const std::stop_token& stop)
-{
-    AudioReader reader(audio, ChannelMix::AsStored, sampleRate);
-    Sound sound{{}, static_cast<double>(reader.sampleRate())};
-    while (const auto block = reader.next()) {
-        if (stop.stop_requested())
-            return {};
-        const auto first = block->front();
-        sound.samples.insert(sound.samples.end(), first.begin(), first.end());
-    }
-    return sound;
-}
 
 std::vector<TranscriptSegment> spoken(
     const std::filesystem::path& audio,
@@ -40,18 +22,24 @@ std::vector<TranscriptSegment> spoken(
     const std::stop_token& stop,
     const EngineFactory& makeEngine)
 {
-    const Sound sound = readFirstChannel(audio, kSpeechRate, stop);
-    const auto stretches = speechStretches(sound.samples, stop);
+    const std::vector<float> sound = narrationSound(audio, stop);
+    const auto stretches = speechStretches(sound, stop);
     if (stretches.empty())
         return {};
-    return captionSegments(makeEngine()->words(sound.samples, stretches, {}, stop), offset);
+    return captionSegments(makeEngine()->words(sound, stretches, {}, stop), offset);
 }
 
 std::vector<TranscriptSegment>
 loud(const std::filesystem::path& audio, double offset, const std::stop_token& stop)
 {
-    const Sound sound = readFirstChannel(audio, std::nullopt, stop);
-    return energySegments(sound.samples, sound.sampleRate, offset);
+    AudioReader reader(audio);
+    EnergyLevels levels(reader.sampleRate());
+    while (const auto block = reader.next()) {
+        if (stop.stop_requested())
+            return {};
+        levels.add(block->front());
+    }
+    return levels.segments(offset);
 }
 
 /// What `work` gives, or nothing if it fails.

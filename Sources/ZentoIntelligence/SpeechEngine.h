@@ -38,6 +38,7 @@ public:
 /// PocketSphinx with Debian's English model: no download, no other language; about one word in four
 /// to eight is wrong. Throws `Error` where the model is not installed.
 std::unique_ptr<SpeechEngine> makeSphinx();
+bool canUseSphinx(); // the model is installed; blocks on a disk
 
 /// whisper.cpp with a model of the user's: any language the model knows. Cancelling takes less than
 /// a second. Throws `Error` kNoSpeechModel for a file that is no whole model, and where this build

@@ -5,10 +5,13 @@
 #include <sphinxbase/err.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
+#include <string>
 #include <string_view>
+#include <system_error>
 
 namespace zento {
 
@@ -116,6 +119,15 @@ private:
 };
 
 } // namespace
+
+bool canUseSphinx()
+{
+    return std::ranges::all_of(
+        std::array{"/en-us/mdef", "/en-us.lm.bin", "/cmudict-en-us.dict"}, [](const char* part) {
+            std::error_code ignored;
+            return std::filesystem::exists(std::string(kModel) + part, ignored);
+        });
+}
 
 std::unique_ptr<SpeechEngine> makeSphinx()
 {

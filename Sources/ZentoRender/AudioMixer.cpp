@@ -154,7 +154,7 @@ void limit(std::vector<float>& channel, const std::stop_token& stop)
 StereoSound silence(double samples)
 {
     try {
-        constexpr double kMostSamples = 0x1p52;
+        constexpr double kMostSamples = 0x1p62; // a number still, and more than a vector holds
         const auto length = static_cast<std::size_t>(std::min(samples, kMostSamples));
         return {std::vector<float>(length), std::vector<float>(length)};
     } catch (const std::exception&) { // no memory, or more than there can be

@@ -718,7 +718,9 @@ TEST_P(ScaledPortalTest, aPageIsScrolledWithAHandThatTheUserLends)
     const Canvas& image = *scrolled.shot.image;
     const double below = test::Page::kHeight - WaylandStage::kHeight / scale;
     EXPECT_EQ(image.width(), area.w * scale);
-    ASSERT_EQ(image.height(), (area.h + below) * scale);
+    ASSERT_EQ(image.height(), (area.h + below) * scale)
+        << testing::PrintToString(stage().clientLines()) << scrolled.seams.size() << ' '
+        << wheel->pointer().value_or(Vec2{}).x << ' ' << wheel->pointer().value_or(Vec2{}).y;
     int wrong = 0;
     for (int y = 0; y < image.height(); ++y) {
         const int row = static_cast<int>(area.y + (y + 0.5) / scale);

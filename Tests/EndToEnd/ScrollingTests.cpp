@@ -1,4 +1,5 @@
 #include "DesktopTest.h"
+#include "TestSupport/SamePixels.h"
 #include "TestSupport/TemporaryFolder.h"
 #include "ZentoCapture/ScrollingCapture.h"
 
@@ -19,16 +20,6 @@ namespace zento {
 namespace {
 
 using namespace std::chrono_literals;
-
-bool isSame(const Canvas& a, const Canvas& b)
-{
-    if (a.width() != b.width() || a.height() != b.height())
-        return false;
-    for (int y = 0; y < a.height(); ++y)
-        if (!std::equal(a.pixels().row(y), a.pixels().row(y) + a.width(), b.pixels().row(y)))
-            return false;
-    return true;
-}
 
 bool isUniform(const Canvas& image)
 {
@@ -78,7 +69,7 @@ protected:
         for (int same = 0, looks = 0; same < 3 && (looks < 15 || isUniform(last)); ++looks) {
             std::this_thread::sleep_for(60ms); // between two looks
             Canvas next = shot(stage, area);
-            same = isSame(last, next) && !isUniform(next) ? same + 1 : 0;
+            same = test::samePixels(last, next) && !isUniform(next) ? same + 1 : 0;
             last = std::move(next);
         }
         return last;
@@ -230,10 +221,10 @@ TEST_F(ScrollingTest, stitchesWhatRealProgramsShow)
         const Canvas whole = inOnePiece(viewer, page);
         std::cout << viewer.name << ": " << page.height() << " pixels, " << result.seams.size()
                   << " seams in doubt\n";
-        EXPECT_TRUE(isSame(page, whole) || !result.seams.empty()) << viewer.name;
+        EXPECT_TRUE(test::samePixels(page, whole) || !result.seams.empty()) << viewer.name;
         EXPECT_GT(page.height(), viewer.outcome == Outcome::Told ? 0 : 2000) << viewer.name;
         if (viewer.outcome == Outcome::Exact) {
-            EXPECT_TRUE(isSame(page, whole)) << viewer.name;
+            EXPECT_TRUE(test::samePixels(page, whole)) << viewer.name;
             EXPECT_TRUE(result.seams.empty()) << viewer.name;
         } else if (viewer.outcome == Outcome::ExactButForTheBar) {
             const Rect inside{
@@ -241,7 +232,7 @@ TEST_F(ScrollingTest, stitchesWhatRealProgramsShow)
                 0,
                 double(page.width() - ScrollStitch::edgeWidth(page.width())),
                 whole.bounds().h};
-            EXPECT_TRUE(isSame(part(page, inside), part(whole, inside))) << viewer.name;
+            EXPECT_TRUE(test::samePixels(part(page, inside), part(whole, inside))) << viewer.name;
             ASSERT_EQ(result.seams.size(), 1U) << viewer.name;
             EXPECT_EQ(result.seams.front().doubt, ScrollDoubt::ScrollBar) << viewer.name;
         }

@@ -1,4 +1,5 @@
 #include "TestSupport/Random.h"
+#include "TestSupport/SamePixels.h"
 #include "ZentoCapture/ScrollStitch.h"
 #include "ZentoCapture/ScrollingCapture.h"
 #include "ZentoCore/Error.h"
@@ -100,16 +101,6 @@ Canvas window(const Page& page, int offset, int height, int shot)
 Canvas inOnePiece(const Page& page)
 {
     return window({page.content.clone(), page.header}, 0, page.content.height(), 0);
-}
-
-bool isSame(const Canvas& a, const Canvas& b)
-{
-    if (a.width() != b.width() || a.height() != b.height())
-        return false;
-    for (int y = 0; y < a.height(); ++y)
-        if (!std::equal(a.pixels().row(y), a.pixels().row(y) + a.width(), b.pixels().row(y)))
-            return false;
-    return true;
 }
 
 struct Result {
@@ -233,7 +224,7 @@ TEST(ScrollStitch, isExactOrSaysThatItIsNot)
         const int step = height * 6 / 10;
         const Page page = kind.make(random, height, step);
         const Result result = scrolled(page, height, step);
-        const bool isExact = isSame(result.page, inOnePiece(page));
+        const bool isExact = test::samePixels(result.page, inOnePiece(page));
         const bool isTold = !result.seams.empty();
         const std::string what = kind.name + ", page " + std::to_string(i);
         ++counts[kind.name][isExact && !isTold ? "exact" : isTold ? "flagged" : "wrong"];
@@ -364,7 +355,7 @@ TEST(ScrollingCapture, followsAPageWhateverANotchMoves)
                  },
              .wheel = wheel,
              .settle = [] {}});
-        EXPECT_TRUE(isSame(*result.shot.image, page.content)) << perNotch;
+        EXPECT_TRUE(test::samePixels(*result.shot.image, page.content)) << perNotch;
         EXPECT_TRUE(result.seams.empty()) << perNotch;
         EXPECT_EQ(wheel.place, (Vec2{11, 22})) << perNotch;
     }
@@ -411,7 +402,7 @@ TEST(ScrollingCapture, waitsForAPageThatScrollsLate)
     };
     const ScrolledShot result = ScrollingCapture::run(
         {0, 0, kWidth, 400}, {.shoot = shoot, .wheel = wheel, .settle = settle});
-    EXPECT_TRUE(isSame(*result.shot.image, page.content));
+    EXPECT_TRUE(test::samePixels(*result.shot.image, page.content));
     EXPECT_TRUE(result.seams.empty());
 }
 

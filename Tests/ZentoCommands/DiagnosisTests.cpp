@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zento {
@@ -151,6 +152,21 @@ TEST(Diagnosis, whatIsNotThereIsNamedWithWhatToDo)
         EXPECT_EQ(canRecord(each.all), each.health != Health::Missing) << each.name;
         EXPECT_THAT(line(finding), testing::Not(testing::HasSubstr("\n"))) << each.name;
     }
+}
+
+TEST(Diagnosis, aBareMachineIsSentToWhatItNeedsFirst)
+{
+    Circumstances all = onX11();
+    all.services = {};
+    EXPECT_FALSE(canRecord(all));
+    for (const auto& [subject, advice] :
+         {std::pair{"hot keys", "see display"},
+          std::pair{"screenshots", "see display"},
+          std::pair{"accessibility", "see session bus"}}) {
+        EXPECT_EQ(findingOn(subject, all).advice, advice) << subject;
+    }
+    for (const Finding& finding : diagnose(all))
+        EXPECT_THAT(finding.what, testing::Not(testing::HasSubstr("X server"))) << line(finding);
 }
 
 TEST(Diagnosis, theKindOfDesktopIsWhatIsReallyThere)

@@ -1,5 +1,7 @@
 #include "PrivateSession.h"
 
+#include "TestSupport/QtEnvironment.h"
+
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QEventLoop>
@@ -14,21 +16,6 @@
 namespace zento::test {
 
 namespace {
-
-class QtEnvironment final : public testing::Environment {
-public:
-    void SetUp() override
-    {
-        static int count = 1;
-        static char name[] = "desktop_tests";       // NOLINT(modernize-avoid-c-arrays): argv
-        static char* arguments[] = {name, nullptr}; // NOLINT(modernize-avoid-c-arrays)
-        m_application = std::make_unique<QCoreApplication>(count, arguments);
-    }
-    void TearDown() override { m_application.reset(); }
-
-private:
-    std::unique_ptr<QCoreApplication> m_application;
-};
 
 // NOLINTNEXTLINE(cert-err58-cpp): how the library is told
 const testing::Environment* const kEnvironment =

@@ -102,6 +102,10 @@ INSTANTIATE_TEST_SUITE_P(
             {kStart, {9.65, 1.03}}},
         CameraCase{"Hold", {edited(clickAt(10), 2, 1.5)}, {kStart, {9.65, 1.5}, {12, 1}}},
         CameraCase{
+            "LongHoldGoesWideBeforeItsEnd",
+            {edited(clickAt(10), 3.5, 1.5)},
+            {kStart, {9.65, 1.5}, {9.65 + 2.6, 1}, {13.5, 1}}},
+        CameraCase{
             "PauseGoesWide",
             {clickAt(10), clickAt(15, {800, 500})},
             {kStart, {9.65, 1.35}, {9.65 + 2.6, 1}, {14.65, 1.35}, {15.62, 1}}},

@@ -161,6 +161,16 @@ TEST(PointerAttention, whatIsADwell)
               Way({200, 200}).rest(1).to({900, 500}).rest(0.5).to({90, 90}),
               {1.6},
               1},
+          Case{
+              "a hand that slows down before it arrives",
+              Way({200, 200}).rest(1).to({820, 500}).to({860, 500}).to({895, 500}).rest(1),
+              {},
+              1},
+          Case{
+              "a journey to the next button",
+              Way({200, 200}).rest(1).to({310, 200}).rest(2),
+              {},
+              1},
           Case{"a step aside", Way({200, 200}).rest(1).to({260, 200}).rest(2), {}, 0},
           Case{
               "a hand that is not still",

@@ -1,16 +1,14 @@
+#include "TestSupport/PictureMovie.h"
 #include "TestSupport/TemporaryFolder.h"
 #include "ZentoCore/Error.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoImaging/Canvas.h"
-#include "ZentoImaging/Convert.h"
 #include "ZentoIntelligence/FrameAnalyzer.h"
 #include "ZentoIntelligence/PictureRegions.h"
-#include "ZentoMedia/ProResWriter.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <thread>
 
 namespace zento {
 namespace {
@@ -46,35 +44,6 @@ Canvas page(int scale = 1)
             Path().rect({kPhotograph.x + 10 * i, kPhotograph.y, 5, kPhotograph.h}),
             Color{0.4 + 0.01 * i, 0.5, 0.8 - 0.01 * i});
     return canvas;
-}
-
-/// A recording that shows each canvas from its time on.
-void writeMovie(
-    const std::filesystem::path& file, const std::vector<std::pair<double, Canvas>>& pictures)
-{
-    const Canvas& first = pictures.front().second;
-    ProResWriter writer(file, first.width(), first.height());
-    for (const auto& [time, canvas] : pictures) {
-        auto slot = writer.acquire();
-        for (; !slot; slot = writer.acquire())
-            std::this_thread::yield();
-        const Plane<const std::uint32_t> pixels = canvas.pixels();
-        convert(
-            {reinterpret_cast<const std::uint8_t*>(pixels.data),
-             pixels.width,
-             pixels.height,
-             pixels.stride * 4},
-            slot->planes());
-        writer.submit(std::move(*slot), time);
-    }
-    writer.finish();
-}
-
-std::vector<std::pair<double, Canvas>> shown(double time, Canvas canvas)
-{
-    std::vector<std::pair<double, Canvas>> pictures;
-    pictures.emplace_back(time, std::move(canvas));
-    return pictures;
 }
 
 InputEvent click(double t, Vec2 pos)
@@ -147,6 +116,11 @@ protected:
         m_bundle.events = {click(0.02, {375, 320})};
     }
 
+    void show(const Canvas& picture) const
+    {
+        test::writePictures(m_bundle.screenMovieURL(), {{0, &picture}});
+    }
+
     std::vector<FramingHint> hints() { return FrameAnalyzer::loadOrAnalyze(m_bundle); }
 
     test::TemporaryFolder m_folder;
@@ -155,7 +129,7 @@ protected:
 
 TEST_F(FramingTest, findsWhatAPersonWouldPointAt)
 {
-    writeMovie(m_bundle.screenMovieURL(), shown(0, page()));
+    show(page());
     struct Case {
         const char* name;
         Vec2 place;
@@ -191,7 +165,7 @@ TEST_F(FramingTest, hintsAreInTheRecordingsPixels)
           Case{"as recorded", 1, 1}}) {
         std::filesystem::remove(m_bundle.framingURL());
         m_bundle.meta.scaleFactor = scaleFactor;
-        writeMovie(m_bundle.screenMovieURL(), shown(0, page(moviesScale)));
+        show(page(moviesScale));
         const auto found = hints();
         ASSERT_EQ(found.size(), 1U) << name;
         EXPECT_GE(overlap(found.front().rect, kCard), 0.9) << name;
@@ -202,9 +176,8 @@ TEST_F(FramingTest, looksAtTheFrameBeforeTheClick)
 {
     Canvas empty(kSize.width, kSize.height);
     empty.fillAll(gray(244));
-    auto pictures = shown(0, page());
-    pictures.emplace_back(1.0, std::move(empty));
-    writeMovie(m_bundle.screenMovieURL(), pictures);
+    const Canvas full = page();
+    test::writePictures(m_bundle.screenMovieURL(), {{0, &full}, {1, &empty}});
     m_bundle.events = {click(1.04, {375, 320}), click(1.2, {375, 320})};
     const auto found = hints();
     ASSERT_EQ(found.size(), 1U);
@@ -222,7 +195,7 @@ TEST_F(FramingTest, anAnalysisIsMadeOnce)
 {
     Canvas empty(kSize.width, kSize.height);
     empty.fillAll(gray(244));
-    writeMovie(m_bundle.screenMovieURL(), shown(0, std::move(empty)));
+    show(empty);
     writeFile(m_bundle.framingURL(), "torn [");
     EXPECT_TRUE(hints().empty());
     EXPECT_TRUE(decodeFramingHints(readFile(m_bundle.framingURL())).empty());
@@ -240,7 +213,7 @@ TEST_F(FramingTest, whatEndsEarlyIsTriedAgain)
     EXPECT_THROW(hints(), Error); // no movie
     EXPECT_FALSE(std::filesystem::exists(m_bundle.framingURL()));
 
-    writeMovie(m_bundle.screenMovieURL(), shown(0, page()));
+    show(page());
     std::stop_source stop;
     stop.request_stop();
     EXPECT_TRUE(FrameAnalyzer::loadOrAnalyze(m_bundle, stop.get_token()).empty());

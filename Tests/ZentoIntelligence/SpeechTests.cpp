@@ -192,6 +192,42 @@ TEST_F(TranscriptTest, realSpeechIsFoundAndMostWordsOfItAreRight)
     EXPECT_EQ(decodeTranscript(readFile(m_bundle.transcriptURL())), segments);
 }
 
+/// Hears a word wherever someone speaks.
+class OneWord final : public SpeechEngine {
+public:
+    std::vector<SpokenWord> words(
+        std::span<const float>,
+        std::span<const SpeechStretch> stretches,
+        const std::function<void(double)>&,
+        const std::stop_token&) override
+    {
+        std::vector<SpokenWord> result;
+        for (const SpeechStretch& stretch : stretches)
+            result.push_back({stretch.start, stretch.end, "word"});
+        return result;
+    }
+};
+
+TEST_F(TranscriptTest, aVoiceIsHeardInWhicheverChannelItIsAndHoweverQuiet)
+{
+    const auto speech = joined({silence(1), test::readSound(kSpoken).at(0), silence(1)});
+    const auto heardAt = [&](float gain, std::size_t channel, std::size_t channels) {
+        test::Channels sound(channels, std::vector<float>(speech.size()));
+        std::ranges::transform(
+            speech, sound.at(channel).begin(), [gain](float sample) { return sample * gain; });
+        test::writeWav(m_bundle.narrationURL(), kSpeechRate, sound);
+        std::filesystem::remove(m_bundle.transcriptURL());
+        return loadOrTranscribe(m_bundle, {}, [] { return std::make_unique<OneWord>(); });
+    };
+    const auto plain = heardAt(1, 0, 1);
+    ASSERT_FALSE(plain.empty());
+    EXPECT_EQ(plain.front().text, "Word");
+    EXPECT_EQ(heardAt(1, 4, 6), plain) << "in one of six";
+    const auto quiet = heardAt(0.001F, 1, 2);
+    ASSERT_FALSE(quiet.empty());
+    EXPECT_EQ(quiet.front().text, "Word") << "sixty decibels down";
+}
+
 TEST_F(TranscriptTest, withoutAnEngineTheLoudPartsAreProtected)
 {
     narrate(joined({silence(1), test::readSound(kSpoken).at(0), silence(1)}));

@@ -1,35 +1,28 @@
 #include "ModelFakes.h"
 
+#include "TestSupport/QtEnvironment.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoCore/SessionBundle.h"
 
-#include <QCoreApplication>
 #include <QLocale>
 
 namespace zento::test {
 
 namespace {
 
-/// Posted calls need an application; texts shall not depend on who runs the tests.
-class QtEnvironment final : public testing::Environment {
+/// Texts shall not depend on who runs the tests.
+class PlainEnvironment final : public QtEnvironment {
 public:
     void SetUp() override
     {
         QLocale::setDefault(QLocale::C);
-        static int count = 1;
-        static char name[] = "model_tests";         // NOLINT(modernize-avoid-c-arrays): argv
-        static char* arguments[] = {name, nullptr}; // NOLINT(modernize-avoid-c-arrays)
-        m_application = std::make_unique<QCoreApplication>(count, arguments);
+        QtEnvironment::SetUp();
     }
-    void TearDown() override { m_application.reset(); }
-
-private:
-    std::unique_ptr<QCoreApplication> m_application;
 };
 
 // NOLINTNEXTLINE(cert-err58-cpp): how the library is told
 const testing::Environment* const kEnvironment =
-    testing::AddGlobalTestEnvironment(new QtEnvironment);
+    testing::AddGlobalTestEnvironment(new PlainEnvironment);
 
 class FakeCapture final : public RecordingCapture {
 public:
@@ -37,6 +30,20 @@ public:
         : m_captures(captures)
         , m_order(std::move(order))
     {
+    }
+
+    void choose(const std::stop_token& stop) override
+    {
+        m_captures.steps.emplace_back("choose");
+        if (m_captures.whileChoosing) {
+            m_captures.whileChoosing();
+        }
+        if (stop.stop_requested()) {
+            throw Error(ErrorCode::kCancelled, "given up");
+        }
+        if (!m_captures.choiceFailure.empty()) {
+            throw Error(ErrorCode::kPortalDenied, m_captures.choiceFailure);
+        }
     }
 
     void start() override
@@ -173,6 +180,8 @@ void ModelTest::makeModel()
         .sessionsFolder = m_sessions,
         .home = m_folder.path(),
         .makeCapture = m_captures.factory(),
+        .choice = m_choice,
+        .displayPicture = [this](const auto&) { return m_displayPicture(); },
         .makers = m_films.makers(),
         .freeSpace = [this] { return m_freeSpace; },
         .runAction = [this](const std::string& name) { m_actions.push_back(name); },

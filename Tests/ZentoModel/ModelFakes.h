@@ -201,6 +201,8 @@ private:
 
 /// What the fake recordings do, and what was done to them.
 struct FakeCaptures {
+    std::string choiceFailure; // empty: the user chooses
+    std::function<void()> whileChoosing;
     std::string startFailure; // empty: it starts
     std::string stopFailure;
     int frameCount = 600;
@@ -267,6 +269,8 @@ protected:
     std::optional<QByteArray> m_updateDocument;
     std::vector<QUrl> m_fetched;
     bool m_hasTray = true;
+    Desktop::Choice m_choice = Desktop::Choice::ByProgram;
+    std::function<DisplayPicture()> m_displayPicture;
     CaptureDevices m_devices;
     std::vector<DesktopWindow> m_windows;
     std::function<SystemLanguageModel(const LanguageModelChoice&)> m_findModel = [](const auto&) {

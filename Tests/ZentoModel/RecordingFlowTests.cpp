@@ -368,6 +368,106 @@ TEST_F(RecordingFlowTest, AnAreaOf40PointsIsACancel)
     }
 }
 
+/// On a desktop whose dialog is where a user chooses.
+class DialogTest : public RecordingFlowTest {
+protected:
+    DialogTest()
+    {
+        m_choice = Desktop::Choice::ByUser;
+        makeModel();
+        set("countdownSeconds", 1);
+        start();
+    }
+};
+
+TEST_F(DialogTest, TheUserChoosesBeforeTheCountdownAndNothingFloatsInTheFilm)
+{
+    Phase asked = Phase::Recording;
+    m_captures.whileChoosing = [&] {
+        asked = phase();
+        EXPECT_TRUE(flow().isApplicationHidden());
+    };
+    flow().toggleRecording();
+    EXPECT_EQ(asked, Phase::Idle);
+    EXPECT_EQ(phase(), Phase::CountingDown);
+    EXPECT_THAT(m_captures.steps, ElementsAre("choose"));
+    m_clock.advance(1s);
+    EXPECT_EQ(phase(), Phase::Recording);
+    EXPECT_FALSE(flow().stopPanelVisible());
+    m_model->activate(); // the window is the way to stop it
+    EXPECT_FALSE(flow().isApplicationHidden());
+    flow().stopRecording();
+    EXPECT_THAT(m_captures.steps, ElementsAre("choose", "start", "stop"));
+    EXPECT_EQ(m_captures.orders.size(), 1U);
+}
+
+TEST_F(DialogTest, WhatIsChosenOnceIsAskedForAgainWhereTheUserMeansToChoose)
+{
+    using Asking = CaptureOrder::Asking;
+    struct Case {
+        const char* name;
+        std::function<void()> act;
+        CaptureTarget target;
+        Asking asking;
+    };
+    for (const Case& each :
+         {Case{"record", [&] { flow().recordDisplay(); }, Target::Display{}, Asking::Once},
+          Case{"another screen", [&] { flow().chooseDisplay(); }, Target::Display{}, Asking::Again},
+          Case{"a window", [&] { m_model->pickWindow(); }, Target::Window{0}, Asking::Again}}) {
+        each.act();
+        flow().cancelCountdown();
+        EXPECT_EQ(m_captures.orders.back().target, each.target) << each.name;
+        EXPECT_EQ(m_captures.orders.back().asking, each.asking) << each.name;
+    }
+    EXPECT_EQ(m_captures.orders.size(), 3U);
+    EXPECT_EQ(m_model->panel(), AppModel::Panel::NoPanel);
+}
+
+TEST_F(DialogTest, ADialogThatIsNotAnsweredWithAChoiceBringsTheWindowBack)
+{
+    m_captures.choiceFailure = "the answer was no";
+    flow().toggleRecording();
+    EXPECT_EQ(error(), "Could not start recording: the answer was no");
+    EXPECT_FALSE(flow().isApplicationHidden());
+
+    m_captures.whileChoosing = [&] { flow().toggleRecording(); }; // the hot key once more
+    flow().toggleRecording();
+    EXPECT_EQ(error(), "") << "the user gave it up";
+    EXPECT_FALSE(flow().isApplicationHidden());
+
+    bool isEnded = false;
+    m_captures.whileChoosing = [&] { m_model->shutDown([&] { isEnded = true; }); };
+    flow().toggleRecording();
+    EXPECT_TRUE(isEnded);
+    EXPECT_EQ(phase(), Phase::Idle);
+    EXPECT_TRUE(inSessions().empty());
+    EXPECT_THAT(m_captures.steps, ElementsAre("choose", "choose", "choose"));
+}
+
+TEST_F(DialogTest, AnAreaIsMarkedOnAPictureOfTheChosenDisplay)
+{
+    m_displayPicture = [] {
+        return DisplayPicture{{1920, 0, 1280, 720}, QImage(4, 4, QImage::Format_RGB32)};
+    };
+    m_model->pickArea();
+    EXPECT_EQ(m_model->displays(), (QVariantList{QRectF(1920, 0, 1280, 720)}));
+    EXPECT_FALSE(m_model->displayImage().isNull());
+    m_model->finishArea({1930, 10, 100, 100});
+    EXPECT_TRUE(m_model->displayImage().isNull());
+    EXPECT_EQ(m_captures.orders.back().target, CaptureTarget(Target::Area{{1930, 10, 100, 100}}));
+    EXPECT_EQ(m_captures.orders.back().asking, CaptureOrder::Asking::Once);
+    flow().cancelCountdown();
+
+    m_displayPicture = []() -> DisplayPicture {
+        throw Error(ErrorCode::kPortalDenied, "the answer was no");
+    };
+    bool isAnswered = false;
+    m_model->pickArea([&](const std::optional<QRectF>& area) { isAnswered = !area; });
+    EXPECT_TRUE(isAnswered);
+    EXPECT_EQ(error(), "No area can be marked: the answer was no");
+    EXPECT_FALSE(flow().isApplicationHidden());
+}
+
 } // namespace
 
 } // namespace zento::test

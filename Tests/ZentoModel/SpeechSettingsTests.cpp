@@ -149,18 +149,57 @@ protected:
              .place = {
                  .file = m_folder / "Models" / "speech.bin",
                  .site = site,
-                 .canUseModels = true,
-                 .requireModel = [](const std::filesystem::path& file) {
-                     if (readFile(file) != "model")
-                         throw Error(ErrorCode::kNoSpeechModel, file.string() + " is none.");
-                 }}});
+                 .canUseModels = m_canUseModels,
+                 .hasBasicEngine = [this] { return m_hasBasicEngine; },
+                 .requireModel =
+                     [](const std::filesystem::path& file) {
+                         if (readFile(file) != "model")
+                             throw Error(ErrorCode::kNoSpeechModel, file.string() + " is none.");
+                     }}});
     }
 
     test::TemporaryFolder m_folder;
     test::FakeClock m_clock;
     test::FakeWorker m_worker;
     Messages m_messages{m_clock};
+    bool m_canUseModels = true;
+    bool m_hasBasicEngine = true;
 };
+
+TEST_F(SpeechSettingsTest, theEngineNamedIsTheOneThatListens)
+{
+    struct Case {
+        const char* name;
+        const char* model; // what lies in its place; null: nothing
+        bool canUseModels;
+        bool hasBasicEngine;
+        const char* engine;
+        const char* expectation;
+    };
+    const Case cases[] = {
+        {"a whole model", "model", true, true, "whisper.cpp", "few wrong words"},
+        {"a torn model", "mod", true, true, "PocketSphinx", "not a whole speech model"},
+        {"a model and a program without whisper", "model", false, true, "PocketSphinx", "cannot"},
+        {"no model", nullptr, true, true, "PocketSphinx", "one word in five"},
+        {"no model and no dictionary", nullptr, true, false, "None", "pocketsphinx-en-us"},
+        {"nothing that works", "mod", true, false, "None", "not a whole speech model"},
+    };
+    makeFolder(m_folder / "Models");
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::filesystem::remove(m_folder / "Models" / "speech.bin");
+        if (c.model != nullptr)
+            writeFile(m_folder / "Models" / "speech.bin", c.model);
+        m_canUseModels = c.canUseModels;
+        m_hasBasicEngine = c.hasBasicEngine;
+        SpeechSettings settings = make();
+        EXPECT_EQ(settings.engine(), ""); // nothing is claimed before it is known
+        settings.refresh();
+        EXPECT_THAT(settings.engine().toStdString(), HasSubstr(c.engine));
+        EXPECT_THAT(settings.expectation().toStdString(), HasSubstr(c.expectation));
+        EXPECT_EQ(settings.hasModel(), c.model != nullptr); // so that it can be removed
+    }
+}
 
 TEST_F(SpeechSettingsTest, aPickedModelIsUsedWhereItLies)
 {

@@ -93,6 +93,24 @@ TEST_F(TimelineModelTest, ATrimDragIsOneStepAndEscapePutsItBack)
     EXPECT_FALSE(m_session->canUndo());
 }
 
+// Thousands of things are drawn anew for another strip: not with every move of a hand.
+TEST_F(TimelineModelTest, ADragLeavesTheStripAsItIsUntilItsPlanLands)
+{
+    int strips = 0;
+    int edits = 0;
+    QObject::connect(&m_line, &TimelineModel::stripChanged, [&] { ++strips; });
+    QObject::connect(&m_line, &TimelineModel::editsChanged, [&] { ++edits; });
+    m_line.pressVideo(2);
+    for (double at = 10; at <= 100; at += 10)
+        m_line.dragVideo(at);
+    EXPECT_EQ(strips, 0);
+    EXPECT_GE(edits, 10);
+    const QVariantList zooms = m_line.zooms();
+    settle();
+    EXPECT_EQ(strips, 1);
+    EXPECT_EQ(m_line.zooms(), zooms); // where the trim is not applied
+}
+
 TEST_F(TimelineModelTest, APressInTheKeptStretchIsAClick)
 {
     m_preview->play();

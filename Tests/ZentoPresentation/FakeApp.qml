@@ -16,6 +16,9 @@ QtObject {
     property var calls: []
     property var settings
     property string desktop: "Wayland"
+    property var editor // FakeEditor.qml, where a test asks for it
+    property bool choosesInDialog: false
+    property bool hidesInTaskbar: false
 
     signal actionRequested(string action)
 
@@ -47,6 +50,7 @@ QtObject {
         signal activationRequested()
 
         function recordDisplay() { app.note("recordDisplay") }
+        function chooseDisplay() { app.note("chooseDisplay") }
         function stopRecording() { app.note("stopRecording") }
         function cancelCountdown() { app.note("cancelCountdown") }
     }
@@ -57,6 +61,8 @@ QtObject {
         property bool microphone: true
         property bool camera: false
         property bool needsInput: true
+        property bool window: true
+        property bool scrolling: true
         readonly property bool canRecord: screen && (!needsInput || (input && accessibility))
 
         function requestInputPermission() { app.note("requestInputPermission") }

@@ -1,6 +1,7 @@
 #include "Zento/Presentation/App.h"
 #include "Zento/Presentation/Appearance.h"
 #include "Zento/Presentation/Engine.h"
+#include "ZentoPresentation/Hand.h"
 #include "ZentoPresentation/Stage.h"
 
 #include <QAccessible>
@@ -50,11 +51,6 @@ void forEachScreen(Stage& stage, const std::function<void(const QString&, QQuick
     stage.clear();
 }
 
-bool isShown(QQuickItem* item)
-{
-    return item->isVisible() && item->isEnabled() && item->width() > 0 && item->height() > 0;
-}
-
 QList<QQuickItem*> ofType(QQuickItem* root, const char* type)
 {
     QList<QQuickItem*> found;
@@ -62,40 +58,6 @@ QList<QQuickItem*> ofType(QQuickItem* root, const char* type)
         if (QByteArray(item->metaObject()->className()).startsWith(type) && isShown(item))
             found.append(item);
     return found;
-}
-
-QQuickItem* named(QQuickItem* root, const QString& name)
-{
-    for (QQuickItem* item : itemsBelow(root)) {
-        QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(item);
-        if (isShown(item) && item->activeFocusOnTab() && accessible
-            && accessible->text(QAccessible::Name) == name)
-            return item;
-    }
-    return nullptr;
-}
-
-QPoint middle(QQuickItem* item)
-{
-    return item->mapToScene({item->width() / 2, item->height() / 2}).toPoint();
-}
-
-void click(Stage& stage, QQuickItem* item)
-{
-    QTest::mouseClick(&stage.window(), Qt::LeftButton, {}, middle(item));
-    stage.settle();
-}
-
-void press(Stage& stage, int key, Qt::KeyboardModifiers modifiers = {})
-{
-    QTest::keyClick(&stage.window(), Qt::Key(key), modifiers);
-    stage.settle();
-}
-
-void type(Stage& stage, const char* text)
-{
-    for (; *text != '\0'; ++text)
-        QTest::keyClick(&stage.window(), *text);
 }
 
 QVariantMap settingsOf(Stage& stage)

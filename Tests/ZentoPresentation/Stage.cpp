@@ -72,6 +72,16 @@ bool isWaiting(QQuickItem* root)
     return false;
 }
 
+std::unique_ptr<QObject> created(QQmlEngine& engine, const char* document)
+{
+    QQmlComponent component(
+        &engine, QUrl(QStringLiteral("qrc:/testing/") + QString::fromLatin1(document)));
+    std::unique_ptr<QObject> object(component.create());
+    if (!object)
+        throw std::runtime_error(component.errorString().toStdString());
+    return object;
+}
+
 } // namespace
 
 void useOffscreenPlatform()
@@ -86,10 +96,7 @@ Stage::Stage()
 {
     complaintList().clear();
     qInstallMessageHandler(keepComplaint);
-    QQmlComponent component(m_engine.get(), QUrl(QStringLiteral("qrc:/testing/FakeApp.qml")));
-    m_app.reset(component.create());
-    if (!m_app)
-        throw std::runtime_error(component.errorString().toStdString());
+    m_app = created(*m_engine, "FakeApp.qml");
     auto settings = std::make_unique<QQmlPropertyMap>();
     const QVariantMap defaults = App::defaults().toMap();
     for (auto entry = defaults.cbegin(); entry != defaults.cend(); ++entry)
@@ -125,6 +132,13 @@ Stage::~Stage()
 QObject* Stage::part(const char* name)
 {
     return m_app->property(name).value<QObject*>();
+}
+
+QObject* Stage::openEditor()
+{
+    m_editor = created(*m_engine, "FakeEditor.qml");
+    m_app->setProperty("editor", QVariant::fromValue(m_editor.get()));
+    return m_editor.get();
 }
 
 QQuickItem* Stage::show(QQmlComponent& component, QSize size, bool fill)

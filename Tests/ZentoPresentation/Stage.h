@@ -27,6 +27,8 @@ public:
     QQmlEngine& engine() { return *m_engine; }
     QObject* app() { return m_app.get(); }
     QObject* part(const char* name); // of the model
+    /// The editor of a recording joins the model (FakeEditor.qml); before anything is shown.
+    QObject* openEditor();
     QQuickWindow& window() { return m_window; }
 
     /// Shows a component's item alone, in a window of that size; `fill` makes it as large.
@@ -45,6 +47,7 @@ private:
     std::unique_ptr<QQmlEngine> m_engine;
     std::unique_ptr<QObject> m_app;
     std::unique_ptr<QObject> m_settings;
+    std::unique_ptr<QObject> m_editor;
     QQuickWindow m_window;
     std::unique_ptr<QQuickItem> m_item;
 };

@@ -1,5 +1,6 @@
 #include "ReferenceFrame.h"
 #include "SyntheticSource.h"
+#include "TestSupport/SamePixels.h"
 #include "ZentoRender/FrameCompositor.h"
 
 #include <gtest/gtest.h>
@@ -299,16 +300,6 @@ TEST(FrameCompositorTest, ACardOfAnySizeCoversItsArea)
     }
 }
 
-bool samePixels(const Picture& a, const Picture& b)
-{
-    for (std::size_t p = 0; p < 3; ++p)
-        for (int y = 0; y < a.plane(p).height; ++y)
-            if (!std::equal(
-                    a.plane(p).row(y), a.plane(p).row(y) + a.plane(p).width, b.plane(p).row(y)))
-                return false;
-    return true;
-}
-
 TEST(FrameCompositorTest, WhatIsReusedIsWhatWouldBeDrawn)
 {
     const VideoFrame first = sampled(waves, kSource);
@@ -341,7 +332,7 @@ TEST(FrameCompositorTest, WhatIsReusedIsWhatWouldBeDrawn)
     for (const Step& step : steps) {
         const auto picture = reusing.compose(step.layers);
         plain.forgetLast();
-        EXPECT_TRUE(samePixels(*picture, *plain.compose(step.layers))) << step.name;
+        EXPECT_TRUE(test::samePixels(*picture, *plain.compose(step.layers))) << step.name;
         EXPECT_EQ(picture == before, step.repeats) << step.name;
         before = picture;
     }

@@ -1,6 +1,7 @@
 #include "TestSupport/NumberedMovie.h"
 #include "TestSupport/Random.h"
 #include "TestSupport/RandomSession.h"
+#include "TestSupport/SamePixels.h"
 #include "TestSupport/TemporaryFolder.h"
 #include "ZentoCore/Error.h"
 #include "ZentoRender/FrameCompositor.h"
@@ -29,16 +30,6 @@ namespace {
 
 constexpr VideoSize kMaster = {160, 90};
 constexpr double kRecorded = 3; // seconds of movie; what lies beyond shows the last picture
-
-bool samePixels(const Picture& a, const Picture& b)
-{
-    for (std::size_t p = 0; p < 3; ++p)
-        for (int y = 0; y < a.plane(p).height; ++y)
-            if (!std::equal(
-                    a.plane(p).row(y), a.plane(p).row(y) + a.plane(p).width, b.plane(p).row(y)))
-                return false;
-    return a.width() == b.width() && a.height() == b.height();
-}
 
 std::shared_ptr<const PreviewFilm> filmOf(EditPlan plan, std::vector<InputEvent> events = {})
 {
@@ -127,7 +118,7 @@ TEST_F(PreviewTest, IsTheExportsFrameAtAnyTimeInAnyOrder)
         const auto expected = exported(*film, wanted);
         for (const int i : wanted) {
             const auto picture = preview.frame(film, master(), 1.0 / 60 * i);
-            ASSERT_TRUE(samePixels(*picture, *expected.at(i))) << "frame " << i;
+            ASSERT_TRUE(test::samePixels(*picture, *expected.at(i))) << "frame " << i;
             ++compared;
         }
     }
@@ -143,10 +134,10 @@ TEST_F(PreviewTest, AFrameBetweenTwoStepsHasTheCameraOfTheOneBefore)
     const auto film = filmOf(plan);
     PreviewFrames preview;
     const auto at = [&](double t) { return preview.frame(film, master(), t); };
-    EXPECT_TRUE(samePixels(*at(150 + 8.2 / 60), *at(150 + 8.001 / 60)));
-    EXPECT_FALSE(samePixels(*at(150 + 8.2 / 60), *at(150 + 9.2 / 60)));
-    EXPECT_TRUE(samePixels(*at(1e9), *at(film->curve->outputDuration()))); // clamped
-    EXPECT_TRUE(samePixels(*at(-4), *at(0)));
+    EXPECT_TRUE(test::samePixels(*at(150 + 8.2 / 60), *at(150 + 8.001 / 60)));
+    EXPECT_FALSE(test::samePixels(*at(150 + 8.2 / 60), *at(150 + 9.2 / 60)));
+    EXPECT_TRUE(test::samePixels(*at(1e9), *at(film->curve->outputDuration()))); // clamped
+    EXPECT_TRUE(test::samePixels(*at(-4), *at(0)));
 }
 
 TEST_F(PreviewTest, ReadsFromTheProxyAndSwitchesBetweenSources)

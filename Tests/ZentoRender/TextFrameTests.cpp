@@ -1,4 +1,5 @@
 #include "SyntheticSource.h"
+#include "TestSupport/SamePixels.h"
 #include "ZentoImaging/Convert.h"
 #include "ZentoRender/BackgroundRenderer.h"
 #include "ZentoRender/FrameCompositor.h"
@@ -35,16 +36,6 @@ FrameLayers plainLayers()
 {
     static const VideoFrame kFrame = sampled(waves, kSource);
     return {.source = kFrame, .camera = {{240, 135}, 1}};
-}
-
-bool samePixels(const Picture& a, const Picture& b)
-{
-    for (std::size_t p = 0; p < 3; ++p)
-        for (int y = 0; y < a.plane(p).height; ++y)
-            if (!std::equal(
-                    a.plane(p).row(y), a.plane(p).row(y) + a.plane(p).width, b.plane(p).row(y)))
-                return false;
-    return true;
 }
 
 /// The largest difference in a plane.
@@ -124,11 +115,11 @@ TEST(TextFrameTest, AKeystrokeRaisesTheCaption)
     const auto low = subject.compose(layers);
     layers.keystroke = FrameText{"K", 0};
     const auto raised = subject.compose(layers);
-    EXPECT_FALSE(samePixels(*low, *raised)) << "a key that is not seen raises too";
+    EXPECT_FALSE(test::samePixels(*low, *raised)) << "a key that is not seen raises too";
     layers.keystroke->text = "another";
     EXPECT_EQ(subject.compose(layers), raised);
     layers.keystroke.reset();
-    EXPECT_TRUE(samePixels(*subject.compose(layers), *low));
+    EXPECT_TRUE(test::samePixels(*subject.compose(layers), *low));
 }
 
 TEST(TextFrameTest, WhatIsReusedIsWhatWouldBeDrawn)
@@ -161,7 +152,7 @@ TEST(TextFrameTest, WhatIsReusedIsWhatWouldBeDrawn)
         step.change(layers);
         const auto picture = reusing.compose(layers);
         plain.forgetLast();
-        EXPECT_TRUE(samePixels(*picture, *plain.compose(layers))) << step.name;
+        EXPECT_TRUE(test::samePixels(*picture, *plain.compose(layers))) << step.name;
         EXPECT_EQ(picture == before, step.repeats) << step.name;
         before = picture;
     }
@@ -184,7 +175,7 @@ TEST(TextFrameTest, ACardAtRestIsTheSamePicture)
         const auto picture = subject.composeCard(card, progress);
         EXPECT_EQ(picture == before, t > 0.95 && t < 3.65) << t;
         plain.forgetLast();
-        ASSERT_TRUE(samePixels(*picture, *plain.composeCard(card, progress))) << t;
+        ASSERT_TRUE(test::samePixels(*picture, *plain.composeCard(card, progress))) << t;
         before = picture;
     }
     EXPECT_NE(subject.composeCard(cardOf("classic", "Another"), 0.5), before);

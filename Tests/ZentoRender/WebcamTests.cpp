@@ -1,10 +1,10 @@
 #include "Presenter.h"
 #include "SyntheticSource.h"
+#include "TestSupport/SamePixels.h"
 #include "ZentoRender/FrameCompositor.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -279,16 +279,6 @@ TEST_F(WebcamTest, TheShadowLiesBelowTheBubble)
     EXPECT_NEAR(colorAt(*picture, 200, 150).green, 0.5, 0.01);
 }
 
-bool samePixels(const Picture& a, const Picture& b)
-{
-    for (std::size_t p = 0; p < 3; ++p)
-        for (int y = 0; y < a.plane(p).height; ++y)
-            if (!std::equal(
-                    a.plane(p).row(y), a.plane(p).row(y) + a.plane(p).width, b.plane(p).row(y)))
-                return false;
-    return true;
-}
-
 TEST_F(WebcamTest, WhatIsReusedIsWhatWouldBeDrawn)
 {
     const Picture photograph = presenter();
@@ -323,7 +313,7 @@ TEST_F(WebcamTest, WhatIsReusedIsWhatWouldBeDrawn)
         plain.forgetLast();
         const auto anew =
             plain.compose({.source = m_gray, .camera = {{16, 10}, 1}, .webcam = step.webcam});
-        EXPECT_TRUE(samePixels(*picture, *anew)) << step.name;
+        EXPECT_TRUE(test::samePixels(*picture, *anew)) << step.name;
         EXPECT_EQ(picture == before, step.repeats) << step.name;
         before = picture;
     }
@@ -354,13 +344,13 @@ TEST_F(WebcamTest, EffectsAreThoseOfThePersonInTheBubble)
     EXPECT_LT(difference(186, 99), 1) << "face";
     EXPECT_GT(difference(315, 100), 10) << "rocket";
     EXPECT_GT(difference(30, 60), 10) << "flag";
-    EXPECT_FALSE(samePixels(*sharp, *mirrored));
+    EXPECT_FALSE(test::samePixels(*sharp, *mirrored));
 
     // Of 8 pixels nobody can be told.
     const VideoFrame tiny = sampled(quarters({8, 8}), {8, 8}, SourceFormat::EightBits420, 9);
     const auto treated = compose(WebcamLayer{tiny, plan})->clone();
     plan.blurBackground = false;
-    EXPECT_TRUE(samePixels(treated, *compose(WebcamLayer{tiny, plan})));
+    EXPECT_TRUE(test::samePixels(treated, *compose(WebcamLayer{tiny, plan})));
 }
 
 } // namespace

@@ -88,7 +88,7 @@ Finding screenPortal(const DesktopServices& services)
                          "none",
                          "install xdg-desktop-portal and the backend of your desktop, such as "
                          "xdg-desktop-portal-gnome, -kde or -wlr, then log in again"}
-                   : Finding{"screen portal", Health::Good, "none; X11 needs none", {}};
+                   : Finding{"screen portal", Health::Good, "none; only Wayland needs one", {}};
     }
     const std::string what = version(services.portals.screenCast) + ", " + offered(services.offer);
     if (isNeeded && !services.offer.pointerAsMetadata) {
@@ -101,13 +101,16 @@ Finding screenPortal(const DesktopServices& services)
     return {"screen portal", Health::Good, what, {}};
 }
 
-Finding further(const char* subject, unsigned number, bool isWayland, const char* advice)
+/// What an X server does itself and elsewhere a portal is for.
+Finding
+further(const char* subject, unsigned number, const DesktopServices& services, const char* advice)
 {
-    if (number > 0) {
-        return {subject, Health::Good, version(number), {}};
+    if (services.facts.isWaylandSession()) {
+        return number > 0 ? Finding{subject, Health::Good, version(number), {}}
+                          : Finding{subject, Health::Limited, "none", advice};
     }
-    return isWayland ? Finding{subject, Health::Limited, "none", advice}
-                     : Finding{subject, Health::Good, "none; X11 needs none", {}};
+    return services.hasDisplay ? Finding{subject, Health::Good, "by the X server", {}}
+                               : Finding{subject, Health::Limited, "no display", "see display"};
 }
 
 Finding input(const DesktopServices& services)
@@ -154,8 +157,10 @@ Finding accessibility(const DesktopServices& services)
                : Finding{
                      "accessibility",
                      Health::Limited,
-                     "off, so the camera does not know what was clicked",
-                     "switch it on in the welcome sheet, or install at-spi2-core"};
+                     "off, so zooms do not know what was clicked",
+                     services.hasSessionBus
+                         ? "switch it on in the welcome sheet, or install at-spi2-core"
+                         : "see session bus"};
 }
 
 Finding encoders(const Circumstances& all)
@@ -211,7 +216,6 @@ Finding disk(const Circumstances& all)
 std::vector<Finding> diagnose(const Circumstances& all)
 {
     const DesktopServices& services = all.services;
-    const bool isWayland = services.facts.isWaylandSession();
     return {
         display(services),
         bus(services),
@@ -219,12 +223,12 @@ std::vector<Finding> diagnose(const Circumstances& all)
         further(
             "screenshots",
             services.portals.screenshot,
-            isWayland,
+            services,
             "a screenshot is a frame of the screen portal instead"),
         further(
             "hot keys",
             services.portals.globalShortcuts,
-            isWayland,
+            services,
             "bind a shortcut of the desktop to: zento record --toggle"),
         input(services),
         pipeWire(services),

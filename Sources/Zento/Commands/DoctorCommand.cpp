@@ -12,18 +12,6 @@
 
 namespace zento {
 
-namespace {
-
-bool hasSpeechModel()
-try {
-    makeSphinx();
-    return true;
-} catch (const Error&) {
-    return false;
-}
-
-} // namespace
-
 void doctor(std::span<const std::string_view> words)
 {
     Arguments(words, {}).expectNone();
@@ -31,7 +19,7 @@ void doctor(std::span<const std::string_view> words)
         .services = desktopServices(),
         .missingEncoders = missingEncoders(),
         .missingTypefaces = missingTypefaces(),
-        .hasSpeechModel = hasSpeechModel(),
+        .hasSpeechModel = canUseSphinx(),
         .recordings = sessionsFolder(),
         .freeBytes = freeSpace(sessionsFolder())};
     for (const Finding& finding : diagnose(circumstances)) {

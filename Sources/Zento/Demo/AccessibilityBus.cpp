@@ -14,6 +14,7 @@ constexpr int kAnswerMilliseconds = 500;
 constexpr unsigned kScreen = 0; // ATSPI_COORD_TYPE_SCREEN
 constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
 constexpr const char* kComponent = "org.a11y.atspi.Component";
+constexpr const char* kAction = "org.a11y.atspi.Action";
 constexpr const char* kText = "org.a11y.atspi.Text";
 
 /// The offset of a byte, counted in characters.
@@ -185,6 +186,23 @@ AccessibilityBus::textFrame(const AccessibleObject& object, const std::string& w
             kScreen),
         "(iiii)");
     return reply ? rect(reply.get(), "(iiii)") : std::nullopt;
+}
+
+bool AccessibilityBus::press(const AccessibleObject& object) const
+{
+    const Variant reply = call(object, kAction, "GetActions", nullptr, "(a(sss))");
+    if (!reply) {
+        return false;
+    }
+    const Variant actions(g_variant_get_child_value(reply.get(), 0));
+    for (std::size_t i = 0; i < g_variant_n_children(actions.get()); ++i) {
+        const Variant action(g_variant_get_child_value(actions.get(), i));
+        if (textAt(action.get(), 0) == "Press") {
+            const auto index = static_cast<gint32>(i);
+            return call(object, kAction, "DoAction", g_variant_new("(i)", index), "(b)") != nullptr;
+        }
+    }
+    return false;
 }
 
 } // namespace zento

@@ -43,6 +43,10 @@ public:
     /// Of the first occurrence of `wanted` in the object's text.
     std::optional<Rect> textFrame(const AccessibleObject& object, const std::string& wanted) const;
 
+    /// Does what a click on it would, also where nobody knows its place, as on Wayland. False if it
+    /// cannot be pressed.
+    bool press(const AccessibleObject& object) const;
+
 private:
     struct Disconnect {
         void operator()(_GDBusConnection* connection) const;

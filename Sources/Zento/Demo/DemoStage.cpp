@@ -61,19 +61,6 @@ void place(const PrivateDesktop& desktop, const StageWindow& window, const std::
         stop);
 }
 
-/// The address that the accessibility bus leaves on the root window when it is up.
-std::string awaitAccessibilityBus(const std::string& display, const std::stop_token& stop)
-{
-    const XConnection connection(display);
-    std::string address;
-    const auto isUp = [&] {
-        address = rootText(connection, "AT_SPI_BUS");
-        return !address.empty();
-    };
-    waitUntil(isUp, kOpenSeconds, "The accessibility bus did not come up", stop);
-    return address;
-}
-
 } // namespace
 
 DemoStage::DemoStage(const std::stop_token& stop)
@@ -81,7 +68,7 @@ DemoStage::DemoStage(const std::stop_token& stop)
 {
     paintRootBackground(XConnection(display()), VerticalGradient{});
     openWindows(stop);
-    m_accessibilityAddress = awaitAccessibilityBus(display(), stop);
+    m_accessibilityAddress = m_desktop.awaitAccessibilityBus(stop);
 }
 
 void DemoStage::openWindows(const std::stop_token& stop)

@@ -19,6 +19,7 @@ namespace {
 
 // Measured on two busy cores: the server reports after 0.3 s, the others after 0.1 s.
 constexpr double kStartSeconds = 15;
+constexpr double kOpenSeconds = 20; // until a program asks for the accessibility bus
 
 /// A click focuses and raises, title bars drag: what the demo's windows need and no more.
 constexpr std::string_view kWindowManagerSettings = R"(<?xml version="1.0" encoding="UTF-8"?>
@@ -136,6 +137,18 @@ PrivateDesktop::PrivateDesktop(DesktopSize size, const std::stop_token& stop)
 pid_t PrivateDesktop::start(const std::vector<std::string>& command)
 {
     return m_programs.start(command, m_environment, log());
+}
+
+std::string PrivateDesktop::awaitAccessibilityBus(const std::stop_token& stop) const
+{
+    const XConnection connection(m_display);
+    std::string address;
+    const auto isUp = [&] {
+        address = rootText(connection, "AT_SPI_BUS"); // it leaves it there
+        return !address.empty();
+    };
+    waitUntil(isUp, kOpenSeconds, "The accessibility bus did not come up", stop);
+    return address;
 }
 
 void PrivateDesktop::requireRunning() const

@@ -43,6 +43,10 @@ public:
     /// Runs a program on the desktop: its path, then its arguments.
     pid_t start(const std::vector<std::string>& command);
 
+    /// The address of its accessibility bus, once that is up. Throws `Error` kDesktopFailed where
+    /// it does not come up, kDemoStopped.
+    std::string awaitAccessibilityBus(const std::stop_token& stop) const;
+
     /// Throws kDesktopFailed if the X server, the window manager or the bus has ended.
     void requireRunning() const;
 

@@ -4,6 +4,7 @@
 #include "Zento/Desktop/DesktopWindows.h"
 #include "Zento/Desktop/DeviceCapture.h"
 #include "Zento/Desktop/DiskSpace.h"
+#include "Zento/Desktop/DisplayPictures.h"
 #include "Zento/Desktop/FocusActions.h"
 #include "Zento/Desktop/HttpFetch.h"
 #include "Zento/Desktop/Identity.h"
@@ -164,6 +165,7 @@ AppServices ApplicationHost::services()
             {.file = speechModelFile(),
              .site = ZENTO_SPEECH_MODELS,
              .canUseModels = canUseWhisper(),
+             .hasBasicEngine = canUseSphinx,
              .requireModel = requireSpeechModel},
         .music = m_musicWorker,
         .musicPlayer = m_musicPlayer,
@@ -176,6 +178,9 @@ AppServices ApplicationHost::services()
         .sessionsFolder = sessions,
         .home = userHomeFolder(),
         .makeCapture = deviceCaptures(),
+        .choice = environmentFacts().isWaylandSession() ? Desktop::Choice::ByUser
+                                                        : Desktop::Choice::ByProgram,
+        .displayPicture = displayPicture,
         .makers = filmMakers(desktopImage),
         .freeSpace = [sessions] { return freeSpace(sessions); },
         .runAction =
@@ -251,7 +256,8 @@ void ApplicationHost::updateTray()
     using Phase = RecordingFlow::Phase;
     const Phase phase = m_model->recording()->phase();
     const bool isIdle = phase == Phase::Idle;
-    const bool canRecord = m_model->permissions()->canRecord();
+    const Permissions& permissions = *m_model->permissions();
+    const bool canRecord = permissions.canRecord();
     const auto run = [this](const char* action) {
         return [this, action] { m_model->run(action); };
     };
@@ -264,7 +270,7 @@ void ApplicationHost::updateTray()
     m_tray.setToolTip(phase == Phase::Recording ? tr("Zento is recording") : tr("Zento"));
     m_tray.setMenu(
         {{toggle, run("toggleRecording"), canToggle},
-         {tr("Record a window"), run("recordWindow"), isIdle && canRecord},
+         {tr("Record a window"), run("recordWindow"), isIdle && canRecord && permissions.window()},
          {tr("Record an area"), run("recordArea"), isIdle && canRecord},
          {tr("Capture panel"), run("capturePanel"), isIdle},
          {},

@@ -1,5 +1,6 @@
 #include "Zento/Desktop/DesktopFileServices.h"
 
+#include "Zento/Model/FilePath.h"
 #include "ZentoCore/FileDescriptor.h"
 
 #include <QClipboard>
@@ -8,7 +9,6 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDesktopServices>
-#include <QFile>
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QUrl>
@@ -29,7 +29,7 @@ constexpr auto kPortalPath = "/org/freedesktop/portal/desktop";
 
 QUrl urlOf(const std::filesystem::path& file)
 {
-    return QUrl::fromLocalFile(QFile::decodeName(file.c_str()));
+    return QUrl::fromLocalFile(textOf(file));
 }
 
 /// The file opened for a portal, which is given the descriptor and not the path.

@@ -16,6 +16,9 @@ public:
         : m_desktop(openDesktop())
         , m_session(order.bundle, *m_desktop)
     {
+        if (order.asking == CaptureOrder::Asking::Again) {
+            m_desktop->forgetChoice(order.target);
+        }
         m_session.target = order.target;
         m_session.excludeWindowIDs = order.excludeWindowIDs;
         m_session.onStreamStopped = std::move(onStreamStopped);
@@ -26,6 +29,7 @@ public:
         m_session.recordSystemAudio = order.recordSystemAudio;
     }
 
+    void choose(const std::stop_token& stop) override { m_session.choose(stop); }
     void start() override { m_session.start(); }
     void stop() override { m_session.stop(); }
     int frameCount() const override { return m_session.frameCount(); }

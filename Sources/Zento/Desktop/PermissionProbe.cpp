@@ -26,6 +26,7 @@ constexpr auto kBusPath = "/org/a11y/bus";
 constexpr auto kProperties = "org.freedesktop.DBus.Properties";
 constexpr auto kStatus = "org.a11y.Status";
 constexpr int kBusTimeout = 1000; // milliseconds
+constexpr unsigned kWindows = 2;  // of the kinds of sources
 
 bool isAccessibilityOn()
 {
@@ -36,14 +37,15 @@ bool isAccessibilityOn()
     return reply.isValid() && reply.value().variant().toBool();
 }
 
-bool hasScreenCast()
+/// A property of a portal; 0 where there is no such portal.
+unsigned portalNumber(const char* portal, const char* property)
 {
     QDBusMessage call = QDBusMessage::createMethodCall(
         "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop", kProperties, "Get");
-    call << "org.freedesktop.portal.ScreenCast" << "version";
+    call << QString("org.freedesktop.portal.") + portal << property;
     const QDBusReply<QDBusVariant> reply =
         QDBusConnection::sessionBus().call(call, QDBus::Block, kBusTimeout);
-    return reply.isValid() && reply.value().variant().toUInt() > 0;
+    return reply.isValid() ? reply.value().variant().toUInt() : 0;
 }
 
 void startFirst(const std::vector<std::pair<QString, QStringList>>& programs)
@@ -96,12 +98,14 @@ PermissionState PermissionProbe::operator()()
     if (environmentFacts().isWaylandSession()) {
         const CaptureDevices devices = m_devices->devices();
         return {
-            .screen = hasScreenCast(),
+            .screen = portalNumber("ScreenCast", "version") > 0,
             .input = deviceInputAccess() != InputAccess::None,
             .accessibility = isAccessibilityOn(),
             .microphone = !devices.microphones.empty(),
             .camera = !devices.cameras.empty(),
-            .needsInput = false};
+            .needsInput = false,
+            .window = (portalNumber("ScreenCast", "AvailableSourceTypes") & kWindows) != 0,
+            .scrolling = portalNumber("RemoteDesktop", "version") > 0};
     }
     if (!m_server) {
         m_server = std::make_unique<Server>();

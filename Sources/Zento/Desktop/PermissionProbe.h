@@ -13,7 +13,8 @@ namespace zento {
 /// the server's input extension, by which keys and clicks are read, or on Wayland the devices, if
 /// the user may read them; there a recording does without. `accessibility`: the accessibility bus
 /// is switched on (org.a11y.Status). `microphone` and `camera`: there is a device that can be
-/// recorded.
+/// recorded. `window` and `scrolling`: on Wayland what the ScreenCast portal offers, and whether
+/// there is a RemoteDesktop portal.
 ///
 /// Threading: one thread, which is not the main one: it blocks on the server and the bus, on the
 /// latter for at most a second.

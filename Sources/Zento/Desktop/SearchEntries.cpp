@@ -1,9 +1,9 @@
 #include "Zento/Desktop/SearchEntries.h"
 
-#include "Zento/Model/RecordingLibrary.h"
+#include "Zento/Model/FilePath.h"
+#include "Zento/Model/SessionNames.h"
 
 #include <QCoreApplication>
-#include <QFile>
 
 #include <algorithm>
 #include <cmath>
@@ -30,8 +30,8 @@ SearchEntry searchEntry(const SessionItem& item)
         description += tr(" · rendered");
     }
     return {
-        .identifier = QFile::decodeName(item.url.c_str()),
-        .title = tr("Zento recording — %1").arg(RecordingLibrary::nameOf(item)),
+        .identifier = textOf(item.url),
+        .title = tr("Zento recording — %1").arg(nameOf(item)),
         .description = description,
         .keywords = {"zento", tr("screen recording")}};
 }

@@ -73,6 +73,7 @@ AppModel::AppModel(AppServices services)
           .library = m_library,
           .messages = m_messages,
           .makeCapture = m_services.makeCapture,
+          .choice = m_services.choice,
           .freeSpace = m_services.freeSpace,
           .runAction = m_services.runAction,
           .displayOf = m_services.displayOf,
@@ -147,7 +148,10 @@ AppModel::AppModel(AppServices services)
     m_shortcuts.onHotkey = [this](ShortcutAction action) { run(latin(shortcutEntry(action).id)); };
 }
 
-AppModel::~AppModel() = default;
+AppModel::~AppModel()
+{
+    m_looking.request_stop();
+}
 
 void AppModel::connectEditor()
 {
@@ -244,6 +248,7 @@ void AppModel::setPanel(Panel panel)
 {
     if (m_panel != panel) {
         m_panel = panel;
+        m_displayPicture = {};
         const auto areaPicked = std::exchange(m_areaPicked, {});
         const auto windowPicked = std::exchange(m_windowPicked, {});
         Q_EMIT panelChanged();
@@ -279,21 +284,53 @@ void AppModel::showCapturePanel()
 
 void AppModel::pickArea()
 {
-    if (m_recording.phase() == RecordingFlow::Phase::Idle) {
-        m_recording.hideApplication();
-        setPanel(Panel::AreaPicker);
-    }
+    openAreaPicker({});
 }
 
 void AppModel::pickArea(AreaHandler picked)
 {
-    if (m_recording.phase() == RecordingFlow::Phase::Idle) {
-        setPanel(Panel::NoPanel);
-        m_areaPicked = std::move(picked);
-        m_recording.hideApplication();
-        m_panel = Panel::AreaPicker;
-        Q_EMIT panelChanged();
+    openAreaPicker(std::move(picked));
+}
+
+void AppModel::openAreaPicker(AreaHandler picked)
+{
+    if (m_recording.phase() != RecordingFlow::Phase::Idle || m_isLooking) {
+        return;
     }
+    setPanel(Panel::NoPanel);
+    m_recording.hideApplication();
+    if (!choosesInDialog()) {
+        showAreaPicker(std::move(picked));
+        return;
+    }
+    m_isLooking = true;
+    compute(
+        m_services.capture,
+        this,
+        [look = m_services.displayPicture, stop = m_looking.get_token()] { return look(stop); },
+        [this, picked = std::move(picked)](Outcome<DisplayPicture> picture) {
+            m_isLooking = false;
+            if (picture && m_recording.phase() == RecordingFlow::Phase::Idle) {
+                m_displayPicture = *std::move(picture);
+                showAreaPicker(picked);
+                return;
+            }
+            if (!picture) {
+                m_messages.setErrorMessage(
+                    tr("No area can be marked: %1").arg(QString::fromStdString(picture.error())));
+                m_recording.showApplication();
+            }
+            if (picked) {
+                picked({});
+            }
+        });
+}
+
+void AppModel::showAreaPicker(AreaHandler picked)
+{
+    m_areaPicked = std::move(picked);
+    m_panel = Panel::AreaPicker;
+    Q_EMIT panelChanged();
 }
 
 void AppModel::finishArea(const QRectF& area)
@@ -324,7 +361,9 @@ void AppModel::cancelArea()
 
 void AppModel::pickWindow()
 {
-    if (m_recording.phase() == RecordingFlow::Phase::Idle) {
+    if (choosesInDialog()) {
+        m_recording.recordWindow(0);
+    } else if (m_recording.phase() == RecordingFlow::Phase::Idle) {
         m_windows.refresh();
         setPanel(Panel::WindowPicker);
         m_recording.showApplication();
@@ -333,7 +372,9 @@ void AppModel::pickWindow()
 
 void AppModel::pickWindow(WindowHandler picked)
 {
-    if (m_recording.phase() == RecordingFlow::Phase::Idle) {
+    if (choosesInDialog()) {
+        picked(0);
+    } else if (m_recording.phase() == RecordingFlow::Phase::Idle) {
         setPanel(Panel::NoPanel);
         m_windowPicked = std::move(picked);
         m_windows.refresh();
@@ -359,6 +400,9 @@ void AppModel::finishWindow(quint32 windowID)
 QVariantList AppModel::displays() const
 {
     QVariantList list;
+    if (!m_displayPicture.image.isNull()) {
+        return {m_displayPicture.bounds};
+    }
     for (const QRectF& display : m_services.displays()) {
         list.append(display);
     }
@@ -485,10 +529,13 @@ void AppModel::quit()
 
 void AppModel::activate()
 {
-    const bool isFilming = m_recording.phase() == RecordingFlow::Phase::CountingDown
-                           || m_recording.phase() == RecordingFlow::Phase::Recording;
-    if (!isFilming) {
-        m_recording.showApplication(); // else the window would be in the film
+    // The window would be in the film; where no stop panel floats, it is what a recording is ended
+    // with.
+    const auto phase = m_recording.phase();
+    const bool isInTheWay = phase == RecordingFlow::Phase::CountingDown
+                            || (phase == RecordingFlow::Phase::Recording && !choosesInDialog());
+    if (!isInTheWay) {
+        m_recording.showApplication();
     }
 }
 
@@ -503,6 +550,7 @@ void AppModel::openFromSearch(const QString& identifier)
 
 void AppModel::shutDown(std::function<void()> done)
 {
+    m_looking.request_stop();
     m_recording.finish([this, done = std::move(done)]() mutable {
         m_export.finish([this, done = std::move(done)]() mutable {
             m_editor.session()->flush([this, done = std::move(done)]() mutable {

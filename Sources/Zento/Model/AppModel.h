@@ -16,8 +16,10 @@
 #include "Zento/Model/SpeechSettings.h"
 #include "Zento/Model/UpdateCheck.h"
 #include "Zento/Model/WindowList.h"
+#include "ZentoCapture/Desktop.h"
 #include "ZentoCapture/DeviceWatch.h"
 
+#include <QImage>
 #include <QObject>
 #include <QPointer>
 #include <QRectF>
@@ -32,10 +34,17 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
 namespace zento {
+
+/// What a display shows at a moment.
+struct DisplayPicture {
+    QRectF bounds; // points of the desktop
+    QImage image;
+};
 
 /// What the model needs of the desktop. Whatever a reference stands for outlives the model.
 struct AppServices {
@@ -59,6 +68,9 @@ struct AppServices {
     std::filesystem::path sessionsFolder;
     std::filesystem::path home;
     CaptureFactory makeCapture;
+    Desktop::Choice choice = Desktop::Choice::ByProgram; // of what is recorded
+    /// The display the user chooses, or chose the last time; blocks. For `Choice::ByUser`.
+    std::function<DisplayPicture(const std::stop_token&)> displayPicture;
     FilmMakers makers;
     std::function<std::optional<std::int64_t>()> freeSpace;
     std::function<void(const std::string&)> runAction;
@@ -106,6 +118,12 @@ class AppModel : public QObject {
     /// With the name of the step: "Undo Trim".
     Q_PROPERTY(QString undoText READ undoText NOTIFY historyChanged)
     Q_PROPERTY(QString redoText READ redoText NOTIFY historyChanged)
+    /// The user chooses in a dialog of the desktop's what is recorded: there is no list of windows,
+    /// and an area is marked on a picture of the display that was chosen.
+    Q_PROPERTY(bool choosesInDialog READ choosesInDialog CONSTANT)
+    /// How the window goes out of sight while something is recorded: into the taskbar, where
+    /// neither a stop panel nor a tray is left to end it with. To be read when it goes.
+    Q_PROPERTY(bool hidesInTaskbar READ hidesInTaskbar)
     /// State of the window that is kept from run to run.
     Q_PROPERTY(bool showInspector READ showInspector WRITE setShowInspector NOTIFY viewChanged)
     Q_PROPERTY(QString inspectorTab READ inspectorTab WRITE setInspectorTab NOTIFY viewChanged)
@@ -160,6 +178,8 @@ public:
     bool showWelcome() const { return m_showWelcome; }
     Panel panel() const { return m_panel; }
     bool picksForShot() const { return m_areaPicked || m_windowPicked; }
+    bool choosesInDialog() const { return m_services.choice == Desktop::Choice::ByUser; }
+    bool hidesInTaskbar() const { return choosesInDialog() && !m_services.hasTray(); }
     QStringList installedActions() const { return m_installedActions; }
     QString freeSpace() const { return m_freeSpace; }
     QVariantList microphones() const;
@@ -192,7 +212,8 @@ public:
     using AreaHandler = std::function<void(const std::optional<QRectF>&)>;
     void pickArea(AreaHandler picked);
 
-    /// When idle: opens the window picker. It answers with `finishWindow` or by closing the panel.
+    /// When idle: opens the window picker, or leaves the choice to the desktop's dialog. It answers
+    /// with `finishWindow` or by closing the panel.
     Q_INVOKABLE void pickWindow();
     Q_INVOKABLE void finishWindow(quint32 windowID);
 
@@ -200,8 +221,10 @@ public:
     using WindowHandler = std::function<void(std::optional<quint32>)>;
     void pickWindow(WindowHandler picked);
 
-    /// The displays as rectangles in points, the main one first.
+    /// Those the area picker opens over, as rectangles in points, the main one first.
     Q_INVOKABLE QVariantList displays() const;
+    /// What the area is marked on; null where the display itself is.
+    QImage displayImage() const { return m_displayPicture.image; }
     Q_INVOKABLE QRectF displayUnderPointer() const;
 
     /// An action by its id, as a menu, a shortcut or the tray asks for it. What this model does not
@@ -268,10 +291,15 @@ private:
     Panel m_panel = Panel::NoPanel;
     AreaHandler m_areaPicked; // while its picker is open for somebody else
     WindowHandler m_windowPicked;
+    DisplayPicture m_displayPicture; // while the area picker is open over it
+    bool m_isLooking = false;        // for that picture
+    std::stop_source m_looking;
 
     bool m_isEnding = false;
     std::uint64_t m_exportedVersion = 0; // of the edit that is exported
 
+    void openAreaPicker(AreaHandler picked);
+    void showAreaPicker(AreaHandler picked);
     void connectEditor();
     std::vector<std::uint32_t> excludedWindows() const;
     void tellTakenHotkeys();

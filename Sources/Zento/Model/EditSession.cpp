@@ -3,10 +3,9 @@
 #include "Zento/Timeline/MusicSection.h"
 #include "ZentoCore/Error.h"
 #include "ZentoCore/FileIO.h"
+#include "ZentoCore/PartFile.h"
 #include "ZentoCore/Text.h"
 
-#include <exception>
-#include <system_error>
 #include <utility>
 
 namespace zento {
@@ -29,14 +28,11 @@ SavedOverrides readEdits(const SessionBundle& bundle)
 /// Whole or not at all. The folder of a recording that was deleted is not made anew.
 void writeWhole(const std::filesystem::path& file, const std::string& text)
 {
-    std::filesystem::path part = file;
-    part += ".part";
-    std::error_code ignored;
     try {
-        writeFile(part, text);
-        std::filesystem::rename(part, file);
-    } catch (const std::exception&) { // the edit stays live, and the next one tries again
-        std::filesystem::remove(part, ignored);
+        PartFile part(file);
+        writeFile(part.path(), text);
+        part.renameToTarget();
+    } catch (const Error&) { // NOLINT(bugprone-empty-catch): the next edit tries again
     }
 }
 

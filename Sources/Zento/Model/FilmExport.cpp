@@ -1,5 +1,7 @@
 #include "Zento/Model/FilmExport.h"
 
+#include "Zento/Model/SessionNames.h"
+
 #include <QPointer>
 
 #include <atomic>
@@ -106,7 +108,7 @@ void FilmExport::start()
     m_ports.messages.clearErrorMessage();
     m_job = std::make_shared<Job>();
     m_job->bundle = item->url;
-    m_job->name = RecordingLibrary::nameOf(*item);
+    m_job->name = nameOf(*item);
     m_job->settings = m_ports.settings.current();
     m_job->film = SessionBundle{.url = item->url}.filmURL();
     if (m_job->settings.exportFormat == "gif") {

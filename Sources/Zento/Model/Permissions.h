@@ -18,6 +18,8 @@ struct PermissionState {
     bool microphone = false;    // there is one
     bool camera = false;        // there is one
     bool needsInput = true; // else a recording does with the pointer's way, and makes less of it
+    bool window = true;     // a single window can be recorded
+    bool scrolling = true;  // a page can be scrolled for the user
     bool operator==(const PermissionState&) const = default;
 };
 
@@ -32,6 +34,8 @@ class Permissions : public QObject {
     Q_PROPERTY(bool microphone READ microphone NOTIFY changed)
     Q_PROPERTY(bool camera READ camera NOTIFY changed)
     Q_PROPERTY(bool needsInput READ needsInput NOTIFY changed)
+    Q_PROPERTY(bool window READ window NOTIFY changed)
+    Q_PROPERTY(bool scrolling READ scrolling NOTIFY changed)
     /// Whether a recording can be made at all: screen, and where they are needed input and
     /// accessibility.
     Q_PROPERTY(bool canRecord READ canRecord NOTIFY changed)
@@ -60,6 +64,8 @@ public:
     bool microphone() const { return m_state.microphone; }
     bool camera() const { return m_state.camera; }
     bool needsInput() const { return m_state.needsInput; }
+    bool window() const { return m_state.window; }
+    bool scrolling() const { return m_state.scrolling; }
     bool canRecord() const { return screen() && (!needsInput() || (input() && accessibility())); }
 
     Q_INVOKABLE void requestInputPermission();

@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -15,8 +16,13 @@ namespace zento {
 
 /// What a recording is asked for.
 struct CaptureOrder {
+    /// Where the user says in a dialog of the desktop's what is recorded: whether that of the last
+    /// time will do, if the desktop remembers it.
+    enum class Asking : unsigned char { Once, Again };
+
     std::filesystem::path bundle;
     CaptureTarget target;
+    Asking asking = Asking::Once;
     bool recordNarration = false;
     bool recordWebcam = false;
     bool recordSystemAudio = false;
@@ -31,6 +37,10 @@ struct CaptureOrder {
 class RecordingCapture {
 public:
     virtual ~RecordingCapture() = default;
+
+    /// Lets the user choose what is recorded, where they do that in a dialog of the desktop's.
+    /// Blocks until they have; gives up when `stop` is requested. Throws as `start`, which follows.
+    virtual void choose(const std::stop_token& stop) = 0;
 
     /// Throws `Error`; the object is then good for nothing but its destructor.
     virtual void start() = 0;

@@ -75,6 +75,7 @@ void removeFolder(const std::filesystem::path& folder)
 /// A recording and what became of it. While the worker is at it, all but `order` are the worker's.
 struct RecordingFlow::Running {
     CaptureOrder order;
+    std::stop_source stopping; // what is asked before it starts
     std::unique_ptr<RecordingCapture> capture;
     bool hasFailed = false; // at its start
     std::vector<const char*> missing;
@@ -90,6 +91,7 @@ RecordingFlow::RecordingFlow(Ports ports)
 /// A recording that is still there ends where it was made, off the main thread.
 RecordingFlow::~RecordingFlow()
 {
+    dropAsked();
     if (m_capture) {
         m_ports.capture.run([capture = m_capture] { capture->capture.reset(); }, [] {});
     }
@@ -153,6 +155,10 @@ void RecordingFlow::toggleRecording()
         stopRecording();
     } else if (m_phase == Phase::CountingDown) {
         cancelCountdown();
+    } else if (m_asked) {
+        m_isStarting = false;
+        dropAsked();
+        showApplication();
     } else if (m_phase == Phase::Idle && m_ports.permissions.canRecord()) {
         startRecording(Target::Display{});
     }
@@ -163,9 +169,15 @@ void RecordingFlow::recordDisplay()
     startRecording(Target::Display{});
 }
 
+void RecordingFlow::chooseDisplay()
+{
+    startRecording(Target::Display{}, CaptureOrder::Asking::Again);
+}
+
+/// Whoever asks for a window means to say which.
 void RecordingFlow::recordWindow(quint32 windowID)
 {
-    startRecording(Target::Window{windowID});
+    startRecording(Target::Window{windowID}, CaptureOrder::Asking::Again);
 }
 
 void RecordingFlow::recordArea(const QRectF& area)
@@ -173,7 +185,7 @@ void RecordingFlow::recordArea(const QRectF& area)
     startRecording(Target::Area{{area.x(), area.y(), area.width(), area.height()}});
 }
 
-void RecordingFlow::startRecording(const CaptureTarget& target)
+void RecordingFlow::startRecording(const CaptureTarget& target, CaptureOrder::Asking asking)
 {
     if (m_phase != Phase::Idle || m_isStarting) {
         return;
@@ -184,16 +196,17 @@ void RecordingFlow::startRecording(const CaptureTarget& target)
         m_ports.files,
         this,
         m_ports.freeSpace,
-        [this, target](const Outcome<std::optional<std::int64_t>>& free) {
+        [this, target, asking](const Outcome<std::optional<std::int64_t>>& free) {
             // What the system does not tell never stands in the way.
             const auto bytes = free.value_or(std::nullopt);
             if (std::exchange(m_isStarting, false) && m_phase == Phase::Idle) {
-                startWith(target, bytes.value_or(std::numeric_limits<std::int64_t>::max()));
+                startWith(target, asking, bytes.value_or(std::numeric_limits<std::int64_t>::max()));
             }
         });
 }
 
-void RecordingFlow::startWith(const CaptureTarget& target, std::int64_t freeBytes)
+void RecordingFlow::startWith(
+    const CaptureTarget& target, CaptureOrder::Asking asking, std::int64_t freeBytes)
 {
     if (freeBytes < kLeastToStart) {
         const QString free = QLocale().formattedDataSize(freeBytes, 1, QLocale::DataSizeSIFormat);
@@ -206,6 +219,54 @@ void RecordingFlow::startWith(const CaptureTarget& target, std::int64_t freeByte
         return;
     }
     m_panelDisplay = m_ports.displayOf(target);
+    if (m_ports.choice == Desktop::Choice::ByUser) {
+        ask(target, asking);
+    } else {
+        countDown(target);
+    }
+}
+
+/// The dialog has the screen for itself.
+void RecordingFlow::ask(const CaptureTarget& target, CaptureOrder::Asking asking)
+{
+    m_isStarting = true;
+    m_asked = newRunning(target);
+    m_asked->order.asking = asking;
+    hideApplication();
+    compute(
+        m_ports.capture,
+        this,
+        [running = m_asked, make = m_ports.makeCapture, stopped = streamStopped()] {
+            running->capture = make(running->order, stopped);
+            running->capture->choose(running->stopping.get_token());
+        },
+        [this, running = m_asked](const Outcome<void>& chosen) {
+            if (running != m_asked) {
+                return; // it was given up
+            }
+            m_isStarting = false;
+            if (chosen) {
+                countDown(running->order.target);
+            } else {
+                dropAsked();
+                m_ports.messages.setErrorMessage(
+                    tr("Could not start recording: %1").arg(text(chosen.error())));
+                showApplication();
+            }
+        });
+}
+
+/// It ends where it was made, off the main thread.
+void RecordingFlow::dropAsked()
+{
+    if (const auto asked = std::exchange(m_asked, nullptr)) {
+        asked->stopping.request_stop();
+        m_ports.capture.run([asked] { asked->capture.reset(); }, [] {});
+    }
+}
+
+void RecordingFlow::countDown(const CaptureTarget& target)
+{
     const int seconds = m_ports.settings.current().countdownSeconds;
     if (seconds >= 1) {
         runCountdown(target, seconds);
@@ -238,14 +299,16 @@ void RecordingFlow::cancelCountdown()
         return;
     }
     m_countdown.reset();
+    dropAsked();
     setPhase(Phase::Idle);
     showApplication();
 }
 
-CaptureOrder RecordingFlow::order(const CaptureTarget& target) const
+std::shared_ptr<RecordingFlow::Running> RecordingFlow::newRunning(const CaptureTarget& target) const
 {
     const AppSettings& settings = m_ports.settings.current();
-    return {
+    auto running = std::make_shared<Running>();
+    running->order = {
         .bundle = m_ports.library.folder() / bundleName(m_ports.clock.now()),
         .target = target,
         .recordNarration = settings.recordNarration,
@@ -254,23 +317,15 @@ CaptureOrder RecordingFlow::order(const CaptureTarget& target) const
         .microphoneID = chosen(settings.microphoneID),
         .cameraID = chosen(settings.cameraID),
         .excludeWindowIDs = m_ports.excludedWindows()};
+    return running;
 }
 
-void RecordingFlow::beginCapture(const CaptureTarget& target)
+/// For a thread of the capture, which may outlive this object.
+std::function<void(const std::optional<Error>&)> RecordingFlow::streamStopped()
 {
-    m_capture = std::make_shared<Running>();
-    m_capture->order = order(target);
-    setPhase(Phase::Recording);
-    setRecordingStarted(dateTime(m_ports.clock.now()));
-    hideApplication();
-    if (m_ports.settings.current().muteNotifications) {
-        m_ports.runAction(m_ports.settings.current().focusOnShortcut);
-    }
-    startDiskGuard();
-    // Stopping by itself comes from a thread of the capture, which may outlive this object.
     const std::shared_ptr<QObject> relay(
         new QObject, [](QObject* object) { object->deleteLater(); });
-    auto onStreamStopped = [relay, self = QPointer(this)](const std::optional<Error>& reason) {
+    return [relay, self = QPointer(this)](const std::optional<Error>& reason) {
         QMetaObject::invokeMethod(
             relay.get(),
             [self, reason] {
@@ -280,12 +335,26 @@ void RecordingFlow::beginCapture(const CaptureTarget& target)
             },
             Qt::QueuedConnection);
     };
+}
+
+void RecordingFlow::beginCapture(const CaptureTarget& target)
+{
+    m_capture = m_asked ? std::exchange(m_asked, nullptr) : newRunning(target);
+    setPhase(Phase::Recording);
+    setRecordingStarted(dateTime(m_ports.clock.now()));
+    hideApplication();
+    if (m_ports.settings.current().muteNotifications) {
+        m_ports.runAction(m_ports.settings.current().focusOnShortcut);
+    }
+    startDiskGuard();
     compute(
         m_ports.capture,
         this,
-        [running = m_capture, make = m_ports.makeCapture, onStreamStopped] {
+        [running = m_capture, make = m_ports.makeCapture, stopped = streamStopped()] {
             try {
-                running->capture = make(running->order, onStreamStopped);
+                if (!running->capture) {
+                    running->capture = make(running->order, stopped);
+                }
                 running->capture->start();
             } catch (...) {
                 running->capture.reset();
@@ -446,6 +515,7 @@ void RecordingFlow::finish(std::function<void()> done)
 {
     m_isStarting = false;
     cancelCountdown();
+    dropAsked();
     if (!m_capture) {
         done();
         return;

@@ -7,6 +7,7 @@
 #include "Zento/Model/RecordingLibrary.h"
 #include "Zento/Model/SettingsModel.h"
 #include "Zento/Model/Worker.h"
+#include "ZentoCapture/Desktop.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -24,6 +25,11 @@
 namespace zento {
 
 /// What the application is doing, and how a recording begins and ends.
+///
+/// Where the user chooses in a dialog of the desktop's what is recorded, that comes first, before
+/// the countdown. Nothing can be left out of the picture there, so no stop panel floats: a
+/// recording is ended by the hot key, the tray, the desktop's own sign that it is watched, or in
+/// the main window, which comes back for it when the program is started again.
 ///
 /// Threading: the main thread; capture and disk are used in the background.
 class RecordingFlow : public QObject {
@@ -61,6 +67,7 @@ public:
         RecordingLibrary& library;
         Messages& messages;
         CaptureFactory makeCapture;
+        Desktop::Choice choice = Desktop::Choice::ByProgram; // of what is recorded
         /// Bytes free where the recordings lie; nothing when the system does not say. Blocks.
         std::function<std::optional<std::int64_t>()> freeSpace;
         /// Switches the desktop's notifications, by an action's name. Does not block.
@@ -81,15 +88,23 @@ public:
     QString elapsed() const;
     bool isStopping() const { return m_isStopping; }
     bool countdownVisible() const { return m_phase == Phase::CountingDown; }
-    bool stopPanelVisible() const { return m_phase == Phase::Recording && !m_isStopping; }
+    bool stopPanelVisible() const
+    {
+        return m_phase == Phase::Recording && !m_isStopping
+               && m_ports.choice == Desktop::Choice::ByProgram;
+    }
     QRectF panelDisplay() const { return m_panelDisplay; }
     bool isApplicationHidden() const { return m_isApplicationHidden; }
 
-    /// Stops a recording, cancels a countdown, or starts to record the display under the pointer.
+    /// Stops a recording, cancels a countdown or what the user is asked before it, or starts to
+    /// record the display under the pointer.
     Q_INVOKABLE void toggleRecording();
 
-    /// The display under the pointer.
+    /// The display under the pointer, or the one the user chose the last time.
     Q_INVOKABLE void recordDisplay();
+    /// The display the user chooses now. For `Desktop::Choice::ByUser`.
+    Q_INVOKABLE void chooseDisplay();
+    /// For `Desktop::Choice::ByUser` the one that the user chooses then, whatever the number.
     Q_INVOKABLE void recordWindow(quint32 windowID);
     /// Global points.
     Q_INVOKABLE void recordArea(const QRectF& area);
@@ -98,7 +113,8 @@ public:
     Q_INVOKABLE void stopRecording() { stopRecording(std::nullopt); }
 
     /// Only when idle; otherwise nothing happens.
-    void startRecording(const CaptureTarget& target);
+    void startRecording(
+        const CaptureTarget& target, CaptureOrder::Asking asking = CaptureOrder::Asking::Once);
 
     /// `systemReason` is why the desktop or a guard forced the stop; absent when the user asked.
     void stopRecording(const std::optional<Error>& systemReason);
@@ -137,9 +153,10 @@ private:
     int m_countdownRemaining = 0;
     QDateTime m_recordingStarted;
     QRectF m_panelDisplay;
-    bool m_isStarting = false; // the disk is being asked
+    bool m_isStarting = false; // the disk or the user is being asked
     bool m_isStopping = false;
     bool m_isApplicationHidden = false;
+    std::shared_ptr<Running> m_asked; // its user is choosing, or has chosen: not yet recorded
     std::shared_ptr<Running> m_capture;
     std::unique_ptr<Timer> m_countdown;
     std::unique_ptr<Timer> m_diskGuard;
@@ -149,10 +166,15 @@ private:
     void setPhase(Phase phase);
     void setStopping(bool isStopping);
     void setRecordingStarted(const QDateTime& date);
-    void startWith(const CaptureTarget& target, std::int64_t freeBytes);
+    void
+    startWith(const CaptureTarget& target, CaptureOrder::Asking asking, std::int64_t freeBytes);
+    void ask(const CaptureTarget& target, CaptureOrder::Asking asking);
+    void dropAsked();
+    void countDown(const CaptureTarget& target);
     void runCountdown(const CaptureTarget& target, int seconds);
     void beginCapture(const CaptureTarget& target);
-    CaptureOrder order(const CaptureTarget& target) const;
+    std::shared_ptr<Running> newRunning(const CaptureTarget& target) const;
+    std::function<void(const std::optional<Error>&)> streamStopped();
     void startFailed(const std::string& description);
     void startDiskGuard();
     void stopped(const std::optional<Error>& systemReason);

@@ -1,12 +1,11 @@
 #include "Zento/Model/RecordingLibrary.h"
 
+#include "Zento/Model/FilePath.h"
+#include "Zento/Model/SessionNames.h"
 #include "ZentoCore/Text.h"
 
-#include <QDate>
 #include <QDateTime>
-#include <QFile>
 #include <QLocale>
-#include <QRegularExpression>
 
 #include <algorithm>
 #include <array>
@@ -22,56 +21,9 @@ constexpr std::size_t kPartSize = 64;
 
 constexpr auto kSelectedKey = "selectedSession";
 
-QString textOf(const std::filesystem::path& path)
-{
-    return QFile::decodeName(path.c_str());
-}
-
-std::filesystem::path pathOf(const QString& text)
-{
-    return QFile::encodeName(text).toStdString();
-}
-
 QString textOf(const std::optional<std::string>& text)
 {
     return QString::fromStdString(text.value_or(""));
-}
-
-QDateTime dateTimeOf(const SessionItem& item)
-{
-    if (item.date == SessionItem::kNoDate) {
-        return {};
-    }
-    const auto since = std::chrono::floor<std::chrono::milliseconds>(item.date.time_since_epoch());
-    return QDateTime::fromMSecsSinceEpoch(since.count());
-}
-
-/// A date as in "9 Mar 2026": the locale's long form without the day of the week, the month short.
-QString mediumDate(const QDate& date)
-{
-    static const QRegularExpression kWeekday("(^|[,.\\s]*)dddd([,.\\s]*|$)");
-    QString format = QLocale().dateFormat(QLocale::LongFormat);
-    format.replace("MMMM", "MMM");
-    format.remove(kWeekday);
-    return QLocale().toString(date, format);
-}
-
-QString section(const QDate& date, const QDate& today)
-{
-    if (!date.isValid()) {
-        return RecordingLibrary::tr("Undated");
-    }
-    const qint64 age = date.daysTo(today);
-    if (age <= 0) {
-        return RecordingLibrary::tr("Today");
-    }
-    if (age == 1) {
-        return RecordingLibrary::tr("Yesterday");
-    }
-    if (age < 8) {
-        return RecordingLibrary::tr("Last week");
-    }
-    return QLocale().standaloneMonthName(date.month()) + ' ' + QString::number(date.year());
 }
 
 } // namespace
@@ -86,19 +38,6 @@ struct RecordingLibrary::Listing {
 RecordingLibrary::RecordingLibrary(Ports ports)
     : m_ports(std::move(ports))
 {
-}
-
-QString RecordingLibrary::nameOf(const SessionItem& item)
-{
-    if (const auto title = shownTitle(item)) {
-        return QString::fromStdString(*title);
-    }
-    const QDateTime date = dateTimeOf(item);
-    if (!date.isValid()) {
-        return textOf(item.url.stem());
-    }
-    return tr("%1, %2").arg(
-        mediumDate(date.date()), QLocale().toString(date.time(), QLocale::ShortFormat));
 }
 
 const SessionItem* RecordingLibrary::item(const QString& path) const
@@ -176,7 +115,7 @@ QVariant RecordingLibrary::value(const SessionItem& item, int role) const
     case SectionRole: {
         const auto now = std::chrono::floor<std::chrono::seconds>(m_ports.clock.now());
         const QDateTime today = QDateTime::fromSecsSinceEpoch(now.time_since_epoch().count());
-        return section(dateTimeOf(item).date(), today.date());
+        return sectionOf(item, today.date());
     }
     case DurationRole:
         return item.duration;

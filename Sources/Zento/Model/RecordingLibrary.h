@@ -111,9 +111,6 @@ public:
     /// True when there is one.
     bool openFromSearch(const QString& identifier);
 
-    /// The name the list shows: the title, or the date.
-    static QString nameOf(const SessionItem& item);
-
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;

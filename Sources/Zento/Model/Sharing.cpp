@@ -1,9 +1,10 @@
 #include "Zento/Model/Sharing.h"
 
 #include "Zento/Model/CloudCopy.h"
+#include "Zento/Model/FilePath.h"
+#include "Zento/Model/SessionNames.h"
 #include "ZentoCore/Error.h"
 
-#include <QFile>
 #include <QPointer>
 
 #include <string>
@@ -73,7 +74,7 @@ void Sharing::composeMail()
     if (const SessionItem* const item = sharedItem()) {
         m_ports.files.composeMail(
             filmOf(item->url),
-            RecordingLibrary::nameOf(*item).toStdString(),
+            nameOf(*item).toStdString(),
             [self = QPointer(this)](const std::string& reason) {
                 if (self) {
                     self->setStatus(tr("Sharing failed: %1").arg(QString::fromStdString(reason)));
@@ -106,8 +107,8 @@ void Sharing::uploadToCloud()
         m_ports.worker,
         this,
         [film = filmOf(item->url),
-         name = RecordingLibrary::nameOf(*item).toStdString(),
-         chosen = std::filesystem::path(QFile::encodeName(cloudFolder()).toStdString()),
+         name = nameOf(*item).toStdString(),
+         chosen = pathOf(cloudFolder()),
          home = m_ports.home]() -> std::optional<Copied> {
             const auto folder = syncedFolder(chosen, home);
             if (!folder) {
@@ -126,7 +127,7 @@ void Sharing::uploadToCloud()
             } else if (!*copy) {
                 setStatus(tr("No synced folder is set up here. Choose one under Share."));
             } else {
-                m_copy = QFile::decodeName((*copy)->file.c_str());
+                m_copy = textOf((*copy)->file);
                 setStatus(tr("In %1 › Zento. Share Link… shows it, for its sync client to share.")
                               .arg(QString::fromStdString((*copy)->folderName)));
                 if (isShared) {
@@ -143,7 +144,7 @@ void Sharing::shareCloudLink()
         uploadToCloud();
         return;
     }
-    m_ports.files.reveal(std::filesystem::path(QFile::encodeName(m_copy).toStdString()));
+    m_ports.files.reveal(pathOf(m_copy));
 }
 
 } // namespace zento

@@ -51,21 +51,65 @@ SpeechSettings::~SpeechSettings()
     m_fetch.request_stop();
 }
 
+/// The engine that narrations are heard with: what `makeEngineFor` would choose. Blocks.
+SpeechSettings::State SpeechSettings::look(const SpeechModelPlace& place)
+{
+    const State state{Engine::Model, nameOfModel(place.file)};
+    if (!state.model.isEmpty() && place.canUseModels) {
+        try {
+            place.requireModel(place.file);
+            return state;
+        } catch (const Error&) { // NOLINT(bugprone-empty-catch): it is not used
+        }
+    }
+    return {place.hasBasicEngine() ? Engine::Basic : Engine::LoudnessAlone, state.model};
+}
+
 QString SpeechSettings::engine() const
 {
-    return hasModel() ? tr("whisper.cpp with %1").arg(m_model)
-                      : tr("PocketSphinx, built in, English only");
+    switch (m_state.engine) {
+    case Engine::Model:
+        return tr("whisper.cpp with %1").arg(m_state.model);
+    case Engine::Basic:
+        return tr("PocketSphinx, built in, English only");
+    case Engine::LoudnessAlone:
+        return tr("None: captions stay without words");
+    case Engine::Unknown:
+        break;
+    }
+    return {};
 }
 
 QString SpeechSettings::expectation() const
 {
-    const QString local = tr("Speech is recognised on this computer; nothing leaves it.");
-    return hasModel() ? tr("As good as the model: expect a few wrong words in a hundred of clear "
-                           "speech, and read captions before you show them.")
-                            + ' ' + local
-                      : tr("Basic: expect one word in five to be wrong. Good enough to keep speech "
-                           "from being cut; read captions before you show them.")
-                            + ' ' + local;
+    const QString local = ' ' + tr("Speech is recognised on this computer; nothing leaves it.");
+    // Of a model that is there and not used.
+    const QString unused =
+        m_state.model.isEmpty() ? QString()
+        : canUseModels()
+            ? tr("%1 is not a whole speech model and is not used.").arg(m_state.model) + ' '
+            : tr("%1 is not used: this program, on this processor, cannot use "
+                 "speech models.")
+                      .arg(m_state.model)
+                  + ' ';
+    switch (m_state.engine) {
+    case Engine::Model:
+        return tr("As good as the model: expect a few wrong words in a hundred of clear speech, "
+                  "and read captions before you show them.")
+               + local;
+    case Engine::Basic:
+        return unused
+               + tr("Basic: expect one word in five to be wrong. Good enough to keep speech from "
+                    "being cut; read captions before you show them.")
+               + local;
+    case Engine::LoudnessAlone:
+        return unused
+               + tr("What is loud is kept from being cut. For words in English install the package "
+                    "pocketsphinx-en-us.");
+    case Engine::Unknown:
+        break;
+    }
+    return {};
 }
 
 QVariantList SpeechSettings::offers() const
@@ -91,13 +135,13 @@ void SpeechSettings::refresh()
 void SpeechSettings::change(std::function<void()> work, std::function<void()> ended)
 {
     struct Change {
-        QString model;
+        State state;
         std::string failure;
     };
     compute(
         m_ports.worker,
         this,
-        [file = m_ports.place.file, work = std::move(work)] {
+        [place = m_ports.place, work = std::move(work)] {
             Change result;
             try {
                 work();
@@ -106,7 +150,7 @@ void SpeechSettings::change(std::function<void()> work, std::function<void()> en
                     result.failure = error.what();
                 }
             }
-            result.model = nameOfModel(file);
+            result.state = look(place);
             return result;
         },
         [this, ended = std::move(ended)](Outcome<Change> outcome) {
@@ -114,7 +158,7 @@ void SpeechSettings::change(std::function<void()> work, std::function<void()> en
                 ended();
             }
             if (outcome) {
-                m_model = outcome->model;
+                m_state = outcome->state;
             }
             const std::string failure = outcome ? outcome->failure : outcome.error();
             if (!failure.empty()) {

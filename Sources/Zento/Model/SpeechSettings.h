@@ -23,6 +23,7 @@ struct SpeechModelPlace {
     std::filesystem::path file; // of the one that is used
     std::string site;           // those to fetch lie below it; empty: none are fetched
     bool canUseModels = false;  // this program can, on this processor
+    std::function<bool()> hasBasicEngine = [] { return false; };    // on a worker; may block
     std::function<void(const std::filesystem::path&)> requireModel; // throws `Error` for another
 };
 
@@ -35,7 +36,7 @@ class SpeechSettings : public QObject {
     Q_PROPERTY(QString engine READ engine NOTIFY changed)
     /// How good to expect it, and where it runs; sentences.
     Q_PROPERTY(QString expectation READ expectation NOTIFY changed)
-    /// A model of the user's is there.
+    /// A model of the user's is there, whether or not it can be used.
     Q_PROPERTY(bool hasModel READ hasModel NOTIFY changed)
     /// This program can use one, on this processor.
     Q_PROPERTY(bool canUseModels READ canUseModels CONSTANT)
@@ -58,7 +59,7 @@ public:
 
     QString engine() const;
     QString expectation() const;
-    bool hasModel() const { return !m_model.isEmpty(); }
+    bool hasModel() const { return !m_state.model.isEmpty(); }
     bool canUseModels() const { return m_ports.place.canUseModels; }
     QVariantList offers() const;
     bool isFetching() const { return m_isFetching; }
@@ -79,10 +80,17 @@ Q_SIGNALS:
     void progressed();
 
 private:
+    enum class Engine { Unknown, Model, Basic, LoudnessAlone };
+    struct State {
+        Engine engine = Engine::Unknown;
+        QString model; // its file's name; empty without one
+    };
+    static State look(const SpeechModelPlace& place);
+
     void change(std::function<void()> work, std::function<void()> ended = {});
 
     Ports m_ports;
-    QString m_model; // its file's name; empty without one
+    State m_state;
     std::stop_source m_fetch;
     std::shared_ptr<std::atomic<double>> m_progress; // written by the worker
     std::unique_ptr<Timer> m_progressTimer;

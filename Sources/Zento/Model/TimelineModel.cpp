@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ranges>
 #include <utility>
+#include <vector>
 
 namespace zento {
 
@@ -21,6 +22,66 @@ std::optional<Kind> kindOf(const QString& handle)
     return handle == QLatin1StringView("move") ? std::optional(Kind::Move) : std::nullopt;
 }
 
+QVariantList cutMarks(const TimelineScale& strip, const std::vector<CutMark>& cuts)
+{
+    QVariantList list;
+    for (const CutMark& cut : cuts) {
+        list.append(QVariantMap{{"x", strip.position(cut.tOut)}, {"isOnBeat", cut.isOnBeat}});
+    }
+    return list;
+}
+
+QVariantList beatMarks(const TimelineScale& strip, const std::vector<double>& beats)
+{
+    QVariantList list;
+    if (beats.size() > 1) {
+        const double first = strip.position(beats.front());
+        const double perBeat =
+            (strip.position(beats.back()) - first) / static_cast<double>(beats.size() - 1);
+        for (const double beat : thinnedBeats(beats, perBeat)) {
+            list.append(strip.position(beat));
+        }
+    }
+    return list;
+}
+
+QVariantList zoomBlocks(const TimelineScale& strip, const std::vector<ZoomBar>& zooms)
+{
+    QVariantList list;
+    for (const ZoomBar& zoom : zooms) {
+        const BarFrame frame = barFrame(strip, zoom, std::nullopt);
+        list.append(QVariantMap{
+            {"id", zoom.sourceTime},
+            {"x", frame.x},
+            {"width", frame.width},
+            {"zoom", zoom.zoom},
+            {"title", QString::fromStdString(zoom.title)},
+            {"enabled", zoom.enabled},
+            {"added", zoom.added},
+            {"edited", zoom.edited},
+            {"tint", zoomTint(zoom.zoom)},
+            {"time", zoom.tOut},
+            {"timeEnd", zoom.tOutEnd}});
+    }
+    return list;
+}
+
+QVariantList wordChips(const TimelineScale& strip, const std::vector<TimelineWord>& words)
+{
+    QVariantList list;
+    for (const TimelineWord& word : words) {
+        const double x = strip.position(word.tOut);
+        list.append(QVariantMap{
+            {"index", word.index},
+            {"x", x},
+            {"width", strip.position(word.tOutEnd) - x},
+            {"text", QString::fromStdString(word.text)},
+            {"time", word.tOut},
+            {"timeEnd", word.tOutEnd}});
+    }
+    return list;
+}
+
 } // namespace
 
 TimelineModel::TimelineModel(EditSession& session, LivePreview& preview)
@@ -28,9 +89,8 @@ TimelineModel::TimelineModel(EditSession& session, LivePreview& preview)
     , m_preview(preview)
 {
     connect(&session, &EditSession::opened, this, &TimelineModel::dropDrags);
-    connect(&session, &EditSession::planned, this, &TimelineModel::stripChanged);
-    connect(&session, &EditSession::planned, this, &TimelineModel::playheadChanged);
-    connect(&session, &EditSession::editsChanged, this, &TimelineModel::stripChanged);
+    connect(&session, &EditSession::planned, this, &TimelineModel::rebuild);
+    connect(&session, &EditSession::editsChanged, this, &TimelineModel::editsChanged);
     connect(&preview, &LivePreview::tOutChanged, this, &TimelineModel::playheadChanged);
 }
 
@@ -38,9 +98,24 @@ void TimelineModel::setWidth(double width)
 {
     if (m_width != width) {
         m_width = width;
-        Q_EMIT stripChanged();
-        Q_EMIT playheadChanged();
+        rebuild();
     }
+}
+
+void TimelineModel::rebuild()
+{
+    m_strip = {};
+    if (const auto film = m_session.film()) {
+        const TimelineScale strip = scale();
+        m_strip = {
+            .cuts = cutMarks(strip, film->cuts),
+            .beats = beatMarks(strip, film->beats),
+            .zooms = zoomBlocks(strip, film->zoomBars),
+            .words = wordChips(strip, film->words)};
+    }
+    Q_EMIT stripChanged();
+    Q_EMIT editsChanged();
+    Q_EMIT playheadChanged();
 }
 
 TimelineScale TimelineModel::scale() const
@@ -57,75 +132,6 @@ double TimelineModel::duration() const
 {
     const auto film = m_session.film();
     return film ? film->timelineDuration : 0;
-}
-
-QVariantList TimelineModel::cuts() const
-{
-    QVariantList list;
-    if (const auto film = m_session.film()) {
-        for (const CutMark& cut : film->cuts) {
-            list.append(QVariantMap{{"x", scale().position(cut.tOut)}, {"isOnBeat", cut.isOnBeat}});
-        }
-    }
-    return list;
-}
-
-QVariantList TimelineModel::beats() const
-{
-    QVariantList list;
-    const auto film = m_session.film();
-    if (film && film->beats.size() > 1) {
-        const TimelineScale strip = scale();
-        const double first = strip.position(film->beats.front());
-        const double perBeat = (strip.position(film->beats.back()) - first)
-                               / static_cast<double>(film->beats.size() - 1);
-        for (const double beat : thinnedBeats(film->beats, perBeat)) {
-            list.append(strip.position(beat));
-        }
-    }
-    return list;
-}
-
-QVariantList TimelineModel::zooms() const
-{
-    QVariantList list;
-    if (const auto film = m_session.film()) {
-        for (const ZoomBar& zoom : film->zoomBars) {
-            const BarFrame frame = barFrame(scale(), zoom, std::nullopt);
-            list.append(QVariantMap{
-                {"id", zoom.sourceTime},
-                {"x", frame.x},
-                {"width", frame.width},
-                {"zoom", zoom.zoom},
-                {"title", QString::fromStdString(zoom.title)},
-                {"enabled", zoom.enabled},
-                {"added", zoom.added},
-                {"edited", zoom.edited},
-                {"tint", zoomTint(zoom.zoom)},
-                {"time", zoom.tOut},
-                {"timeEnd", zoom.tOutEnd}});
-        }
-    }
-    return list;
-}
-
-QVariantList TimelineModel::words() const
-{
-    QVariantList list;
-    if (const auto film = m_session.film()) {
-        const TimelineScale strip = scale();
-        for (const TimelineWord& word : film->words) {
-            const double x = strip.position(word.tOut);
-            list.append(QVariantMap{
-                {"index", word.index},
-                {"x", x},
-                {"width", strip.position(word.tOutEnd) - x},
-                {"text", QString::fromStdString(word.text)},
-                {"time", word.tOut},
-                {"timeEnd", word.tOutEnd}});
-        }
-    }
-    return list;
 }
 
 double TimelineModel::playheadX() const

@@ -30,12 +30,12 @@ class TimelineModel : public QObject {
     /// {index, x, width, text, time, timeEnd}
     Q_PROPERTY(QVariantList words READ words NOTIFY stripChanged)
     Q_PROPERTY(double playheadX READ playheadX NOTIFY playheadChanged)
-    Q_PROPERTY(double trimStartX READ trimStartX NOTIFY stripChanged)
-    Q_PROPERTY(double trimEndX READ trimEndX NOTIFY stripChanged)
-    Q_PROPERTY(double trimStartTime READ trimStartTime NOTIFY stripChanged) // strip seconds
-    Q_PROPERTY(double trimEndTime READ trimEndTime NOTIFY stripChanged)
-    Q_PROPERTY(bool isTrimmed READ isTrimmed NOTIFY stripChanged)
-    Q_PROPERTY(int deletedZooms READ deletedZooms NOTIFY stripChanged)
+    Q_PROPERTY(double trimStartX READ trimStartX NOTIFY editsChanged)
+    Q_PROPERTY(double trimEndX READ trimEndX NOTIFY editsChanged)
+    Q_PROPERTY(double trimStartTime READ trimStartTime NOTIFY editsChanged) // strip seconds
+    Q_PROPERTY(double trimEndTime READ trimEndTime NOTIFY editsChanged)
+    Q_PROPERTY(bool isTrimmed READ isTrimmed NOTIFY editsChanged)
+    Q_PROPERTY(int deletedZooms READ deletedZooms NOTIFY editsChanged)
     /// "start", "end" or "move" while the trim is dragged.
     Q_PROPERTY(QString trimDrag READ trimDrag NOTIFY dragChanged)
     /// The zoom that is dragged; −1 for none. It is drawn by `zoomDragDelta` points further right,
@@ -52,10 +52,11 @@ public:
     void setWidth(double width);
     double duration() const;
     double tickStep() const { return rulerStep(scale()); }
-    QVariantList cuts() const;
-    QVariantList beats() const;
-    QVariantList zooms() const;
-    QVariantList words() const;
+    // QML reads a list anew for each of its elements it looks at: these are made once a film.
+    const QVariantList& cuts() const { return m_strip.cuts; }
+    const QVariantList& beats() const { return m_strip.beats; }
+    const QVariantList& zooms() const { return m_strip.zooms; }
+    const QVariantList& words() const { return m_strip.words; }
     double playheadX() const;
     double trimStartX() const { return scale().position(trimStartTime()); }
     double trimEndX() const { return scale().position(trimEndTime()); }
@@ -99,11 +100,18 @@ public:
     Q_INVOKABLE void setWord(int index, const QString& text) { m_session.setWord(index, text); }
 
 Q_SIGNALS:
-    void stripChanged();
+    void stripChanged(); // another film, or another width
+    void editsChanged(); // the edits, or what their places follow from
     void playheadChanged();
     void dragChanged();
 
 private:
+    struct Strip {
+        QVariantList cuts;
+        QVariantList beats;
+        QVariantList zooms;
+        QVariantList words;
+    };
     struct RunningTrim {
         TrimDrag drag;
         double startX = 0;
@@ -115,6 +123,7 @@ private:
         ZoomMovement movement;
     };
 
+    void rebuild();
     TimelineScale scale() const;
     const ZoomBar* bar(double id) const;
     const ZoomBar* barAt(double x) const;
@@ -123,6 +132,7 @@ private:
     EditSession& m_session;
     LivePreview& m_preview;
     double m_width = 0;
+    Strip m_strip;
     std::optional<RunningTrim> m_trimDrag;
     std::optional<RunningZoom> m_zoomDrag;
 };

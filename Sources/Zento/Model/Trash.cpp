@@ -1,5 +1,6 @@
 #include "Zento/Model/Trash.h"
 
+#include "Zento/Model/FilePath.h"
 #include "ZentoCore/Error.h"
 
 #include <QDir>
@@ -13,11 +14,6 @@
 namespace zento {
 
 namespace {
-
-QString text(const std::filesystem::path& path)
-{
-    return QFile::decodeName(path.c_str());
-}
 
 /// The note beside a trashed file that says where it was.
 std::filesystem::path noteOf(const std::filesystem::path& trashed)
@@ -33,14 +29,14 @@ Trash::Entry Trash::put(const std::filesystem::path& path)
 {
     // Without its parent the user's trash cannot be made, and one beside the file takes its place.
     QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
-    QFile file(text(path));
+    QFile file(textOf(path));
     if (!file.moveToTrash()) {
         throw Error(
             ErrorCode::kTrashFailed,
             "could not move " + path.string()
                 + " to the trash: " + file.errorString().toStdString());
     }
-    return {path, std::filesystem::path(QFile::encodeName(file.fileName()).toStdString())};
+    return {path, pathOf(file.fileName())};
 }
 
 void Trash::restore(const Entry& entry)

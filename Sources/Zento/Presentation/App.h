@@ -34,6 +34,9 @@ class App : public QObject {
     Q_PROPERTY(QVariant filmCopy READ filmCopy NOTIFY modelChanged)
     /// What the screen is recorded by: "X11", "Wayland"; absent until it has been found out.
     Q_PROPERTY(QVariant desktop READ desktop NOTIFY desktopChanged)
+    /// What lets a user's programs see clicks and keys on a Wayland desktop, from the next login
+    /// on.
+    Q_PROPERTY(QString inputCommand READ inputCommand CONSTANT)
     /// What the settings are on a fresh install, by their keys.
     Q_PROPERTY(QVariant defaults READ defaults CONSTANT)
 
@@ -61,6 +64,7 @@ public:
     QVariant filmCopy() const { return part("filmCopy"); }
     QVariant desktop() const { return part("desktop"); }
     static QVariant defaults();
+    static QString inputCommand() { return QStringLiteral("sudo usermod -aG input $USER"); }
 
 Q_SIGNALS:
     void modelChanged();

@@ -40,11 +40,13 @@ private:
     const WindowList& m_windows;
 };
 
-/// What a display shows now: "image://display/X/Y/…", the place of its corner.
+/// What a display shows now, or the model's picture of it: "image://display/X/Y/…", the place of
+/// its corner.
 class DisplayPictures : public QQuickImageProvider {
 public:
-    DisplayPictures()
+    explicit DisplayPictures(const AppModel& app)
         : QQuickImageProvider(QQuickImageProvider::Pixmap)
+        , m_app(app)
     {
     }
 
@@ -53,10 +55,16 @@ public:
         const QPoint corner(
             id.section(QLatin1Char('/'), 0, 0).toInt(), id.section(QLatin1Char('/'), 1, 1).toInt());
         QScreen* const screen = QGuiApplication::screenAt(corner);
-        const QPixmap picture = screen ? screen->grabWindow(0) : QPixmap(1, 1);
+        const QImage image = m_app.displayImage();
+        const QPixmap picture = !image.isNull() ? QPixmap::fromImage(image)
+                                : screen        ? screen->grabWindow(0)
+                                                : QPixmap(1, 1);
         *size = picture.size();
         return picture;
     }
+
+private:
+    const AppModel& m_app;
 };
 
 } // namespace
@@ -66,7 +74,7 @@ Windows::Windows(AppModel* app)
 {
     prepareEngine(*m_engine, app);
     m_engine->addImageProvider(QStringLiteral("window"), new WindowPictures(*app->windows()));
-    m_engine->addImageProvider(QStringLiteral("display"), new DisplayPictures);
+    m_engine->addImageProvider(QStringLiteral("display"), new DisplayPictures(*app));
     appearance(*m_engine)->followDesktop();
     QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
     QQmlComponent component(

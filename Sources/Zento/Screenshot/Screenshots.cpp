@@ -1,5 +1,6 @@
 #include "Zento/Screenshot/Screenshots.h"
 
+#include "ZentoCapture/Backends/PortalScreen.h"
 #include "ZentoCore/Error.h"
 
 #include <algorithm>
@@ -129,7 +130,17 @@ void Screenshots::pickArea(std::function<void(const Rect&)> picked)
 
 Screenshots::Shooting Screenshots::shootingOf(const CaptureTarget& target) const
 {
-    return [target, shoot = m_services.shoot] { return ScrolledShot{shoot(target), {}}; };
+    QRectF desktop;
+    for (const QVariant& display : m_app.displays()) {
+        desktop |= display.toRectF();
+    }
+    return [target, shoot = m_services.shoot, width = desktop.width()] {
+        Shot shot = shoot(target);
+        if (!shot.tellsScale) { // all displays in one picture, as dense as the densest of them
+            shot.scale = std::max(streamScale(shot.image->width(), width), 1.0);
+        }
+        return ScrolledShot{std::move(shot), {}};
+    };
 }
 
 void Screenshots::shootWithoutUs(Shooting shooting)

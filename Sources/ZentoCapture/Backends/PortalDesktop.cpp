@@ -92,6 +92,11 @@ void PortalDesktop::show(const ScreenChoice& choice, const std::stop_token& stop
     m_hasHand = choice.hand != ScreenChoice::Hand::None;
 }
 
+void PortalDesktop::forgetChoice(const CaptureTarget& target)
+{
+    m_parts.tokens.keep(choiceFor(target).name, {});
+}
+
 std::optional<std::string> PortalDesktop::shortcoming()
 {
     if (m_screen && !m_screen->tellsPointer()) {

@@ -28,6 +28,7 @@ public:
 
     Choice choice() const override { return Choice::ByUser; }
     void choose(const CaptureTarget& target, const std::stop_token& stop) override;
+    void forgetChoice(const CaptureTarget& target) override;
     std::optional<std::string> shortcoming() override;
     std::optional<std::filesystem::path> takePicture(const std::stop_token& stop) override;
 

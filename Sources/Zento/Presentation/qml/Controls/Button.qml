@@ -40,6 +40,7 @@ T.Button {
     opacity: enabled ? 1 : Theme.opacityDisabled
     focusPolicy: Qt.StrongFocus
     Accessible.name: text
+    Accessible.onPressAction: if (control.enabled) control.clicked()
     Accessible.description: tip
     Keys.onReturnPressed: control.clicked()
     Keys.onEnterPressed: control.clicked()

@@ -68,6 +68,7 @@ Item {
                 text: modelData.name
                 Accessible.role: Accessible.RadioButton
                 Accessible.name: modelData.name
+                Accessible.onPressAction: if (button.enabled) button.clicked()
                 Accessible.checkable: true
                 Accessible.checked: checked
                 onClicked: group.picked(modelData.value)

@@ -23,6 +23,7 @@ T.AbstractButton {
     focusPolicy: Qt.StrongFocus
     text: qsTr("Another colour…")
     Accessible.name: text
+    Accessible.onPressAction: if (well.enabled) well.clicked()
     Accessible.description: current
     onClicked: panel.open()
     Keys.onReturnPressed: panel.open()

@@ -20,6 +20,7 @@ T.Button {
     opacity: enabled ? 1 : Theme.opacityDisabled
     focusPolicy: Qt.StrongFocus
     Accessible.name: text
+    Accessible.onPressAction: if (control.enabled) control.clicked()
     Keys.onReturnPressed: control.clicked()
     Keys.onEnterPressed: control.clicked()
 

@@ -14,6 +14,7 @@ T.MenuItem {
     width: menu ? menu.width - 8 : implicitWidth
     opacity: enabled ? 1 : Theme.opacityDisabled
     Accessible.name: text
+    Accessible.onPressAction: if (item.enabled) item.clicked()
     background: Rectangle {
         radius: 7
         color: item.highlighted || item.hovered ? Theme.overlayHover : "transparent"

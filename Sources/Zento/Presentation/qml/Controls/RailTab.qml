@@ -12,6 +12,7 @@ T.AbstractButton {
     focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.PageTab
     Accessible.name: text
+    Accessible.onPressAction: if (tab.enabled) tab.clicked()
     Accessible.checkable: true
     Accessible.checked: checked
     background: Rectangle {

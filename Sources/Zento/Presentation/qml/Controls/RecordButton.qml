@@ -9,10 +9,13 @@ Item {
     property bool live: false
     property string elapsed
     property bool folded: false // a square with the dot alone
+    property bool asks: false // in the desktop's dialog, each time something is chosen in the menu
+    property bool hasWindows: true
     property string missing     // the sentence about what is not allowed yet; empty: all is
     readonly property bool usable: missing.length === 0
 
     signal recordScreen()
+    signal chooseScreen()
     signal recordWindow()
     signal recordArea()
     signal stop()
@@ -30,6 +33,7 @@ Item {
         focusPolicy: Qt.StrongFocus
         text: root.live ? qsTr("Stop") : qsTr("Record")
         Accessible.name: text
+        Accessible.onPressAction: if (main.enabled) main.clicked()
         Accessible.description: root.live ? root.elapsed : root.missing
         onClicked: root.live ? root.stop() : root.recordScreen()
         Keys.onReturnPressed: main.clicked()
@@ -93,6 +97,7 @@ Item {
         focusPolicy: Qt.StrongFocus
         text: qsTr("Choose what to record")
         Accessible.name: text
+        Accessible.onPressAction: if (menuPart.enabled) menuPart.clicked()
         Accessible.role: Accessible.ButtonMenu
         onClicked: menu.popup(0, root.height + 4)
         Keys.onReturnPressed: menuPart.clicked()
@@ -126,17 +131,19 @@ Item {
 
             MenuItem {
                 iconName: "screen"
-                text: qsTr("Screen")
-                onTriggered: root.recordScreen()
+                text: root.asks ? qsTr("Choose a screen…") : qsTr("Screen")
+                onTriggered: root.asks ? root.chooseScreen() : root.recordScreen()
             }
             MenuItem {
                 iconName: "window"
-                text: qsTr("Window")
+                visible: root.hasWindows
+                height: visible ? implicitHeight : 0
+                text: root.asks ? qsTr("Choose a window…") : qsTr("Window")
                 onTriggered: root.recordWindow()
             }
             MenuItem {
                 iconName: "area"
-                text: qsTr("Area")
+                text: root.asks ? qsTr("Mark an area…") : qsTr("Area")
                 onTriggered: root.recordArea()
             }
         }

@@ -28,6 +28,7 @@ Column {
         focusPolicy: Qt.StrongFocus
         text: root.title
         Accessible.name: root.title
+        Accessible.onPressAction: if (button.enabled) button.clicked()
         Accessible.description: root.waiting ? qsTr("Press the new shortcut") : root.keys.join(" ")
         onClicked: root.waiting ? root.stopped() : root.started()
         onActiveFocusChanged: if (!activeFocus && root.waiting) root.stopped()

@@ -15,8 +15,17 @@ T.Switch {
     focusPolicy: Qt.StrongFocus
     Accessible.name: text
     Accessible.description: help
-    Keys.onReturnPressed: { control.toggle(); control.toggled() }
-    Keys.onEnterPressed: { control.toggle(); control.toggled() }
+    Accessible.onPressAction: control.flip()
+    Accessible.onToggleAction: control.flip()
+    Keys.onReturnPressed: control.flip()
+    Keys.onEnterPressed: control.flip()
+
+    function flip() {
+        if (!enabled)
+            return
+        toggle()
+        toggled()
+    }
 
     contentItem: Item {
         Column {

@@ -7,6 +7,7 @@ Item {
     property string text
     property bool granted: false
     property bool askable: false
+    property bool optional: false // no fault where it is missing
     property string reason
 
     signal asked()
@@ -18,9 +19,9 @@ Item {
     Accessible.description: granted ? qsTr("Ready") : reason.length > 0 ? reason : qsTr("Not allowed yet")
     Icon {
         anchors.verticalCenter: parent.verticalCenter
-        name: row.granted ? "success" : "warning"
+        name: row.granted ? "success" : row.optional ? "info" : "warning"
         size: Theme.sizeIconSmall
-        color: row.granted ? Theme.success : Theme.warning
+        color: row.granted ? Theme.success : row.optional ? Theme.textSecondary : Theme.warning
     }
     Label {
         x: 24

@@ -131,20 +131,37 @@ Pane {
             text: qsTr("Clicks and keys")
             granted: App.permissions.input
             askable: App.permissions.needsInput
-            reason: qsTr("Pointer only")
+            optional: !App.permissions.needsInput
+            reason: qsTr("Optional")
             onAsked: App.permissions.requestInputPermission()
+        }
+        Column {
+            x: 24
+            width: parent.width - 24
+            visible: !App.permissions.input && !App.permissions.needsInput
+            spacing: 4
+            bottomPadding: 8
+            Caption {
+                width: parent.width
+                wrapMode: Text.Wrap
+                text: qsTr("This desktop shows Zento the pointer, so zooms go to where it rests. Clicks and keys make them better: run this, then log in again. Every program of yours can see them then.")
+            }
+            TextBox {
+                width: parent.width
+                readOnly: true
+                label: qsTr("The command that allows clicks and keys")
+                value: App.inputCommand
+                font.family: Theme.monoFamily
+                font.pixelSize: Theme.captionType.size
+                onActiveFocusChanged: if (activeFocus) selectAll()
+            }
         }
         PermissionRow {
             text: qsTr("Accessibility")
+            optional: !App.permissions.needsInput
             granted: App.permissions.accessibility
             askable: true
             onAsked: App.permissions.requestAccessibilityPermission()
-        }
-        Caption {
-            width: parent.width
-            visible: !App.permissions.input && !App.permissions.needsInput
-            wrapMode: Text.Wrap
-            text: qsTr("This desktop shows Zento the pointer only, so it zooms to where the pointer rests. To let it see clicks and keys, add yourself to the group input and log in again.")
         }
         PermissionRow {
             text: qsTr("Microphone")

@@ -11,10 +11,15 @@ FocusScope {
     property int edited: -1 // row
     readonly property int spoken: {
         const now = preview?.playheadTimeline ?? -1
-        for (let i = words.length - 1; i >= 0; --i)
-            if (words[i].time <= now)
-                return now < words[i].timeEnd ? i : -1
-        return -1
+        let after = words.length // the first that begins later
+        for (let low = 0; low < after;) {
+            const middle = (low + after) >> 1
+            if (words[middle].time <= now)
+                low = middle + 1
+            else
+                after = middle
+        }
+        return after > 0 && now < words[after - 1].timeEnd ? after - 1 : -1
     }
 
     function clock(seconds) {
@@ -28,9 +33,13 @@ FocusScope {
     function save(row, text) {
         const word = words[row]
         edited = -1
-        list.forceActiveFocus()
         if (word && text.trim() !== word.text)
             line.setWord(word.index, text)
+    }
+
+    function finish(row, text) {
+        save(row, text)
+        list.forceActiveFocus()
     }
 
     height: Math.min(240, list.contentHeight)
@@ -127,12 +136,12 @@ FocusScope {
                         selectAll()
                     }
                 }
-                onAccepted: transcript.save(row.index, text)
+                // The keys stop here: in the list, Enter goes to the line's time.
+                Keys.onReturnPressed: transcript.finish(row.index, text)
+                Keys.onEnterPressed: transcript.finish(row.index, text)
+                Keys.onEscapePressed: transcript.finish(row.index, value)
+                // A field that is clicked keeps the keys.
                 onActiveFocusChanged: if (!activeFocus && row.isEdited) transcript.save(row.index, text)
-                Keys.onEscapePressed: {
-                    text = value
-                    transcript.save(row.index, value)
-                }
             }
         }
     }

@@ -108,6 +108,8 @@ Item {
                 }
                 MenuItem {
                     iconName: "window"
+                    visible: App.permissions.window
+                    height: visible ? implicitHeight : 0
                     text: qsTr("Window")
                     shortcut: App.shortcuts.keys("screenshotWindow").join(" ")
                     onTriggered: App.model.run("screenshotWindow")
@@ -120,6 +122,8 @@ Item {
                 }
                 MenuItem {
                     iconName: "scrolling"
+                    visible: App.permissions.scrolling
+                    height: visible ? implicitHeight : 0
                     text: qsTr("Scrolling")
                     shortcut: App.shortcuts.keys("scrollingCapture").join(" ")
                     onTriggered: App.model.run("scrollingCapture")

@@ -14,9 +14,9 @@ FocusScope {
         const names = []
         if (!permissions.screen)
             names.push(qsTr("Screen"))
-        if (!permissions.input)
+        if (permissions.needsInput && !permissions.input)
             names.push(qsTr("Clicks and keys"))
-        if (!permissions.accessibility)
+        if (permissions.needsInput && !permissions.accessibility)
             names.push(qsTr("Accessibility"))
         return names.length > 0 ? qsTr("Still needed to record: %1. See Record.").arg(names.join(", ")) : ""
     }
@@ -44,7 +44,10 @@ FocusScope {
         live: library.isLive
         elapsed: App.recording.elapsed
         missing: library.missing
+        asks: App.model.choosesInDialog === true
+        hasWindows: App.permissions.window
         onRecordScreen: App.recording.recordDisplay()
+        onChooseScreen: App.recording.chooseDisplay()
         onRecordWindow: App.model.pickWindow()
         onRecordArea: App.model.pickArea()
         onStop: App.recording.stopRecording()

@@ -27,6 +27,7 @@ T.ItemDelegate {
     focusPolicy: Qt.NoFocus
     Accessible.role: Accessible.ListItem
     Accessible.name: name
+    Accessible.onPressAction: if (row.enabled) row.clicked()
     Accessible.description: [appName, qsTr("%1 long").arg(length()), hasRender ? qsTr("Exported") : ""].filter(word => word.length > 0).join(", ")
     Accessible.selectable: true
     Accessible.selected: isSelected

@@ -17,7 +17,7 @@ Item {
     }
     Rectangle {
         anchors.fill: parent
-        visible: !film.preview.hasImage
+        visible: !film.preview.hasImage || film.hasFailed // of an older time, and hard to read on
         radius: 4
         color: Theme.well
     }

@@ -7,6 +7,7 @@ Window {
 
     property bool libraryFolded: width < 1280 || userFolded
     property bool userFolded: false
+    property bool goesToTaskbar: false
     property alias film: content.film
     property alias timeline: content.timeline
 
@@ -21,6 +22,18 @@ Window {
     onVisibleChanged: if (!visible) {
         x = x
         y = y
+    }
+
+    function goToTaskbar() {
+        goesToTaskbar = true
+        showMinimized()
+    }
+    // Wayland has no way to ask for a window back from there: it is shown as a new one.
+    function leaveTaskbar() {
+        if (goesToTaskbar) {
+            hide()
+            goesToTaskbar = false
+        }
     }
 
     MainContent {

@@ -112,7 +112,7 @@ Rectangle {
         anchors.right: parent.right
         anchors.bottom: parent.bottom
         time: stage.preview?.tOut ?? 0
-        duration: stage.hasFilm ? stage.preview.duration : stage.item.duration ?? 0
+        duration: stage.preview ? stage.preview.duration : stage.item.duration ?? 0
         playing: stage.preview?.isPlaying ?? false
         enabled: stage.hasFilm
         onToggled: stage.preview.togglePlaying()

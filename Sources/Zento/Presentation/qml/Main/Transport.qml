@@ -64,6 +64,7 @@ Item {
                 focusPolicy: Qt.StrongFocus
                 text: transport.playing ? qsTr("Pause") : qsTr("Play")
                 Accessible.name: text
+                Accessible.onPressAction: if (play.enabled) play.clicked()
                 onClicked: transport.toggled()
                 background: Rectangle {
                     radius: 20

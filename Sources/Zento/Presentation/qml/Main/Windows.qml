@@ -13,7 +13,7 @@ QtObject {
         MainWindow {
             id: mainWindow
 
-            visible: !App.recording.isApplicationHidden
+            visible: !App.recording.isApplicationHidden || goesToTaskbar
             onClosing: close => {
                 close.accepted = App.model.isEnding === true
                 if (!close.accepted)
@@ -98,41 +98,59 @@ QtObject {
             property bool isFree: false
 
             interval: 300
-            running: App.model.panel === FloatingPanel.AreaPicker && !blending.isBlended
+            running: App.model.panel === FloatingPanel.AreaPicker && !areas.isReady
             onTriggered: isFree = true
         },
         Instantiator {
-            active: App.model.panel === FloatingPanel.AreaPicker && (blending.isBlended || sight.isFree)
+            id: areas
+
+            // A picture the model has is marked; else the display itself, through the window.
+            readonly property bool hasPicture: App.model.choosesInDialog === true
+            readonly property bool isReady: hasPicture || blending.isBlended
+
+            active: App.model.panel === FloatingPanel.AreaPicker && (isReady || sight.isFree)
             onActiveChanged: if (!active) sight.isFree = false
             model: active ? App.model.displays() : []
             delegate: Window {
                 id: shade
 
                 required property rect modelData
+                // 1 but where the desktop places the window on another display than the picture's.
+                readonly property real stretch: areas.hasPicture ? modelData.width / Math.max(1, width) : 1
 
-                flags: Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint | Qt.BypassWindowManagerHint
+                flags: areas.hasPicture ? Qt.Window | Qt.FramelessWindowHint
+                    : Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint | Qt.BypassWindowManagerHint
+                screen: root.screenAt(modelData)
+                visible: true
+                visibility: areas.hasPicture ? Window.FullScreen : Window.Windowed
                 color: "transparent"
                 x: modelData.x
                 y: modelData.y
                 width: modelData.width
                 height: modelData.height
-                visible: true
                 Component.onCompleted: requestActivate()
                 Image {
                     anchors.fill: parent
                     cache: false
-                    source: blending.isBlended ? "" : "image://display/" + shade.modelData.x + "/" + shade.modelData.y
+                    source: areas.hasPicture || !blending.isBlended ? "image://display/" + shade.modelData.x + "/" + shade.modelData.y : ""
                 }
                 AreaPicker {
                     anchors.fill: parent
                     purpose: App.model.picksForShot ? qsTr("Drag over the part to shoot") : qsTr("Drag over the part to record")
-                    onPicked: area => App.model.finishArea(Qt.rect(area.x + shade.x, area.y + shade.y, area.width, area.height))
+                    onPicked: area => App.model.finishArea(Qt.rect(area.x * shade.stretch + shade.modelData.x,
+                        area.y * shade.stretch + shade.modelData.y, area.width * shade.stretch, area.height * shade.stretch))
                     onCancelled: App.model.cancelArea()
                 }
             }
         },
         Connections {
             target: App.recording
+            function onIsApplicationHiddenChanged() {
+                if (!App.recording.isApplicationHidden)
+                    mainWindow.leaveTaskbar()
+                else if (App.model.hidesInTaskbar === true)
+                    mainWindow.goToTaskbar()
+            }
             function onActivationRequested() {
                 mainWindow.show()
                 mainWindow.raise()
@@ -141,6 +159,14 @@ QtObject {
         }
     ]
 
+    function screenAt(display) {
+        for (let i = 0; i < Application.screens.length; ++i) {
+            const screen = Application.screens[i]
+            if (screen.virtualX === display.x && screen.virtualY === display.y)
+                return screen
+        }
+        return Application.screens[0]
+    }
     function showPermissions() {
         App.model.showInspector = true
         App.model.inspectorTab = "record"

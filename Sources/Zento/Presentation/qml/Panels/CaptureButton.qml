@@ -15,7 +15,11 @@ T.Button {
     focusPolicy: Qt.StrongFocus
     Accessible.name: text
     Accessible.description: tip
-    Keys.onReturnPressed: {
+    Accessible.onPressAction: if (enabled) press()
+    Accessible.onToggleAction: if (enabled) press()
+    Keys.onReturnPressed: press()
+
+    function press() {
         if (checkable) {
             toggle()
             toggled()

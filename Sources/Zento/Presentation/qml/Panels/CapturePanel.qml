@@ -55,6 +55,7 @@ FocusScope {
         }
         CaptureButton {
             enabled: panel.canRecord
+            visible: App.permissions.window
             iconName: "window"
             iconColor: Theme.record
             text: qsTr("Window")
@@ -90,6 +91,7 @@ FocusScope {
             onClicked: panel.leave(() => App.model.run("screenshotScreen"))
         }
         CaptureButton {
+            visible: App.permissions.window
             iconName: "window"
             text: qsTr("Window")
             Accessible.name: qsTr("Screenshot a window")
@@ -102,6 +104,7 @@ FocusScope {
             onClicked: panel.leave(() => App.model.run("screenshotArea"))
         }
         CaptureButton {
+            visible: App.permissions.scrolling
             iconName: "scrolling"
             text: qsTr("Scrolling")
             Accessible.name: qsTr("Scrolling capture")

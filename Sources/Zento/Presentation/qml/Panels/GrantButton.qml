@@ -10,6 +10,7 @@ T.Button {
     focusPolicy: Qt.StrongFocus
     text: qsTr("Grant permissions to record →")
     Accessible.name: text
+    Accessible.onPressAction: if (control.enabled) control.clicked()
     Keys.onReturnPressed: clicked()
     background: Rectangle {
         radius: 10

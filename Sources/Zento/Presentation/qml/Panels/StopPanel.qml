@@ -48,6 +48,7 @@ Item {
         focusPolicy: Qt.StrongFocus
         text: qsTr("Stop")
         Accessible.name: text
+        Accessible.onPressAction: if (stop.enabled) stop.clicked()
         onClicked: panel.stopped()
         Keys.onReturnPressed: panel.stopped()
         background: Rectangle {

@@ -19,6 +19,7 @@ T.AbstractButton {
     Accessible.role: Accessible.Button
     Accessible.name: title.length > 0 ? title : application
     Accessible.description: application
+    Accessible.onPressAction: if (cell.enabled) cell.clicked()
     Keys.onReturnPressed: clicked()
     Keys.onEnterPressed: clicked()
     background: Rectangle {

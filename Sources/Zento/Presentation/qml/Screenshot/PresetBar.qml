@@ -150,6 +150,7 @@ Item {
             text: modelData.name
             Accessible.role: Accessible.RadioButton
             Accessible.name: text
+            Accessible.onPressAction: if (button.enabled) button.clicked()
             Accessible.checkable: true
             Accessible.checked: checked
             onClicked: bar.editor.presetID = modelData.value

@@ -9,11 +9,12 @@ Item {
     property string detail
     property bool granted: false
     property bool askable: false
+    property bool optional: false // nothing is lost but what `detail` says
 
     signal asked()
 
     width: parent ? parent.width : 496
-    implicitHeight: 52
+    implicitHeight: Math.max(52, words.y + words.implicitHeight + 8)
     Accessible.role: Accessible.StaticText
     Accessible.name: text
     Accessible.description: granted ? qsTr("Ready") : detail
@@ -36,8 +37,12 @@ Item {
         Accessible.ignored: true
     }
     Caption {
+        id: words
+
         x: 48
         y: 28
+        width: step.width - 48 - 96
+        wrapMode: Text.Wrap
         text: step.detail
         Accessible.ignored: true
     }
@@ -62,8 +67,8 @@ Item {
         anchors.right: parent.right
         anchors.verticalCenter: parent.verticalCenter
         visible: !step.granted && !step.askable
-        text: qsTr("Not available")
-        color: Theme.warning
+        text: step.optional ? qsTr("Optional") : qsTr("Not available")
+        color: step.optional ? Theme.textSecondary : Theme.warning
         Accessible.ignored: true
     }
     Button {

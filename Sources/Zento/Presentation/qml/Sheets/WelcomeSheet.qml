@@ -6,6 +6,8 @@ Sheet {
     id: sheet
 
     readonly property bool ready: App.permissions.canRecord
+    // On one line, as it is typed.
+    readonly property string inputCommand: App.inputCommand.replace(/ /g, "\u00a0").replace(/-/g, "\u2011")
 
     signal recordRequested()
 
@@ -107,7 +109,8 @@ Sheet {
                 iconName: "keyboard"
                 text: qsTr("Clicks and keys")
                 detail: App.permissions.needsInput ? qsTr("The edit is made from them.")
-                    : qsTr("Optional here: join the group input, or Zento goes by the pointer.")
+                    : qsTr("Without them, zooms follow the pointer. To allow them: %1, then log in again.").arg(sheet.inputCommand)
+                optional: !App.permissions.needsInput
                 granted: App.permissions.input
                 askable: App.permissions.needsInput
                 onAsked: App.permissions.requestInputPermission()
@@ -115,7 +118,8 @@ Sheet {
             PermissionStep {
                 iconName: "accessibility"
                 text: qsTr("Accessibility")
-                detail: qsTr("To know what was clicked.")
+                detail: App.permissions.needsInput ? qsTr("To know what was clicked.")
+                    : qsTr("Optional, to know what was clicked.")
                 granted: App.permissions.accessibility
                 askable: true
                 onAsked: App.permissions.requestAccessibilityPermission()

@@ -31,42 +31,22 @@ FocusScope {
             height: parent.height
         }
     }
-    Repeater {
-        model: track.line.cuts
-        delegate: Item {
-            id: cut
+    CutMarks {
+        readonly property int onBeat: cuts.filter(cut => cut.isOnBeat).length
 
-            required property var modelData
-
-            x: Math.round(modelData.x)
-            height: track.height
-            Accessible.role: Accessible.Graphic
-            Accessible.name: modelData.isOnBeat ? qsTr("Cut on the beat") : qsTr("Cut")
-            Repeater {
-                model: 8
-                delegate: Rectangle {
-                    required property int index
-
-                    y: index * 7 + 2
-                    width: 1
-                    height: 4
-                    color: Theme.primary
-                }
-            }
-            Rectangle { // round and green on a beat, else a grey corner
-                readonly property int side: cut.modelData.isOnBeat ? 9 : 6
-
-                x: -Math.floor(side / 2)
-                y: x
-                width: side
-                height: side
-                radius: cut.modelData.isOnBeat ? side / 2 : 0
-                rotation: cut.modelData.isOnBeat ? 0 : 45
-                color: cut.modelData.isOnBeat ? Theme.laneSound : Theme.textTertiary
-                border.width: cut.modelData.isOnBeat ? 1 : 0
-                border.color: Theme.base
-            }
-        }
+        x: -overhang
+        y: -overhang
+        width: parent.width + 2 * overhang
+        height: parent.height + overhang
+        visible: cuts.length > 0
+        cuts: track.line.cuts
+        color: Theme.primary
+        cornerColor: Theme.textTertiary
+        beatColor: Theme.laneSound
+        edgeColor: Theme.base
+        Accessible.role: Accessible.Graphic
+        Accessible.name: (cuts.length === 1 ? qsTr("1 cut") : qsTr("%1 cuts").arg(cuts.length))
+            + (onBeat > 0 ? qsTr(", %1 on the beat").arg(onBeat) : "")
     }
     Rectangle { // what is kept
         x: track.line.trimStartX
@@ -149,22 +129,9 @@ FocusScope {
         track.line.cancelDrag()
     }
 
-    component Removed: Canvas {
-        visible: width > 0
-        onWidthChanged: requestPaint()
-        onPaint: {
-            const ink = getContext("2d")
-            ink.reset()
-            ink.fillStyle = Qt.rgba(Theme.base.r, Theme.base.g, Theme.base.b, 0.72)
-            ink.fillRect(0, 0, width, height)
-            ink.strokeStyle = Theme.lineStrong
-            ink.lineWidth = 3
-            ink.beginPath()
-            for (let x = -height; x < width + height; x += 10) {
-                ink.moveTo(x, height)
-                ink.lineTo(x + height, 0)
-            }
-            ink.stroke()
-        }
+    component Removed: Hatch {
+        visible: track.line.duration > 0 && width > 0
+        veil: Qt.rgba(Theme.base.r, Theme.base.g, Theme.base.b, 0.72)
+        color: Theme.lineStrong
     }
 }

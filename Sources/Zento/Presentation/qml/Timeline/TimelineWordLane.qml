@@ -18,6 +18,15 @@ FocusScope {
         draft.selectAll()
     }
 
+    function chipWidth(word) { return Math.max(4, (word?.width ?? 0) - 2) }
+    // Its row; of two that overlap the later one. -1 for none.
+    function wordAt(x) {
+        let at = line.words.length - 1
+        while (at >= 0 && (x < line.words[at].x || x >= line.words[at].x + chipWidth(line.words[at])))
+            --at
+        return at
+    }
+
     activeFocusOnTab: line.words.length > 0
     Accessible.role: Accessible.List
     Accessible.name: qsTr("Words")
@@ -38,15 +47,14 @@ FocusScope {
             id: chip
 
             required property var modelData
-            required property int index
 
             x: modelData.x
             y: 2
-            width: Math.max(4, modelData.width - 2)
+            width: lane.chipWidth(modelData)
             height: 24
             radius: Theme.radiusChip
             clip: true
-            color: Qt.rgba(Theme.laneWords.r, Theme.laneWords.g, Theme.laneWords.b, area.containsMouse ? 0.3 : 0.18)
+            color: Qt.rgba(Theme.laneWords.r, Theme.laneWords.g, Theme.laneWords.b, 0.18)
             Accessible.role: Accessible.ListItem
             Accessible.name: qsTr("%1, %2").arg(modelData.text).arg(lane.clock(modelData.time))
             Accessible.onPressAction: lane.edit(modelData)
@@ -55,33 +63,60 @@ FocusScope {
                 height: parent.height
                 color: Theme.laneWords
             }
-            Label {
-                x: 10
-                anchors.verticalCenter: parent.verticalCenter
-                width: Math.max(0, parent.width - 14)
-                visible: parent.width >= 28
-                text: chip.modelData.text
-                type: Theme.labelType
-                Accessible.ignored: true
-            }
-            FocusRing {
-                visible: lane.activeFocus && lane.current === chip.index
-                targetRadius: Theme.radiusChip
-            }
-            MouseArea {
-                id: area
-
-                anchors.fill: parent
-                hoverEnabled: true
-                onClicked: {
-                    lane.current = chip.index
-                    lane.edit(chip.modelData)
+            Loader {
+                active: chip.width >= 28
+                sourceComponent: Label {
+                    x: 10
+                    y: (chip.height - height) / 2
+                    width: chip.width - 14
+                    text: chip.modelData.text
+                    type: Theme.labelType
+                    Accessible.ignored: true
                 }
             }
-            Tip {
-                text: chip.modelData.text + qsTr("\n\nClick to edit this caption")
-                shown: area.containsMouse
+        }
+    }
+    Item {
+        readonly property var word: lane.activeFocus ? lane.line.words[lane.current] : undefined
+
+        x: word?.x ?? 0
+        y: 2
+        width: lane.chipWidth(word)
+        height: 24
+        visible: word !== undefined
+        FocusRing { targetRadius: Theme.radiusChip }
+    }
+    MouseArea {
+        id: pointer
+
+        readonly property int over: containsMouse ? lane.wordAt(mouseX) : -1
+
+        anchors.fill: parent
+        hoverEnabled: true
+        onClicked: mouse => {
+            const at = lane.wordAt(mouse.x)
+            if (at >= 0) {
+                lane.current = at
+                lane.edit(lane.line.words[at])
             }
+        }
+    }
+    Item {
+        readonly property var word: lane.line.words[pointer.over]
+
+        x: word?.x ?? 0
+        y: 2
+        width: lane.chipWidth(word)
+        height: 24
+        visible: word !== undefined
+        Rectangle {
+            anchors.fill: parent
+            radius: Theme.radiusChip
+            color: Qt.rgba(Theme.laneWords.r, Theme.laneWords.g, Theme.laneWords.b, 0.14)
+        }
+        Tip {
+            text: (parent.word?.text ?? "") + qsTr("\n\nClick to edit this caption")
+            shown: parent.word !== undefined
         }
     }
     T.Popup {

@@ -12,10 +12,7 @@ FocusScope {
     readonly property var levels: [1.35, 1.6, 1.9, 2.1]
 
     function zoom(id) {
-        for (const entry of line.zooms)
-            if (entry.id === id)
-                return entry
-        return null
+        return id < 0 ? null : line.zooms.find(entry => entry.id === id) ?? null
     }
     function goBy(count) {
         const all = line.zooms

@@ -1,7 +1,7 @@
 import QtQuick
 import Zento
 
-// One zoom of the lane, to look at.
+// One zoom of the lane, to look at. A film of hours has thousands: only what shows is made.
 Item {
     id: block
 
@@ -9,6 +9,7 @@ Item {
     property bool isHovered: false
     property bool isFocused: false
     property bool isLifted: false
+    readonly property color ink: zoom.enabled ? Theme.inkOnAccentFill : Theme.textTertiary
 
     Rectangle {
         anchors.fill: parent
@@ -18,49 +19,64 @@ Item {
         border.width: 1
         border.color: block.isHovered || block.isLifted ? Theme.accent : Theme.laneZoom
     }
-    Canvas {
+    Loader {
         anchors.fill: parent
-        visible: !block.zoom.enabled
-        onWidthChanged: requestPaint()
-        onPaint: {
-            const ink = getContext("2d")
-            ink.reset()
-            ink.strokeStyle = Theme.textTertiary
-            ink.setLineDash([3, 2])
-            ink.beginPath()
-            ink.roundedRect(0.5, 0.5, width - 1, height - 1, 6, 6)
-            ink.stroke()
+        active: !block.zoom.enabled
+        sourceComponent: DashedFrame {
+            radius: 6
+            color: Theme.textTertiary
         }
     }
-    Row {
-        id: label
+    Loader {
+        anchors.fill: parent
+        active: block.width >= 40
+        sourceComponent: Item { Inscription {} }
+    }
+    Loader {
+        x: parent.width - 6
+        anchors.verticalCenter: parent.verticalCenter
+        active: block.isHovered && block.width >= 20
+        sourceComponent: Rectangle {
+            width: 2
+            height: 14
+            radius: 1
+            color: Theme.inkOnAccentFill
+        }
+    }
+    Loader {
+        anchors.fill: parent
+        active: block.isFocused
+        sourceComponent: Item {
+            FocusRing { targetRadius: 6 }
+        }
+    }
 
+    component Inscription: Row {
         anchors.verticalCenter: parent.verticalCenter
         x: block.width < 72 ? Math.max(2, Math.min(10, (block.width - width) / 2)) : 10
         spacing: 6
-        // A level that is cut off says a wrong one.
-        visible: block.width >= 40 && level.implicitWidth + 4 <= block.width
+        visible: level.implicitWidth + 4 <= block.width // cut off, a level says a wrong one
         Rectangle {
             anchors.verticalCenter: parent.verticalCenter
             visible: block.zoom.edited && !block.zoom.added && block.width >= level.implicitWidth + 24
             width: 6
             height: 6
             radius: 3
-            color: level.color
+            color: block.ink
         }
         Icon {
             anchors.verticalCenter: parent.verticalCenter
             visible: block.zoom.added && block.width >= level.implicitWidth + 30
             name: "plus"
             size: 12
-            color: level.color
+            color: block.ink
         }
         Label {
             id: level
 
             text: block.zoom.zoom + "×"
             type: Theme.timeType
-            color: block.zoom.enabled ? Theme.inkOnAccentFill : Theme.textTertiary
+            color: block.ink
             Accessible.ignored: true
         }
         Label {
@@ -68,21 +84,8 @@ Item {
             width: Math.max(0, Math.min(implicitWidth, block.width - x - 20))
             text: block.zoom.title
             type: Theme.labelType
-            color: level.color
+            color: block.ink
             Accessible.ignored: true
         }
-    }
-    Rectangle {
-        visible: block.isHovered && block.width >= 20
-        x: parent.width - 6
-        anchors.verticalCenter: parent.verticalCenter
-        width: 2
-        height: 14
-        radius: 1
-        color: Theme.inkOnAccentFill
-    }
-    FocusRing {
-        visible: block.isFocused
-        targetRadius: 6
     }
 }

@@ -1,19 +1,23 @@
 #include "ZentoCapture/CameraRecorder.h"
 
+#include "ZentoCapture/Backends/CameraPortal.h"
 #include "ZentoCapture/Backends/PipeWireCameraStream.h"
 #include "ZentoCapture/Backends/PipeWireNodes.h"
 #include "ZentoCapture/CameraClock.h"
+#include "ZentoCapture/MonotonicClock.h"
 #include "ZentoCore/Error.h"
 #include "ZentoMedia/WebcamWriter.h"
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cmath>
 #include <exception>
 #include <iostream>
 #include <iterator>
 #include <limits>
 #include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -21,24 +25,40 @@ namespace zento {
 
 namespace {
 
-PipeWireLoop connected()
+constexpr double kTimeToBeShown = 2; // seconds
+constexpr std::chrono::milliseconds kLook{20};
+
+PipeWireLoop connected(CameraAccess access)
 {
+    const int remote = access == CameraAccess::Portal ? openCameraRemote() : -1;
     try {
-        return PipeWireLoop("capture.camera");
+        return PipeWireLoop("capture.camera", remote);
     } catch (const Error& error) {
         throw Error(ErrorCode::kNoCamera, std::string("no camera: ") + error.what());
     }
 }
 
-/// The camera's id if there is such a one. Throws when there is none at all.
-std::optional<std::string>
-chosenCamera(PipeWireLoop& loop, const std::optional<std::string>& deviceID)
+std::vector<PipeWireNode> camerasOf(PipeWireLoop& loop, const PipeWireNodes& nodes)
 {
-    const PipeWireNodes nodes(loop, [] {});
     const PipeWireLoop::Lock lock(loop);
     std::vector<PipeWireNode> cameras;
     if (loop.roundTrip()) {
         std::ranges::copy_if(nodes.nodes(), std::back_inserter(cameras), &PipeWireNode::isCamera);
+    }
+    return cameras;
+}
+
+/// The camera's id if there is such a one. Throws when there is none at all. What a portal lets be
+/// seen comes some moments after the connection.
+std::optional<std::string>
+chosenCamera(PipeWireLoop& loop, const std::optional<std::string>& deviceID, CameraAccess access)
+{
+    const PipeWireNodes nodes(loop, [] {});
+    const double end = monotonicSeconds() + (access == CameraAccess::Portal ? kTimeToBeShown : 0);
+    auto cameras = camerasOf(loop, nodes);
+    while (cameras.empty() && monotonicSeconds() < end) {
+        std::this_thread::sleep_for(kLook);
+        cameras = camerasOf(loop, nodes);
     }
     if (cameras.empty()) {
         throw Error(ErrorCode::kNoCamera, "no camera");
@@ -57,7 +77,10 @@ std::filesystem::path removed(std::filesystem::path file)
 } // namespace
 
 struct CameraRecorder::State {
-    State(const std::filesystem::path& file, const std::optional<std::string>& deviceID);
+    State(
+        const std::filesystem::path& file,
+        const std::optional<std::string>& deviceID,
+        CameraAccess access);
 
     void append(const CameraFrame& frame) noexcept;
     void fail(const std::string& reason) noexcept;
@@ -73,9 +96,11 @@ struct CameraRecorder::State {
 };
 
 CameraRecorder::State::State(
-    const std::filesystem::path& file, const std::optional<std::string>& deviceID)
-    : loop(connected())
-    , target(chosenCamera(loop, deviceID))
+    const std::filesystem::path& file,
+    const std::optional<std::string>& deviceID,
+    CameraAccess access)
+    : loop(connected(access))
+    , target(chosenCamera(loop, deviceID, access))
     , writer(removed(file))
 {
     stream.emplace(
@@ -110,13 +135,22 @@ void CameraRecorder::State::fail(const std::string& reason) noexcept
     }
 }
 
-CameraRecorder::CameraRecorder() = default;
+CameraAccess cameraAccess()
+{
+    return isSandboxed() ? CameraAccess::Portal : CameraAccess::Direct;
+}
+
+CameraRecorder::CameraRecorder(CameraAccess access)
+    : m_access(access)
+{
+}
+
 CameraRecorder::~CameraRecorder() = default;
 
 void CameraRecorder::start(
     const std::filesystem::path& file, const std::optional<std::string>& deviceID)
 {
-    m_state = std::make_unique<State>(file, deviceID);
+    m_state = std::make_unique<State>(file, deviceID, m_access);
 }
 
 std::optional<double> CameraRecorder::stop() noexcept

@@ -1,8 +1,15 @@
 #include "ZentoCapture/Desktop.h"
 
+#include "ZentoCore/Error.h"
+
 #include <algorithm>
 
 namespace zento {
+
+std::unique_ptr<ScrollWheel> Desktop::scrollWheel(const std::stop_token& /*stop*/)
+{
+    throw Error(ErrorCode::kNoInput, "this desktop does not let programs scroll");
+}
 
 namespace {
 

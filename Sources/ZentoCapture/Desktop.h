@@ -4,6 +4,7 @@
 #include "ZentoCapture/ElementLookup.h"
 #include "ZentoCapture/FrameSource.h"
 #include "ZentoCapture/InputSource.h"
+#include "ZentoCapture/ScrollWheel.h"
 #include "ZentoCore/Geometry.h"
 
 #include <cstdint>
@@ -94,6 +95,11 @@ public:
 
     virtual std::unique_ptr<InputSource> inputSource() = 0;
     virtual std::unique_ptr<ElementLookup> elementLookup() = 0;
+
+    /// A hand on the user's wheel. Where the user chooses, they are asked for it together with the
+    /// monitor, and areas and displays are that monitor's for the rest of this object's life.
+    /// Throws `Error` as `choose`, and kNoInput where no program may turn the wheel.
+    virtual std::unique_ptr<ScrollWheel> scrollWheel(const std::stop_token& stop);
 };
 
 /// The desktop of this session. Throws `Error` with the code 20 when there is none.

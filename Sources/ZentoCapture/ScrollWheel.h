@@ -28,7 +28,7 @@ public:
 };
 
 /// The wheel of an X display, through XTEST. `displayName` as in the environment's `DISPLAY`;
-/// absent, that. Throws `Error` with the code 20 without a display, 25 if it takes no such input.
-std::unique_ptr<ScrollWheel> openScrollWheel(const std::optional<std::string>& displayName = {});
+/// empty: that. Throws `Error` with the code 20 without a display, 25 if it takes no such input.
+std::unique_ptr<ScrollWheel> openScrollWheel(const std::string& displayName);
 
 } // namespace zento

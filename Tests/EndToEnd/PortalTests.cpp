@@ -1,14 +1,18 @@
 #include "DesktopTest.h"
+#include "SoundStage/FakeCamera.h"
 #include "TestSupport/TemporaryFolder.h"
+#include "WaylandStage/Page.h"
 #include "WaylandStage/WaylandStage.h"
 #include "WaylandStage/WaylandUser.h"
 #include "ZentoCapture/Backends/PortalDesktop.h"
+#include "ZentoCapture/CameraRecorder.h"
 #include "ZentoCapture/CaptureSession.h"
 #include "ZentoCapture/GlobalShortcuts.h"
 #include "ZentoCapture/Journal.h"
 #include "ZentoCapture/MonotonicClock.h"
 #include "ZentoCapture/ScreenshotTool.h"
 #include "ZentoCapture/ScrollWheel.h"
+#include "ZentoCapture/ScrollingCapture.h"
 #include "ZentoCore/EditPlan.h"
 #include "ZentoCore/FileIO.h"
 #include "ZentoCore/SessionBundle.h"
@@ -364,12 +368,17 @@ TEST_F(PortalTest, aRecordingThatIsCutOffIsWhole)
 {
     struct Case {
         const char* name;
+        CaptureTarget target;
         std::function<void()> cutOff;
         bool isWanted;
     };
-    for (const Case& each :
-         {Case{"revoked", [] { stage().revoke(); }, true},
-          Case{"the compositor has died", [] { stage().killCompositor(); }, false}}) {
+    for (const Case& each : std::vector<Case>{
+             {"revoked", Target::Display{}, [] { stage().revoke(); }, true},
+             {"its window has closed", Target::Window{0}, [] { stage().endClient(); }, false},
+             {"the compositor has died",
+              Target::Display{},
+              [] { stage().killCompositor(); },
+              false}}) {
         const auto folder = m_folder / each.name;
         PortalDesktop desktop(parts());
         CaptureSession session(folder, desktop);
@@ -380,6 +389,7 @@ TEST_F(PortalTest, aRecordingThatIsCutOffIsWhole)
             end = error;
         };
         stage().startClient();
+        session.target = each.target;
         session.start();
         {
             WaylandUser user(stage());
@@ -684,7 +694,67 @@ TEST_F(PortalTest, theDesktopTakesItsOwnPictureIfItDoes)
     PortalDesktop desktop(parts());
     EXPECT_EQ(ScreenshotTool::capture(desktop, Target::Display{}).image->width(), 30);
     EXPECT_FALSE(std::filesystem::exists(file)) << "it was made for us";
-    EXPECT_THROW(openScrollWheel(), Error) << "nothing turns the wheel here";
+}
+
+TEST_P(ScaledPortalTest, aPageIsScrolledWithAHandThatTheUserLends)
+{
+    const double scale = GetParam();
+    stage().setScale(scale);
+    stage().startPage();
+    PortalDesktop desktop(parts());
+    const unsigned before = stage().dialogs();
+    const auto wheel = desktop.scrollWheel({});
+    const Rect area{100, 60, 300, 480};
+    ASSERT_TRUE(eventually([&] { // the compositor lets windows fade in
+        const Shot first = ScreenshotTool::capture(desktop, Target::Area{area});
+        return first.image->pixels().row(0)[20] == test::Page::colour(static_cast<int>(area.y));
+    }));
+    const ScrolledShot scrolled = ScrollingCapture::run(
+        area,
+        {.shoot = [&] { return ScreenshotTool::capture(desktop, Target::Area{area}); },
+         .wheel = *wheel,
+         .settle = settle});
+    EXPECT_EQ(stage().dialogs(), before + 1);
+    const Canvas& image = *scrolled.shot.image;
+    const double below = test::Page::kHeight - WaylandStage::kHeight / scale;
+    EXPECT_EQ(image.width(), area.w * scale);
+    ASSERT_EQ(image.height(), (area.h + below) * scale)
+        << testing::PrintToString(stage().clientLines()) << scrolled.seams.size() << ' '
+        << wheel->pointer().value_or(Vec2{}).x << ' ' << wheel->pointer().value_or(Vec2{}).y;
+    int wrong = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        const int row = static_cast<int>(area.y + (y + 0.5) / scale);
+        // At a fraction of a scale a row may show two stripes.
+        const bool isWithin =
+            row % test::Page::kStripe > 1 && row % test::Page::kStripe < test::Page::kStripe - 2;
+        wrong += isWithin && image.pixels().row(y)[20] != test::Page::colour(row) ? 1 : 0;
+    }
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(PortalTest, aHandThatIsNotLentIsASentence)
+{
+    struct Case {
+        const char* name;
+        const char* answer;
+        unsigned devices;
+        int code;
+    };
+    for (const Case& each :
+         {Case{"no", "no", 7, ErrorCode::kPortalDenied},
+          Case{"only to look", "yes", 0, ErrorCode::kNoInput}}) {
+        stage().answer(each.answer);
+        stage().lendDevices(each.devices);
+        PortalDesktop desktop(parts());
+        try {
+            desktop.scrollWheel({});
+            ADD_FAILURE() << each.name;
+        } catch (const Error& error) {
+            EXPECT_EQ(error.code(), each.code) << each.name << ": " << error.what();
+            EXPECT_STRNE(error.what(), "") << each.name;
+        }
+    }
+    stage().lendDevices(7);
 }
 
 TEST_F(PortalTest, aKeyOfTheDesktopReachesTheProgram)
@@ -716,6 +786,34 @@ TEST_F(PortalTest, aKeyOfTheDesktopReachesTheProgram)
     ASSERT_TRUE(eventually([&] { return count() > 0; }));
     const std::lock_guard lock(mutex);
     EXPECT_THAT(pressed, testing::ElementsAre("capturePanel"));
+}
+
+TEST_F(PortalTest, theCameraComesThroughItsPortalInASandbox)
+{
+    const std::vector<std::uint8_t> grey(std::size_t{64} * 48 * 3 / 2, 128);
+    const test::FakeCamera camera(
+        "cam",
+        {.form = test::FakeCameraForm::I420, .width = 64, .height = 48, .rate = 30},
+        [&](int, double) { return grey; });
+    const auto file = m_folder / "webcam.mov";
+    stage().answer("no");
+    CameraRecorder refused(CameraAccess::Portal);
+    try {
+        refused.start(file, {});
+        ADD_FAILURE() << "it was refused";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.code(), ErrorCode::kNoCamera) << error.what();
+    }
+    EXPECT_FALSE(refused.stop());
+
+    stage().forgetCamera();
+    stage().answer("yes");
+    CameraRecorder recorder(CameraAccess::Portal);
+    recorder.start(file, {});
+    ASSERT_TRUE(eventually([&] { return recorder.startTime().has_value(); }));
+    ASSERT_TRUE(eventually([&, shown = camera.shown()] { return camera.shown() > shown + 3; }));
+    EXPECT_TRUE(recorder.stop());
+    EXPECT_TRUE(VideoDecoder(file).next());
 }
 
 TEST_F(PortalTest, aDesktopThatDoesNotTellThePointerIsRecordedWithItsOwn)

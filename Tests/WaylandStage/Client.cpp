@@ -4,12 +4,17 @@
 //
 // Its window is over the whole screen. With sizes as arguments, "800x600", it has no border and the
 // first of them; the key R gives it the next one, and "sized W H" is printed once it is painted.
+// With "page" it shows a page that the wheel moves and nothing else: "wheel Y" is how far.
+
+#include "WaylandStage/Page.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QRasterWindow>
+#include <QWheelEvent>
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 #include <vector>
@@ -92,6 +97,29 @@ private:
     int m_keys = 0;
 };
 
+class PageWindow final : public QRasterWindow {
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        for (int y = 0; y < height(); ++y)
+            painter.fillRect(0, y, width(), 1, QColor(zento::test::Page::colour(m_top + y)));
+        std::printf("wheel %d\n", m_top);
+        std::fflush(stdout);
+    }
+
+    void wheelEvent(QWheelEvent* event) override
+    {
+        const int notches = event->angleDelta().y() / QWheelEvent::DefaultDeltasPerStep;
+        const int last = std::max(0, zento::test::Page::kHeight - height());
+        m_top = std::clamp(m_top - notches * zento::test::Page::kNotch, 0, last);
+        update();
+    }
+
+private:
+    int m_top = 0;
+};
+
 std::vector<QSize> sizesOf(const QStringList& words)
 {
     std::vector<QSize> sizes;
@@ -105,6 +133,11 @@ std::vector<QSize> sizesOf(const QStringList& words)
 int main(int argc, char** argv)
 {
     const QGuiApplication application(argc, argv);
+    if (QGuiApplication::arguments().contains(QStringLiteral("page"))) {
+        PageWindow page;
+        page.showFullScreen();
+        return QGuiApplication::exec();
+    }
     const std::vector<QSize> sizes = sizesOf(QGuiApplication::arguments());
     ClientWindow window(sizes);
     if (sizes.empty())

@@ -29,7 +29,7 @@ constexpr BusInterface kDisplays{
 
 constexpr std::string_view kBackend = R"([portal]
 DBusName=org.freedesktop.impl.portal.desktop.stage
-Interfaces=org.freedesktop.impl.portal.ScreenCast;org.freedesktop.impl.portal.GlobalShortcuts;org.freedesktop.impl.portal.Screenshot;org.freedesktop.impl.portal.Access;
+Interfaces=org.freedesktop.impl.portal.ScreenCast;org.freedesktop.impl.portal.RemoteDesktop;org.freedesktop.impl.portal.GlobalShortcuts;org.freedesktop.impl.portal.Screenshot;org.freedesktop.impl.portal.Access;
 UseIn=stage
 )";
 
@@ -189,6 +189,11 @@ pid_t WaylandStage::startClient(std::vector<std::string> sizes)
     return startInFront(sizes);
 }
 
+pid_t WaylandStage::startPage()
+{
+    return startInFront({WAYLAND_CLIENT, "page"});
+}
+
 pid_t WaylandStage::startGtkClient(const std::string& state)
 {
     return startInFront({"/usr/bin/python3", GTK_CLIENT, state});
@@ -196,15 +201,21 @@ pid_t WaylandStage::startGtkClient(const std::string& state)
 
 pid_t WaylandStage::startInFront(const std::vector<std::string>& command)
 {
+    endClient();
+    m_client = start("client.log", command);
+    waitUntil([&] { return !clientLines().empty(); }, kPatience, "no client", {});
+    return m_client;
+}
+
+void WaylandStage::endClient()
+{
     if (m_client != 0) {
         ::kill(m_client, SIGTERM);
         waitUntil(
             [&] { return !ProcessGroup::isRunning(m_client); }, kPatience, "a client stays", {});
         std::filesystem::remove(m_home.path() / "client.log");
+        m_client = 0;
     }
-    m_client = start("client.log", command);
-    waitUntil([&] { return !clientLines().empty(); }, kPatience, "no client", {});
-    return m_client;
 }
 
 std::vector<std::string> WaylandStage::clientLines() const
@@ -243,6 +254,11 @@ void WaylandStage::setCursorModes(unsigned modes)
     startPortal();
 }
 
+void WaylandStage::lendDevices(unsigned types)
+{
+    tell("SetDevices", g_variant_new("(u)", types));
+}
+
 unsigned WaylandStage::dialogs()
 {
     guint32 count = 0;
@@ -275,6 +291,16 @@ std::vector<std::string> WaylandStage::shortcuts()
 void WaylandStage::setShot(const std::filesystem::path& picture)
 {
     tell("SetShot", g_variant_new("(s)", ("file://" + picture.string()).c_str()));
+}
+
+void WaylandStage::forgetCamera()
+{
+    constexpr const char* kStore = "org.freedesktop.impl.portal.PermissionStore";
+    m_bus->call(
+        {kStore, "/org/freedesktop/impl/portal/PermissionStore", kStore},
+        "Delete",
+        g_variant_new("(ss)", "devices", "camera"),
+        kAnswer);
 }
 
 void WaylandStage::killCompositor()

@@ -39,18 +39,25 @@ public:
     /// the screen. It tells what it sees of the user, a line each. `sizes`: "800x600", of a window
     /// that is not over the whole screen; the key R gives it the next one.
     pid_t startClient(std::vector<std::string> sizes = {});
+    /// The same with a `Page` over the whole screen, which is not as tall.
+    pid_t startPage();
+
     /// The same with a program of GTK 3, which has a button. `state`: "window" or "fullscreen".
     pid_t startGtkClient(const std::string& state);
+    void endClient(); // whichever was started last
     std::vector<std::string> clientLines() const;
 
     // What the portal's user does. `answer`: "yes", "no" or "never".
     void answer(const std::string& answer);
     void setCursorModes(unsigned modes); // starts the portal anew: it asks its backend once
+    void lendDevices(unsigned types);    // of those that are asked for: keyboard 1, pointer 2
     unsigned dialogs();                  // that have been shown so far
     void revoke();                       // every leave that was given
     void press(const std::string& shortcut);
     std::vector<std::string> shortcuts(); // that are bound: "id: description"
     void setShot(const std::filesystem::path& picture);
+
+    void forgetCamera(); // what was answered when the camera was asked for
 
     void killCompositor();
 

@@ -11,6 +11,7 @@ from gi.repository import GLib
 
 NAME = "org.freedesktop.impl.portal.desktop.stage"
 SCREEN_CAST = "org.freedesktop.impl.portal.ScreenCast"
+REMOTE_DESKTOP = "org.freedesktop.impl.portal.RemoteDesktop"
 SHORTCUTS = "org.freedesktop.impl.portal.GlobalShortcuts"
 SCREENSHOT = "org.freedesktop.impl.portal.Screenshot"
 ACCESS = "org.freedesktop.impl.portal.Access"
@@ -21,6 +22,7 @@ PROPERTIES = dbus.PROPERTIES_IFACE
 MONITOR = 1  # of a source's types
 WINDOW = 2
 MUTTER = "org.gnome.Mutter.ScreenCast"
+MUTTER_HAND = "org.gnome.Mutter.RemoteDesktop"
 
 dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
 bus = dbus.SessionBus()
@@ -33,6 +35,7 @@ def vardict(values):
 class State:
     answer = "yes"  # "no", "never"
     cursor_modes = 7
+    devices = 7  # that the user lends, of those that are asked for
     sessions = {}
     dialogs = 0  # how often a user would have been asked
     shot = ""
@@ -44,6 +47,8 @@ class Session(dbus.service.Object):
         self.path = path
         self.options = {}
         self.stream = None
+        self.stream_path = ""
+        self.hand = None
         self.shortcuts = []
 
     @dbus.service.method(SESSION)
@@ -55,9 +60,10 @@ class Session(dbus.service.Object):
         pass
 
     def end(self):
-        if self.stream is not None:
+        running = self.hand or self.stream
+        if running is not None:
             try:
-                self.stream.Stop()
+                running.Stop()
             except dbus.DBusException:
                 pass
         State.sessions.pop(self.path, None)
@@ -76,6 +82,9 @@ class Backend(dbus.service.Object):
                 "AvailableSourceTypes": dbus.UInt32(3),
                 "AvailableCursorModes": dbus.UInt32(State.cursor_modes),
                 "version": dbus.UInt32(4)})
+        if interface == REMOTE_DESKTOP:
+            return vardict({
+                "AvailableDeviceTypes": dbus.UInt32(7), "version": dbus.UInt32(1)})
         return vardict({"version": dbus.UInt32({SHORTCUTS: 1, SCREENSHOT: 2}.get(interface, 0))})
 
 
@@ -94,45 +103,100 @@ class ScreenCast(dbus.service.Object):
         SCREEN_CAST, in_signature="oossa{sv}", out_signature="ua{sv}",
         async_callbacks=("reply", "fail"))
     def Start(self, handle, session, app, parent, options, reply, fail):
-        wanted = State.sessions[session].options
-        if "restore_data" not in wanted:
-            State.dialogs += 1
-        if State.answer == "never":
-            return
-        if State.answer == "no":
-            reply(dbus.UInt32(1), vardict({}))
-            return
-        mutter = bus.get_object(MUTTER, "/org/gnome/Mutter/ScreenCast")
-        path = mutter.CreateSession(vardict({}), dbus_interface=MUTTER)
-        cast = dbus.Interface(bus.get_object(MUTTER, path), MUTTER + ".Session")
-        State.sessions[session].stream = cast
-        mode = {1: 0, 2: 1, 4: 2}[int(wanted.get("cursor_mode", 1))]
-        how = vardict({"cursor-mode": dbus.UInt32(mode)})
-        kind = int(wanted.get("types", MONITOR))
-        # The window that has the keyboard is the one that is chosen.
-        stream = cast.RecordWindow(how) if kind == WINDOW else cast.RecordMonitor("", how)
-        shown = bus.get_object(MUTTER, stream)
-        signals = dbus.Interface(shown, MUTTER + ".Stream")
+        show(State.sessions[session], reply, {})
 
-        def added(node):
-            properties = vardict({"source_type": dbus.UInt32(kind)})
-            told = shown.Get(MUTTER + ".Stream", "Parameters", dbus_interface=PROPERTIES)
-            for name in ("position", "size"):
-                if name in told:
-                    properties[name] = told[name]
-            streams = dbus.Array(
-                [dbus.Struct((dbus.UInt32(node), properties), signature="ua{sv}")],
-                signature="(ua{sv})")
-            results = {"streams": streams}
-            if int(wanted.get("persist_mode", 0)) > 0:
-                results["persist_mode"] = dbus.UInt32(wanted["persist_mode"])
-                results["restore_data"] = dbus.Struct(
-                    ("stage", dbus.UInt32(1), dbus.String("monitor", variant_level=1)),
-                    signature="suv")
-            reply(dbus.UInt32(0), vardict(results))
 
-        signals.connect_to_signal("PipeWireStreamAdded", added)
-        cast.Start()
+def show(session, reply, results):
+    """Starts what the user has chosen, and answers with that and the results."""
+    wanted = session.options
+    if "restore_data" not in wanted:
+        State.dialogs += 1
+    if State.answer == "never":
+        return
+    if State.answer == "no":
+        reply(dbus.UInt32(1), vardict({}))
+        return
+    mutter = bus.get_object(MUTTER, "/org/gnome/Mutter/ScreenCast")
+    of_hand = {"remote-desktop-session-id": session.hand.id} if session.hand else {}
+    path = mutter.CreateSession(vardict(of_hand), dbus_interface=MUTTER)
+    session.stream = cast = dbus.Interface(bus.get_object(MUTTER, path), MUTTER + ".Session")
+    mode = {1: 0, 2: 1, 4: 2}[int(wanted.get("cursor_mode", 1))]
+    how = vardict({"cursor-mode": dbus.UInt32(mode)})
+    kind = int(wanted.get("types", MONITOR))
+    # The window that has the keyboard is the one that is chosen.
+    stream = cast.RecordWindow(how) if kind == WINDOW else cast.RecordMonitor("", how)
+    session.stream_path = stream
+    shown = bus.get_object(MUTTER, stream)
+    signals = dbus.Interface(shown, MUTTER + ".Stream")
+
+    def added(node):
+        properties = vardict({"source_type": dbus.UInt32(kind)})
+        told = shown.Get(MUTTER + ".Stream", "Parameters", dbus_interface=PROPERTIES)
+        for name in ("position", "size"):
+            if name in told:
+                properties[name] = told[name]
+        results["streams"] = dbus.Array(
+            [dbus.Struct((dbus.UInt32(node), properties), signature="ua{sv}")],
+            signature="(ua{sv})")
+        if int(wanted.get("persist_mode", 0)) > 0:
+            results["persist_mode"] = dbus.UInt32(wanted["persist_mode"])
+            results["restore_data"] = dbus.Struct(
+                ("stage", dbus.UInt32(1), dbus.String("monitor", variant_level=1)),
+                signature="suv")
+        reply(dbus.UInt32(0), vardict(results))
+
+    signals.connect_to_signal("PipeWireStreamAdded", added)
+    (session.hand or cast).Start()
+
+
+class Hand:
+    """The compositor's side of a session that may move the pointer."""
+
+    def __init__(self):
+        mutter = bus.get_object(MUTTER_HAND, "/org/gnome/Mutter/RemoteDesktop")
+        path = mutter.CreateSession(dbus_interface=MUTTER_HAND)
+        proxy = bus.get_object(MUTTER_HAND, path)
+        self.session = dbus.Interface(proxy, MUTTER_HAND + ".Session")
+        self.id = proxy.Get(MUTTER_HAND + ".Session", "SessionId", dbus_interface=PROPERTIES)
+
+    def Start(self):
+        self.session.Start()
+
+    def Stop(self):
+        self.session.Stop()
+
+
+class RemoteDesktop(dbus.service.Object):
+    @dbus.service.method(REMOTE_DESKTOP, in_signature="oosa{sv}", out_signature="ua{sv}")
+    def CreateSession(self, handle, session, app, options):
+        State.sessions[session] = Session(session)
+        return 0, vardict({})
+
+    @dbus.service.method(REMOTE_DESKTOP, in_signature="oosa{sv}", out_signature="ua{sv}")
+    def SelectDevices(self, handle, session, app, options):
+        State.sessions[session].devices = int(options["types"]) & State.devices
+        return 0, vardict({})
+
+    @dbus.service.method(
+        REMOTE_DESKTOP, in_signature="oossa{sv}", out_signature="ua{sv}",
+        async_callbacks=("reply", "fail"))
+    def Start(self, handle, session, app, parent, options, reply, fail):
+        chosen = State.sessions[session]
+        chosen.hand = Hand()
+        show(chosen, reply, {"devices": dbus.UInt32(chosen.devices)})
+
+    @dbus.service.method(REMOTE_DESKTOP, in_signature="oa{sv}udd")
+    def NotifyPointerMotionAbsolute(self, session, options, stream, x, y):
+        chosen = State.sessions[session]
+        chosen.hand.session.NotifyPointerMotionAbsolute(chosen.stream_path, x, y)
+
+    @dbus.service.method(REMOTE_DESKTOP, in_signature="oa{sv}dd")
+    def NotifyPointerMotion(self, session, options, dx, dy):
+        State.sessions[session].hand.session.NotifyPointerMotionRelative(dx, dy)
+
+    @dbus.service.method(REMOTE_DESKTOP, in_signature="oa{sv}ui")
+    def NotifyPointerAxisDiscrete(self, session, options, axis, steps):
+        State.sessions[session].hand.session.NotifyPointerAxisDiscrete(axis, steps)
 
 
 class Shortcuts(dbus.service.Object):
@@ -189,6 +253,10 @@ class Control(dbus.service.Object):
     def SetCursorModes(self, modes):
         State.cursor_modes = int(modes)
 
+    @dbus.service.method(CONTROL, in_signature="u")
+    def SetDevices(self, devices):
+        State.devices = int(devices)
+
     @dbus.service.method(CONTROL, in_signature="s")
     def SetShot(self, uri):
         State.shot = str(uri)
@@ -217,7 +285,7 @@ class Control(dbus.service.Object):
                 self.Deactivated(session.path, shortcut, stamp, vardict({}))
 
 
-class Stage(Backend, ScreenCast, Shortcuts, Screenshots, Access, Control):
+class Stage(Backend, ScreenCast, RemoteDesktop, Shortcuts, Screenshots, Access, Control):
     pass
 
 

@@ -1,4 +1,5 @@
 #include "TestSupport/TemporaryFolder.h"
+#include "ZentoCapture/Backends/CardMemory.h"
 #include "ZentoCapture/Backends/DeviceKeys.h"
 #include "ZentoCapture/Backends/PortalInputSource.h"
 #include "ZentoCapture/Backends/PortalScreen.h"
@@ -7,6 +8,7 @@
 #include "ZentoCapture/Backends/StreamFrames.h"
 #include "ZentoCapture/KeyLabel.h"
 #include "ZentoCapture/PointerTrack.h"
+#include "ZentoCore/FileDescriptor.h"
 #include "ZentoCore/FileIO.h"
 
 #include <gmock/gmock.h>
@@ -15,13 +17,17 @@
 #include <spa/buffer/buffer.h>
 #include <spa/buffer/meta.h>
 #include <sys/eventfd.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -202,6 +208,18 @@ public:
     spa_buffer buffer{};
 };
 
+/// A pixel's three colours from the highest bits down, with `free` bits below them.
+std::vector<std::uint8_t>
+tenBits(std::uint32_t high, std::uint32_t middle, std::uint32_t low, unsigned free = 0)
+{
+    const std::uint32_t word = (high << 20U | middle << 10U | low) << free;
+    return {
+        static_cast<std::uint8_t>(word),
+        static_cast<std::uint8_t>(word >> 8U),
+        static_cast<std::uint8_t>(word >> 16U),
+        static_cast<std::uint8_t>(word >> 24U)};
+}
+
 TEST(ScreenUpdate, everyOrderOfColoursBecomesTheSame)
 {
     struct Case {
@@ -215,13 +233,17 @@ TEST(ScreenUpdate, everyOrderOfColoursBecomesTheSame)
              {"xRGB", {4, 3, 2, 1}, {9, 3, 2, 1}},
              {"xBGR", {4, 1, 2, 3}, {9, 1, 2, 3}},
              {"BGR", {3, 0, 1, 2}, {1, 2, 3}},
-             {"RGB", {3, 2, 1, 0}, {3, 2, 1}}}) {
+             {"RGB", {3, 2, 1, 0}, {3, 2, 1}},
+             {"xRGB of 10 bits", {4, 0, 10, 20, 10}, tenBits(12, 8, 4)},
+             {"xBGR of 10 bits", {4, 20, 10, 0, 10}, tenBits(4, 8, 12)},
+             {"RGBx of 10 bits", {4, 2, 12, 22, 10}, tenBits(12, 8, 4, 2)},
+             {"BGRx of 10 bits", {4, 22, 12, 2, 10}, tenBits(4, 8, 12, 2)}}) {
         std::vector<std::uint8_t> bytes;
         for (int i = 0; i < 6; ++i)
             bytes.insert(bytes.end(), each.pixel.begin(), each.pixel.end());
         const Buffer buffer(bytes);
         const auto result =
-            screenUpdate({.width = 3, .height = 2, .order = each.order}, buffer.buffer, nullptr, 1);
+            screenUpdate({.width = 3, .height = 2, .order = each.order}, buffer.buffer, {}, 1);
         ASSERT_TRUE(result.picture) << each.name;
         std::array<std::uint32_t, 2> pixels{};
         copyAsBgrx(*result.picture, {1, 1, 2, 1}, pixels.data());
@@ -237,7 +259,7 @@ TEST(ScreenUpdate, tellsWhatTheBufferHolds)
     whole.header.pts = 99'990'000'000;
     whole.cursor.id = 1;
     whole.cursor.position = {3, -2};
-    const auto all = screenUpdate(form, whole.buffer, nullptr, 100);
+    const auto all = screenUpdate(form, whole.buffer, {}, 100);
     EXPECT_DOUBLE_EQ(all.time, 99.99);
     EXPECT_EQ(all.pointer, (Vec2{3, -2}));
     ASSERT_TRUE(all.picture);
@@ -246,36 +268,109 @@ TEST(ScreenUpdate, tellsWhatTheBufferHolds)
     Buffer pointerOnly(bytes);
     pointerOnly.chunk.size = 0;
     pointerOnly.cursor.id = 1;
-    EXPECT_FALSE(screenUpdate(form, pointerOnly.buffer, nullptr, 1).picture);
-    EXPECT_TRUE(screenUpdate(form, pointerOnly.buffer, nullptr, 1).pointer);
+    EXPECT_FALSE(screenUpdate(form, pointerOnly.buffer, {}, 1).picture);
+    EXPECT_TRUE(screenUpdate(form, pointerOnly.buffer, {}, 1).pointer);
 
     Buffer torn(bytes);
     torn.data.maxsize = 60;
-    EXPECT_FALSE(screenUpdate(form, torn.buffer, nullptr, 1).picture) << "less than a picture";
+    EXPECT_FALSE(screenUpdate(form, torn.buffer, {}, 1).picture) << "less than a picture";
     Buffer damaged(bytes);
     damaged.chunk.flags = SPA_CHUNK_FLAG_CORRUPTED;
-    EXPECT_FALSE(screenUpdate(form, damaged.buffer, nullptr, 1).picture);
+    EXPECT_FALSE(screenUpdate(form, damaged.buffer, {}, 1).picture);
 
     Buffer hidden(bytes);
     hidden.header.pts = 5'000'000'000;
-    const auto quiet = screenUpdate(form, hidden.buffer, nullptr, 100);
+    const auto quiet = screenUpdate(form, hidden.buffer, {}, 100);
     EXPECT_FALSE(quiet.pointer);
     EXPECT_EQ(quiet.time, 100) << "a stamp of another clock";
 
     Buffer window(bytes);
     window.crop.region = {{1, 1}, {2, 3}};
     window.damage[0].region = {{1, 2}, {1, 1}};
-    const auto cut = screenUpdate(form, window.buffer, nullptr, 1);
+    window.cursor.id = 1;
+    window.cursor.position = {3, 3};
+    const auto cut = screenUpdate(form, window.buffer, {}, 1);
     ASSERT_TRUE(cut.picture);
     EXPECT_EQ(cut.picture->width, 2);
     EXPECT_EQ(cut.picture->height, 3);
     EXPECT_EQ(cut.picture->data, window.bytes.data() + 20);
     EXPECT_THAT(cut.damage, testing::ElementsAre(PixelRect{0, 1, 1, 1}));
+    EXPECT_EQ(cut.pointer, (Vec2{2, 2}));
+    EXPECT_EQ(cut.stream, (Vec2{4, 4}));
 
     Buffer mapped(bytes);
     mapped.data.data = nullptr;
-    EXPECT_FALSE(screenUpdate(form, mapped.buffer, nullptr, 1).picture);
-    EXPECT_TRUE(screenUpdate(form, mapped.buffer, bytes.data(), 1).picture);
+    EXPECT_FALSE(screenUpdate(form, mapped.buffer, {}, 1).picture);
+    EXPECT_TRUE(screenUpdate(form, mapped.buffer, bytes, 1).picture);
+}
+
+TEST(ScreenUpdate, aBufferThatIsWrongAboutItselfShowsNothingOutsideItsMemory)
+{
+    constexpr int kWidth = 4;
+    constexpr int kHeight = 4;
+    const ScreenForm form{.width = kWidth, .height = kHeight};
+    const std::vector<std::int64_t> values{
+        0, 1, -1, 15, 16, -16, 17, 64, -64, 65, 1000, INT32_MAX, INT32_MIN, UINT32_MAX};
+    int shown = 0;
+    for (const std::int64_t offset : values) {
+        for (const std::int64_t stride : values) {
+            for (const std::int64_t side : values) {
+                Buffer buffer(std::vector<std::uint8_t>(80, 7));
+                buffer.chunk.offset = static_cast<std::uint32_t>(offset);
+                buffer.chunk.stride = static_cast<std::int32_t>(stride);
+                const auto place = static_cast<std::int32_t>(side);
+                const auto size = static_cast<std::uint32_t>(side);
+                buffer.crop.region = {{place, -place / 2}, {size, size}};
+                buffer.damage[0].region = buffer.crop.region;
+                const auto update = screenUpdate(form, buffer.buffer, {}, 1);
+                if (!update.picture)
+                    continue;
+                ++shown;
+                const ForeignPicture& picture = *update.picture;
+                for (const int y : {0, picture.height - 1}) {
+                    const std::uint8_t* const row = picture.data + y * picture.stride;
+                    ASSERT_GE(row, buffer.bytes.data()) << offset << ' ' << stride << ' ' << side;
+                    ASSERT_LE(row + picture.width * 4, buffer.bytes.data() + buffer.bytes.size())
+                        << offset << ' ' << stride << ' ' << side;
+                }
+            }
+        }
+    }
+    EXPECT_GT(shown, 0);
+    Buffer upsideDown(std::vector<std::uint8_t>(64));
+    upsideDown.bytes[48] = 9;
+    upsideDown.data.data = upsideDown.bytes.data();
+    upsideDown.chunk.stride = -16;
+    const auto turned = screenUpdate(form, upsideDown.buffer, {}, 1);
+    ASSERT_TRUE(turned.picture);
+    EXPECT_EQ(*turned.picture->data, 9);
+}
+
+TEST(CardMemory, isAsMuchOfTheFileAsThereIs)
+{
+    const FileDescriptor file(::memfd_create("card", MFD_CLOEXEC));
+    std::vector<std::uint8_t> content(100);
+    std::iota(content.begin(), content.end(), std::uint8_t{0});
+    ASSERT_EQ(::write(file.get(), content.data(), content.size()), 100);
+    struct Case {
+        const char* name;
+        std::size_t offset;
+        std::size_t bytes;
+        std::size_t expected;
+    };
+    for (const Case& each :
+         {Case{"a part", 10, 20, 20},
+          Case{"its rest", 10, 0, 90},
+          Case{"more than there is", 10, 1000, 90},
+          Case{"past its end", 100, 10, 0}}) {
+        const CardMemory memory(file.get(), each.offset, each.bytes);
+        const CardMemory::Reading reading(memory);
+        ASSERT_EQ(memory.bytes().size(), each.expected) << each.name;
+        if (each.expected > 0) {
+            EXPECT_EQ(memory.bytes().back(), each.offset + each.expected - 1) << each.name;
+        }
+    }
+    EXPECT_TRUE(CardMemory(-1, 0, 100).bytes().empty());
 }
 
 TEST(PointerTrack, isOnItsWayBetweenSamplesAndLeavesARestAtOnce)

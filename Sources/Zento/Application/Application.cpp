@@ -48,7 +48,7 @@ std::vector<ShotPresets::Picture> desktopPictures()
 ScrolledShot shootScrolling(const Rect& area, const std::stop_token& stop)
 {
     const auto desktop = openDesktop();
-    const auto wheel = openScrollWheel();
+    const auto wheel = desktop->scrollWheel(stop);
     return ScrollingCapture::run(
         area,
         {.shoot = [&] { return ScreenshotTool::capture(*desktop, Target::Area{area}); },

@@ -1,17 +1,17 @@
 #include "ZentoCapture/Backends/PipeWireScreenStream.h"
 
+#include "ZentoCapture/Backends/CardMemory.h"
 #include "ZentoCapture/Backends/ScreenStreamFormat.h"
 #include "ZentoCapture/MonotonicClock.h"
 #include "ZentoCore/Error.h"
 
-#include <linux/dma-buf.h>
 #include <pipewire/pipewire.h>
 #include <spa/param/param.h>
 #include <spa/pod/builder.h>
-#include <sys/ioctl.h>
-#include <sys/mman.h>
 
 #include <array>
+#include <optional>
+#include <span>
 #include <utility>
 
 // The library's macros cast as C does.
@@ -33,48 +33,6 @@ pw_properties* streamProperties()
     pw_properties_set(properties, PW_KEY_NODE_DONT_RECONNECT, "true");
     return properties;
 }
-
-/// Memory of a graphics card, mapped as it lies.
-class CardMemory {
-public:
-    explicit CardMemory(const spa_data& data)
-        : m_file(static_cast<int>(data.fd))
-        , m_bytes(data.mapoffset + data.maxsize)
-        , m_offset(data.mapoffset)
-        , m_memory(::mmap(nullptr, m_bytes, PROT_READ, MAP_SHARED, m_file, 0))
-    {
-    }
-    ~CardMemory()
-    {
-        if (m_memory != MAP_FAILED) {
-            ::munmap(m_memory, m_bytes);
-        }
-    }
-    CardMemory(const CardMemory&) = delete;
-    CardMemory& operator=(const CardMemory&) = delete;
-
-    const void* data() const
-    {
-        return m_memory == MAP_FAILED ? nullptr : static_cast<const char*>(m_memory) + m_offset;
-    }
-
-    enum class Reading : unsigned char { Begins, Ends };
-
-    /// Memory that is no card's refuses, and needs none of it.
-    void announce(Reading reading) const
-    {
-        dma_buf_sync sync{};
-        sync.flags = DMA_BUF_SYNC_READ
-                     | (reading == Reading::Begins ? DMA_BUF_SYNC_START : DMA_BUF_SYNC_END);
-        ::ioctl(m_file, DMA_BUF_IOCTL_SYNC, &sync);
-    }
-
-private:
-    int m_file;
-    std::size_t m_bytes;
-    std::size_t m_offset;
-    void* m_memory;
-};
 
 } // namespace
 
@@ -214,7 +172,11 @@ void PipeWireScreenStream::State::bufferAdded(void* /*self*/, pw_buffer* buffer)
 {
     const spa_buffer& spa = *buffer->buffer;
     if (spa.n_datas > 0 && spa.datas[0].type == SPA_DATA_DmaBuf && spa.datas[0].data == nullptr) {
-        buffer->user_data = new CardMemory(spa.datas[0]); // NOLINT: until `bufferRemoved`
+        const spa_data& block = spa.datas[0];
+        buffer->user_data = new CardMemory( // NOLINT: until `bufferRemoved`
+            static_cast<int>(block.fd),
+            block.mapoffset,
+            block.maxsize);
     }
 }
 
@@ -246,14 +208,15 @@ void PipeWireScreenStream::State::picturesCame(void* self, std::uint64_t /*count
 void PipeWireScreenStream::State::read(const ScreenForm& itsForm, pw_buffer& buffer) const
 {
     const auto* const card = static_cast<const CardMemory*>(buffer.user_data);
+    std::optional<CardMemory::Reading> reading;
     if (card != nullptr) {
-        card->announce(CardMemory::Reading::Begins);
+        reading.emplace(*card);
     }
     handlers.update(screenUpdate(
-        itsForm, *buffer.buffer, card == nullptr ? nullptr : card->data(), monotonicSeconds()));
-    if (card != nullptr) {
-        card->announce(CardMemory::Reading::Ends);
-    }
+        itsForm,
+        *buffer.buffer,
+        card == nullptr ? std::span<const std::uint8_t>() : card->bytes(),
+        monotonicSeconds()));
 }
 
 void PipeWireScreenStream::State::nodeRemoved(void* self, std::uint32_t id)

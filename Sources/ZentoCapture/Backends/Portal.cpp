@@ -168,6 +168,12 @@ Variant entry(_GVariant* dictionary, const char* name, const char* type)
     return Variant(g_variant_lookup_value(dictionary, name, G_VARIANT_TYPE(type)));
 }
 
+unsigned numberEntry(_GVariant* dictionary, const char* name)
+{
+    const Variant value = entry(dictionary, name, "u");
+    return value ? g_variant_get_uint32(value.get()) : 0;
+}
+
 std::optional<std::string> textEntry(_GVariant* dictionary, const char* name)
 {
     const Variant value = entry(dictionary, name, "s");

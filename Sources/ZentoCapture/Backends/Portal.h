@@ -83,6 +83,7 @@ private:
 
 // An entry of a response; nothing where there is none of that type.
 std::optional<std::string> textEntry(_GVariant* dictionary, const char* name);
+unsigned numberEntry(_GVariant* dictionary, const char* name); // 0 where there is none
 Variant entry(_GVariant* dictionary, const char* name, const char* type);
 
 } // namespace zento

@@ -1,6 +1,7 @@
 #include "ZentoCapture/Backends/PortalDesktop.h"
 
 #include "ZentoCapture/Backends/PortalInputSource.h"
+#include "ZentoCapture/Backends/PortalScrollWheel.h"
 #include "ZentoCapture/DesktopServices.h"
 #include "ZentoCore/Error.h"
 
@@ -77,9 +78,18 @@ PortalDesktop::PortalDesktop(Parts parts)
 
 void PortalDesktop::choose(const CaptureTarget& target, const std::stop_token& stop)
 {
-    m_screen = std::make_shared<PortalScreen>(
-        choiceFor(target), m_parts.tokens, m_parts.patience, m_pointer, stop);
+    if (m_hasHand && !std::holds_alternative<Target::Window>(target)) {
+        return; // it was chosen with the wheel
+    }
+    show(choiceFor(target), stop);
+}
+
+void PortalDesktop::show(const ScreenChoice& choice, const std::stop_token& stop)
+{
+    m_screen =
+        std::make_shared<PortalScreen>(choice, m_parts.tokens, m_parts.patience, m_pointer, stop);
     m_looked->set(m_screen);
+    m_hasHand = choice.hand != ScreenChoice::Hand::None;
 }
 
 void PortalDesktop::forgetChoice(const CaptureTarget& target)
@@ -183,6 +193,12 @@ std::unique_ptr<InputSource> PortalDesktop::inputSource()
 std::unique_ptr<ElementLookup> PortalDesktop::elementLookup()
 {
     return std::make_unique<PortalLookup>(m_looked);
+}
+
+std::unique_ptr<ScrollWheel> PortalDesktop::scrollWheel(const std::stop_token& stop)
+{
+    show({ScreenChoice::Kind::Monitor, "wheel", ScreenChoice::Hand::Pointer}, stop);
+    return std::make_unique<PortalScrollWheel>(m_screen, m_pointer, m_parts.openDevices());
 }
 
 } // namespace zento

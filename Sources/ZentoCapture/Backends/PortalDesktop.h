@@ -40,13 +40,17 @@ public:
     std::unique_ptr<FrameSource> frameSource(const FrameRequest& request) override;
     std::unique_ptr<InputSource> inputSource() override;
     std::unique_ptr<ElementLookup> elementLookup() override;
+    std::unique_ptr<ScrollWheel> scrollWheel(const std::stop_token& stop) override;
 
 private:
+    void show(const ScreenChoice& choice, const std::stop_token& stop);
+
     Parts m_parts;
     std::shared_ptr<PointerTrack> m_pointer;
     std::shared_ptr<PortalScreen> m_screen; // once chosen
     std::shared_ptr<PortalLookup::Screen> m_looked = std::make_shared<PortalLookup::Screen>();
     bool m_readsDevices = false;
+    bool m_hasHand = false; // on the pointer of what was chosen
 };
 
 } // namespace zento

@@ -72,12 +72,18 @@ double streamScale(double pixels, double points)
 }
 
 struct PortalScreen::State {
-    State(ScreenCastSession& itsSession, std::shared_ptr<PointerTrack> itsPointer)
+    State(
+        ScreenCastSession& itsSession,
+        ScreenChoice::Hand hand,
+        std::shared_ptr<PointerTrack> itsPointer)
         : offered(itsSession.stream())
         , pointer(std::move(itsPointer))
         , loop("capture.video", itsSession.openRemote())
         , pacer(loop, [this] { pace(monotonicSeconds()); })
         , ender(loop, [this] { tellEnd(); })
+        , frames(
+              hand == ScreenChoice::Hand::None ? StreamFrames::Keeps::UntilBegin
+                                               : StreamFrames::Keeps::Always)
     {
     }
 
@@ -161,7 +167,7 @@ PortalScreen::PortalScreen(
     const std::stop_token& stop)
 {
     auto session = std::make_unique<ScreenCastSession>(choice, tokens, patience, stop);
-    m_state = std::make_unique<State>(*session, std::move(pointer));
+    m_state = std::make_unique<State>(*session, choice.hand, std::move(pointer));
     State& state = *m_state;
     state.session = std::move(session);
     state.stream = std::make_unique<PipeWireScreenStream>(
@@ -198,6 +204,11 @@ double PortalScreen::scale() const
 bool PortalScreen::tellsPointer() const
 {
     return m_state->session->tellsPointer();
+}
+
+const ScreenCastSession& PortalScreen::session() const
+{
+    return *m_state->session;
 }
 
 ShownPlace PortalScreen::place() const

@@ -43,10 +43,14 @@ public:
 
     bool tellsPointer() const;
 
+    /// The session, for what a hand does.
+    const ScreenCastSession& session() const;
+
     /// What is shown at this moment. Any thread.
     ShownPlace place() const;
 
-    /// From here on frames are handed over. `part`: pixels of the stream, within it.
+    /// From here on frames are handed over; with a hand, time and again. `part`: pixels of the
+    /// stream, within it.
     void
     begin(const PixelRect& part, FrameSource::FrameHandler onFrame, FrameSource::EndHandler onEnd);
 

@@ -17,11 +17,15 @@ namespace zento {
 namespace {
 
 constexpr const char* kScreenCast = "org.freedesktop.portal.ScreenCast";
+constexpr const char* kRemoteDesktop = "org.freedesktop.portal.RemoteDesktop";
 constexpr const char* kSession = "org.freedesktop.portal.Session";
 constexpr unsigned kMonitors = 1;
 constexpr unsigned kWindows = 2;
 constexpr unsigned kUntilRevoked = 2; // persist_mode
 constexpr unsigned kFirstWithTokens = 4;
+constexpr unsigned kFirstHandWithTokens = 2;
+constexpr unsigned kPointer = 2; // of the types of devices
+constexpr unsigned kVertical = 0;
 
 enum CursorMode : unsigned { Hidden = 1, Embedded = 2, Metadata = 4 };
 
@@ -72,11 +76,14 @@ struct ScreenCastSession::State {
     }
 
     void create(const std::stop_token& stop);
+    void selectPointer(const std::optional<std::string>& token, const std::stop_token& stop);
     void select(
         const ScreenChoice& choice,
         const std::optional<std::string>& token,
         const std::stop_token& stop);
     Variant start(const std::stop_token& stop);
+    void act(const char* method, _GVariant* arguments) const;
+    const char* owner() const { return hasHand ? kRemoteDesktop : kScreenCast; }
     Variant choose(
         const ScreenChoice& choice,
         const std::optional<std::string>& token,
@@ -90,6 +97,7 @@ struct ScreenCastSession::State {
     SessionBus bus;
     Portal portal;
     std::string path; // of the session
+    bool hasHand = false;
     unsigned mode = Hidden;
     ScreenCastStream stream;
     std::atomic<bool> isClosed = false;
@@ -100,7 +108,7 @@ struct ScreenCastSession::State {
 void ScreenCastSession::State::create(const std::stop_token& stop)
 {
     const Variant results = portal.request(
-        kScreenCast,
+        owner(),
         "CreateSession",
         [](PortalOptions& options) { options.set("session_handle_token", Portal::newToken()); },
         [](GVariant* options) { return g_variant_new("(@a{sv})", options); },
@@ -112,12 +120,38 @@ void ScreenCastSession::State::create(const std::stop_token& stop)
     }
 }
 
+void setToken(PortalOptions& options, const std::optional<std::string>& token)
+{
+    options.set("persist_mode", kUntilRevoked);
+    if (token) {
+        options.set("restore_token", *token);
+    }
+}
+
+void ScreenCastSession::State::selectPointer(
+    const std::optional<std::string>& token, const std::stop_token& stop)
+{
+    portal.request(
+        kRemoteDesktop,
+        "SelectDevices",
+        [&](PortalOptions& options) {
+            options.set("types", kPointer);
+            if (portal.version(kRemoteDesktop) >= kFirstHandWithTokens) {
+                setToken(options, token);
+            }
+        },
+        [&](GVariant* options) { return g_variant_new("(o@a{sv})", path.c_str(), options); },
+        Portal::Asks::Nobody,
+        stop);
+}
+
 void ScreenCastSession::State::select(
     const ScreenChoice& choice,
     const std::optional<std::string>& token,
     const std::stop_token& stop)
 {
-    const bool keepsTokens = portal.version(kScreenCast) >= kFirstWithTokens;
+    // A hand's session is remembered with the hand or not at all.
+    const bool keepsTokens = !hasHand && portal.version(kScreenCast) >= kFirstWithTokens;
     mode = cursorMode(portal.number(kScreenCast, "AvailableCursorModes"));
     portal.request(
         kScreenCast,
@@ -127,10 +161,7 @@ void ScreenCastSession::State::select(
             options.set("multiple", /*value=*/false);
             options.set("cursor_mode", mode);
             if (keepsTokens) {
-                options.set("persist_mode", kUntilRevoked);
-            }
-            if (keepsTokens && token) {
-                options.set("restore_token", *token);
+                setToken(options, token);
             }
         },
         [&](GVariant* options) { return g_variant_new("(o@a{sv})", path.c_str(), options); },
@@ -141,7 +172,7 @@ void ScreenCastSession::State::select(
 Variant ScreenCastSession::State::start(const std::stop_token& stop)
 {
     return portal.request(
-        kScreenCast,
+        owner(),
         "Start",
         [](PortalOptions&) {},
         [&](GVariant* options) { return g_variant_new("(os@a{sv})", path.c_str(), "", options); },
@@ -154,8 +185,18 @@ Variant ScreenCastSession::State::choose(
     const std::optional<std::string>& token,
     const std::stop_token& stop)
 {
+    hasHand = choice.hand == ScreenChoice::Hand::Pointer;
+    if (hasHand && (portal.number(kRemoteDesktop, "AvailableDeviceTypes") & kPointer) == 0) {
+        throw Error(
+            ErrorCode::kNoInput,
+            "a page cannot be scrolled for you here, as this desktop's portal lets no program turn "
+            "the wheel; shoot the parts that can be seen");
+    }
     create(stop);
     try {
+        if (hasHand) {
+            selectPointer(token, stop);
+        }
         select(choice, token, stop);
         return start(stop);
     } catch (const Error&) {
@@ -199,6 +240,13 @@ ScreenCastSession::ScreenCastSession(
         throw Error(ErrorCode::kPortalFailed, "the desktop's ScreenCast portal shows nothing");
     }
     m_state->stream = *stream;
+    if (m_state->hasHand && (numberEntry(results.get(), "devices") & kPointer) == 0) {
+        m_state->close();
+        throw Error(
+            ErrorCode::kNoInput,
+            "a page can only be scrolled for you if the desktop's dialog is let to control the "
+            "pointer");
+    }
 }
 
 ScreenCastSession::~ScreenCastSession()
@@ -229,6 +277,41 @@ int ScreenCastSession::openRemote()
         "OpenPipeWireRemote",
         g_variant_new("(o@a{sv})", m_state->path.c_str(), options.end()),
         m_state->portal.patience().service);
+}
+
+void ScreenCastSession::State::act(const char* method, _GVariant* arguments) const
+{
+    bus.call(Portal::interface(kRemoteDesktop), method, arguments, portal.patience().service);
+}
+
+void ScreenCastSession::movePointer(Vec2 place) const
+{
+    PortalOptions options;
+    m_state->act(
+        "NotifyPointerMotionAbsolute",
+        g_variant_new(
+            "(o@a{sv}udd)",
+            m_state->path.c_str(),
+            options.end(),
+            m_state->stream.node,
+            place.x,
+            place.y));
+}
+
+void ScreenCastSession::movePointerBy(Vec2 way) const
+{
+    PortalOptions options;
+    m_state->act(
+        "NotifyPointerMotion",
+        g_variant_new("(o@a{sv}dd)", m_state->path.c_str(), options.end(), way.x, way.y));
+}
+
+void ScreenCastSession::turnWheel(int notches) const
+{
+    PortalOptions options;
+    m_state->act(
+        "NotifyPointerAxisDiscrete",
+        g_variant_new("(o@a{sv}ui)", m_state->path.c_str(), options.end(), kVertical, notches));
 }
 
 void ScreenCastSession::watch(std::function<void()> closed)

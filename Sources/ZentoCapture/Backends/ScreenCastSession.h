@@ -18,6 +18,10 @@ struct ScreenChoice {
     enum class Kind : unsigned char { Monitor, Window };
     Kind kind = Kind::Monitor;
     std::string name; // under which the choice is remembered
+
+    /// What the program may do besides looking.
+    enum class Hand : unsigned char { None, Pointer };
+    Hand hand = Hand::None;
 };
 
 /// A stream the desktop offers, by the number it has over the session's own connection.
@@ -35,7 +39,8 @@ struct ScreenCastStream {
 /// Threading: one thread at a time. `closed` runs on a thread of its own, "capture.portal".
 class ScreenCastSession {
 public:
-    /// Blocks until the user has chosen. Throws `Error` as `Portal::request`.
+    /// Blocks until the user has chosen. Throws `Error` as `Portal::request`, and kNoInput where
+    /// the desktop lets no program have a hand, or the user has not given it.
     ScreenCastSession(
         const ScreenChoice& choice,
         const RestoreTokens& tokens,
@@ -53,8 +58,13 @@ public:
     /// A connection to PipeWire that sees the stream, for the caller to own. Throws `Error`.
     int openRemote();
 
+    // With a hand on the pointer; while `watch` runs, too. Throws `Error`.
+    void movePointer(Vec2 place) const; // in the stream, in points; some desktops take pixels
+    void movePointerBy(Vec2 way) const; // points
+    void turnWheel(int notches) const;  // down, over where the pointer is
+
     /// From here on the desktop is listened to: `closed` runs once if it takes the leave back. To
-    /// be called once, after which nothing else is.
+    /// be called once, after which nothing else is but what a hand does.
     void watch(std::function<void()> closed);
 
 private:

@@ -10,11 +10,12 @@ namespace zento {
 /// Where a pixel's colours stand in memory.
 struct PixelOrder {
     int bytes = 4; // of a pixel, 3 or 4
-    int blue = 0;  // the byte that holds it
+    int blue = 0;  // the byte that holds it; of 10 bits, its lowest bit in the little-endian word
     int green = 1;
     int red = 2;
+    int bits = 8; // of a colour, 8 or 10
 
-    bool isBgrx() const { return bytes == 4 && blue == 0 && green == 1 && red == 2; }
+    bool isBgrx() const { return *this == PixelOrder{}; }
     bool operator==(const PixelOrder&) const = default;
 };
 
@@ -27,8 +28,8 @@ struct ForeignPicture {
     PixelOrder order;
 };
 
-/// Copies `area` of the picture, as B, G, R and 255, to rows of `area.width` pixels. The area lies
-/// within the picture.
+/// Copies `area` of the picture, as B, G, R and 255, ten bits rounded to eight, to rows of
+/// `area.width` pixels. The area lies within the picture.
 void copyAsBgrx(const ForeignPicture& picture, const PixelRect& area, std::uint32_t* pixels);
 
 } // namespace zento

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
 
 namespace zento {
 
@@ -20,13 +21,18 @@ const Meta* meta(const spa_buffer& buffer, spa_meta_type type)
     return static_cast<const Meta*>(spa_buffer_find_meta_data(&buffer, type, sizeof(Meta)));
 }
 
+/// Within what can be reckoned with.
 PixelRect rectOf(const spa_region& region)
 {
+    constexpr int kFar = 1 << 20; // pixels
+    const auto size = [](std::uint32_t value) {
+        return static_cast<int>(std::min<std::uint32_t>(value, kFar));
+    };
     return {
-        region.position.x,
-        region.position.y,
-        static_cast<int>(region.size.width),
-        static_cast<int>(region.size.height)};
+        std::clamp(region.position.x, -kFar, kFar),
+        std::clamp(region.position.y, -kFar, kFar),
+        size(region.size.width),
+        size(region.size.height)};
 }
 
 double timeOf(const spa_buffer& buffer, double now)
@@ -59,24 +65,31 @@ PixelRect shownPart(const ScreenForm& form, const spa_buffer& buffer)
     return part.isEmpty() ? whole : part;
 }
 
+/// The memory of a buffer's first block; empty if it is not to be had.
+std::span<const std::uint8_t> memoryOf(const spa_data& block, std::span<const std::uint8_t> mapped)
+{
+    if (block.data == nullptr) {
+        return mapped;
+    }
+    return {static_cast<const std::uint8_t*>(block.data), block.maxsize};
+}
+
 std::optional<ForeignPicture>
-pictureOf(const ScreenForm& form, const spa_buffer& buffer, const void* data)
+pictureOf(const ScreenForm& form, const spa_buffer& buffer, std::span<const std::uint8_t> mapped)
 {
     const spa_data& block = buffer.datas[0];
-    if (block.data != nullptr) {
-        data = block.data;
-    }
-    if (data == nullptr || block.chunk->size == 0 || isDamaged(buffer)) {
+    const auto memory = memoryOf(block, mapped);
+    if (memory.empty() || block.chunk->size == 0 || isDamaged(buffer)) {
         return {};
     }
     const std::ptrdiff_t rowBytes = std::ptrdiff_t{form.width} * form.order.bytes;
     const std::ptrdiff_t stride = block.chunk->stride == 0 ? rowBytes : block.chunk->stride;
     const std::ptrdiff_t needed = std::abs(stride) * (form.height - 1) + rowBytes;
-    const std::ptrdiff_t offset = std::min(block.chunk->offset, block.maxsize);
-    if (std::abs(stride) < rowBytes || needed > std::ptrdiff_t{block.maxsize} - offset) {
+    const auto offset = static_cast<std::ptrdiff_t>(block.chunk->offset);
+    if (std::abs(stride) < rowBytes || needed > std::ssize(memory) - offset) {
         return {};
     }
-    const auto* first = static_cast<const std::uint8_t*>(data) + offset;
+    const std::uint8_t* first = memory.data() + offset;
     if (stride < 0) {
         first -= stride * (form.height - 1);
     }
@@ -108,14 +121,17 @@ std::vector<PixelRect> damageOf(const spa_buffer& buffer, const PixelRect& part)
 
 } // namespace
 
-ScreenUpdate
-screenUpdate(const ScreenForm& form, const spa_buffer& buffer, const void* data, double now)
+ScreenUpdate screenUpdate(
+    const ScreenForm& form,
+    const spa_buffer& buffer,
+    std::span<const std::uint8_t> mapped,
+    double now)
 {
     ScreenUpdate update{.time = timeOf(buffer, now)};
     update.stream = {static_cast<double>(form.width), static_cast<double>(form.height)};
     const PixelRect part = shownPart(form, buffer);
     if (buffer.n_datas > 0) {
-        update.picture = pictureOf(form, buffer, data);
+        update.picture = pictureOf(form, buffer, mapped);
         update.damage = damageOf(buffer, part);
     }
     const auto* const cursor = meta<spa_meta_cursor>(buffer, SPA_META_Cursor);

@@ -5,7 +5,9 @@
 #include "ZentoCapture/Backends/ScreenStreamFormat.h"
 #include "ZentoCore/Geometry.h"
 
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
 struct spa_buffer; // NOLINT(readability-identifier-naming): the library's own name
@@ -21,9 +23,15 @@ struct ScreenUpdate {
     Vec2 stream;                   // pixels, of the whole that the picture may be cut from
 };
 
-/// `data`: the memory of the first block, where the library has not mapped it. `now`: for a buffer
-/// without a stamp, or with one that is not of this clock.
-ScreenUpdate
-screenUpdate(const ScreenForm& form, const spa_buffer& buffer, const void* data, double now);
+/// Whatever the buffer says of itself, nothing outside its memory is shown: a picture that would
+/// not lie in it is none.
+///
+/// `mapped`: the memory of the first block, where the library has not mapped it. `now`: for a
+/// buffer without a stamp, or with one that is not of this clock.
+ScreenUpdate screenUpdate(
+    const ScreenForm& form,
+    const spa_buffer& buffer,
+    std::span<const std::uint8_t> mapped,
+    double now);
 
 } // namespace zento

@@ -21,7 +21,8 @@ struct Form {
     PixelOrder order;
 };
 
-constexpr std::array<Form, 10> kForms{
+/// Ten bits come last: they are read when nothing else is offered.
+constexpr std::array<Form, 18> kForms{
     {{SPA_VIDEO_FORMAT_BGRx, {4, 0, 1, 2}},
      {SPA_VIDEO_FORMAT_BGRA, {4, 0, 1, 2}},
      {SPA_VIDEO_FORMAT_RGBx, {4, 2, 1, 0}},
@@ -31,7 +32,15 @@ constexpr std::array<Form, 10> kForms{
      {SPA_VIDEO_FORMAT_xBGR, {4, 1, 2, 3}},
      {SPA_VIDEO_FORMAT_ABGR, {4, 1, 2, 3}},
      {SPA_VIDEO_FORMAT_BGR, {3, 0, 1, 2}},
-     {SPA_VIDEO_FORMAT_RGB, {3, 2, 1, 0}}}};
+     {SPA_VIDEO_FORMAT_RGB, {3, 2, 1, 0}},
+     {SPA_VIDEO_FORMAT_xRGB_210LE, {4, 0, 10, 20, 10}},
+     {SPA_VIDEO_FORMAT_ARGB_210LE, {4, 0, 10, 20, 10}},
+     {SPA_VIDEO_FORMAT_xBGR_210LE, {4, 20, 10, 0, 10}},
+     {SPA_VIDEO_FORMAT_ABGR_210LE, {4, 20, 10, 0, 10}},
+     {SPA_VIDEO_FORMAT_RGBx_102LE, {4, 2, 12, 22, 10}},
+     {SPA_VIDEO_FORMAT_RGBA_102LE, {4, 2, 12, 22, 10}},
+     {SPA_VIDEO_FORMAT_BGRx_102LE, {4, 22, 12, 2, 10}},
+     {SPA_VIDEO_FORMAT_BGRA_102LE, {4, 22, 12, 2, 10}}}};
 
 constexpr std::int64_t kLinear = 0; // DRM_FORMAT_MOD_LINEAR
 constexpr unsigned kHighestRate = 60;

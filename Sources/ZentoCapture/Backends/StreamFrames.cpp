@@ -33,8 +33,10 @@ void StreamFrames::take(const ScreenUpdate& update, double now)
     const ForeignPicture& picture = *update.picture;
     const bool hasNewSize = m_size != sizeOf(picture);
     m_size = sizeOf(picture);
-    if (!m_onFrame) {
+    if (!m_onFrame || m_keeps == Keeps::Always) {
         keepWhole(picture);
+    }
+    if (!m_onFrame) {
         return;
     }
     if (!m_recorded) {

@@ -15,11 +15,18 @@ namespace zento {
 /// the desktop has changed the size, not more often than 60 times a second, none like the one
 /// before, and the refused one again.
 ///
-/// Until `begin` the newest picture is kept: a still screen sends no second one.
+/// Until `begin` the newest picture is kept: a still screen sends no second one. Who begins again
+/// and again has every picture kept, which costs a copy of it.
 ///
 /// Threading: one thread at a time.
 class StreamFrames {
 public:
+    enum class Keeps : unsigned char { UntilBegin, Always };
+    explicit StreamFrames(Keeps keeps = Keeps::UntilBegin)
+        : m_keeps(keeps)
+    {
+    }
+
     /// `now`: seconds of CLOCK_MONOTONIC here and below.
     void take(const ScreenUpdate& update, double now);
 
@@ -48,6 +55,7 @@ private:
     void deliver(double now);
     BgraView view() const;
 
+    Keeps m_keeps;
     std::optional<Vec2> m_size;
     std::optional<Vec2> m_recorded; // the stream's size at `begin`
     PixelRect m_part;

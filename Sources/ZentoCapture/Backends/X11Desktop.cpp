@@ -143,4 +143,9 @@ std::unique_ptr<ElementLookup> X11Desktop::elementLookup()
     return std::make_unique<AtSpiLookup>(m_displayName);
 }
 
+std::unique_ptr<ScrollWheel> X11Desktop::scrollWheel(const std::stop_token& /*stop*/)
+{
+    return openScrollWheel(m_displayName);
+}
+
 } // namespace zento

@@ -21,6 +21,7 @@ public:
     std::unique_ptr<FrameSource> frameSource(const FrameRequest& request) override;
     std::unique_ptr<InputSource> inputSource() override;
     std::unique_ptr<ElementLookup> elementLookup() override;
+    std::unique_ptr<ScrollWheel> scrollWheel(const std::stop_token& stop) override;
 
 private:
     std::string m_displayName;

@@ -1,6 +1,5 @@
 #include "ZentoCapture/Backends/X11Connection.h"
 #include "ZentoCapture/Backends/X11Keyboard.h"
-#include "ZentoCapture/DesktopKind.h"
 #include "ZentoCapture/ScrollWheel.h"
 #include "ZentoCore/Error.h"
 
@@ -103,15 +102,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<ScrollWheel> openScrollWheel(const std::optional<std::string>& displayName)
+std::unique_ptr<ScrollWheel> openScrollWheel(const std::string& displayName)
 {
-    if (!displayName && environmentFacts().isWaylandSession()) {
-        throw Error(
-            ErrorCode::kNoInput,
-            "a page cannot be scrolled for you here, as a Wayland desktop lets no program turn the "
-            "wheel; shoot the parts that can be seen");
-    }
-    return std::make_unique<X11ScrollWheel>(displayName.value_or(""));
+    return std::make_unique<X11ScrollWheel>(displayName);
 }
 
 } // namespace zento

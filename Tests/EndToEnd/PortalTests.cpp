@@ -181,6 +181,19 @@ protected:
         m_desk.add({.type = RawInputType::LeftUp, .time = monotonicSeconds()});
     }
 
+    /// The whole page, from the top.
+    static ScrolledShot scrollPage(PortalDesktop& desktop, ScrollWheel& wheel)
+    {
+        const auto shoot = [&] { return ScreenshotTool::capture(desktop, Target::Area{kOnPage}); };
+        EXPECT_TRUE(eventually([&] { // the compositor lets windows fade in
+            return shoot().image->pixels().row(0)[20]
+                   == test::Page::colour(static_cast<int>(kOnPage.y));
+        }));
+        return ScrollingCapture::run(kOnPage, {.shoot = shoot, .wheel = wheel, .settle = settle});
+    }
+
+    static constexpr Rect kOnPage{100, 60, 300, 480};
+
     /// Until what happens now is part of the log.
     static void settle()
     {
@@ -704,32 +717,37 @@ TEST_P(ScaledPortalTest, aPageIsScrolledWithAHandThatTheUserLends)
     PortalDesktop desktop(parts());
     const unsigned before = stage().dialogs();
     const auto wheel = desktop.scrollWheel({});
-    const Rect area{100, 60, 300, 480};
-    ASSERT_TRUE(eventually([&] { // the compositor lets windows fade in
-        const Shot first = ScreenshotTool::capture(desktop, Target::Area{area});
-        return first.image->pixels().row(0)[20] == test::Page::colour(static_cast<int>(area.y));
-    }));
-    const ScrolledShot scrolled = ScrollingCapture::run(
-        area,
-        {.shoot = [&] { return ScreenshotTool::capture(desktop, Target::Area{area}); },
-         .wheel = *wheel,
-         .settle = settle});
+    const ScrolledShot scrolled = scrollPage(desktop, *wheel);
     EXPECT_EQ(stage().dialogs(), before + 1);
     const Canvas& image = *scrolled.shot.image;
     const double below = test::Page::kHeight - WaylandStage::kHeight / scale;
-    EXPECT_EQ(image.width(), area.w * scale);
-    ASSERT_EQ(image.height(), (area.h + below) * scale)
-        << testing::PrintToString(stage().clientLines()) << scrolled.seams.size() << ' '
-        << wheel->pointer().value_or(Vec2{}).x << ' ' << wheel->pointer().value_or(Vec2{}).y;
+    EXPECT_EQ(image.width(), kOnPage.w * scale);
+    ASSERT_EQ(image.height(), (kOnPage.h + below) * scale)
+        << testing::PrintToString(stage().clientLines()) << scrolled.seams.size();
     int wrong = 0;
     for (int y = 0; y < image.height(); ++y) {
-        const int row = static_cast<int>(area.y + (y + 0.5) / scale);
+        const int row = static_cast<int>(kOnPage.y + (y + 0.5) / scale);
         // At a fraction of a scale a row may show two stripes.
         const bool isWithin =
             row % test::Page::kStripe > 1 && row % test::Page::kStripe < test::Page::kStripe - 2;
         wrong += isWithin && image.pixels().row(y)[20] != test::Page::colour(row) ? 1 : 0;
     }
     EXPECT_EQ(wrong, 0);
+}
+
+// The pointer stands where the first page was scrolled, and nothing has moved it since.
+TEST_F(PortalTest, aPageUnderAPointerThatStandsStillIsScrolledAsWell)
+{
+    stage().setScale(1);
+    for (const char* page : {"the first", "the second"}) {
+        SCOPED_TRACE(page);
+        stage().startPage();
+        PortalDesktop desktop(parts());
+        const auto wheel = desktop.scrollWheel({});
+        const int height = scrollPage(desktop, *wheel).shot.image->height();
+        EXPECT_EQ(height, kOnPage.h + test::Page::kHeight - WaylandStage::kHeight)
+            << testing::PrintToString(stage().clientLines());
+    }
 }
 
 TEST_F(PortalTest, aHandThatIsNotLentIsASentence)

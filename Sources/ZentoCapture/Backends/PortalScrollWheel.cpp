@@ -26,6 +26,9 @@ PortalScrollWheel::PortalScrollWheel(
     , m_pointer(std::move(pointer))
     , m_devices(std::move(devices))
 {
+    // A desktop without a mouse has a pointer from here on only, and its windows take a moment to
+    // learn of it: they are told before the first turn of the wheel needs them.
+    nudge();
 }
 
 std::optional<Vec2> PortalScrollWheel::pointer()
@@ -42,7 +45,10 @@ void PortalScrollWheel::movePointer(Vec2 pixel)
     const double scale = m_screen->scale();
     const auto place = pointer();
     if (place && std::hypot(place->x - pixel.x, place->y - pixel.y) <= scale) {
-        return; // else the picture from before the first step would be taken for one after it
+        // Not to the same place: the picture from before would be taken for one after it. But a
+        // window that came under a still pointer has it only once it moves.
+        nudge();
+        return;
     }
     const Rect bounds = m_screen->bounds();
     m_screen->session().movePointer({pixel.x / scale - bounds.x, pixel.y / scale - bounds.y});
@@ -53,6 +59,13 @@ void PortalScrollWheel::movePointer(Vec2 pixel)
         }
         m_screen->session().movePointerBy({way->x / scale, way->y / scale});
     }
+}
+
+/// Moves it, and leaves it where it was.
+void PortalScrollWheel::nudge()
+{
+    m_screen->session().movePointerBy({1, 0});
+    m_screen->session().movePointerBy({-1, 0});
 }
 
 /// What is left of it, in pixels, once the pictures show the pointer at rest; nothing if it is

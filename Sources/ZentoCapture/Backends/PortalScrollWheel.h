@@ -25,6 +25,7 @@ public:
     void scroll(int notches, Vec2 pixel) override;
 
 private:
+    void nudge();
     std::optional<Vec2> wayTo(Vec2 pixel);
 
     std::shared_ptr<const PortalScreen> m_screen;

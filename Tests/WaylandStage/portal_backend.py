@@ -106,6 +106,18 @@ class ScreenCast(dbus.service.Object):
         show(State.sessions[session], reply, {})
 
 
+def chosen_window(cast, how):
+    """The window that has the keyboard; one that was just painted gets it a moment later."""
+    patience = time.monotonic() + 10
+    while True:
+        try:
+            return cast.RecordWindow(how)
+        except dbus.DBusException:
+            if time.monotonic() > patience:
+                raise
+            time.sleep(0.01)
+
+
 def show(session, reply, results):
     """Starts what the user has chosen, and answers with that and the results."""
     wanted = session.options
@@ -123,8 +135,7 @@ def show(session, reply, results):
     mode = {1: 0, 2: 1, 4: 2}[int(wanted.get("cursor_mode", 1))]
     how = vardict({"cursor-mode": dbus.UInt32(mode)})
     kind = int(wanted.get("types", MONITOR))
-    # The window that has the keyboard is the one that is chosen.
-    stream = cast.RecordWindow(how) if kind == WINDOW else cast.RecordMonitor("", how)
+    stream = chosen_window(cast, how) if kind == WINDOW else cast.RecordMonitor("", how)
     session.stream_path = stream
     shown = bus.get_object(MUTTER, stream)
     signals = dbus.Interface(shown, MUTTER + ".Stream")

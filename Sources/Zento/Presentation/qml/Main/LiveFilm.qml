@@ -8,6 +8,7 @@ Item {
     readonly property var preview: App.editor.preview
     readonly property bool isPreparing: preview.state === 1
     readonly property bool hasFailed: preview.state === 3
+    readonly property bool isEmpty: preview.state === 2 && App.library.selectedItem.duration === 0
 
     FilmView {
         anchors.fill: parent
@@ -56,8 +57,9 @@ Item {
     Label {
         anchors.centerIn: parent
         width: Math.min(parent.width - 48, 420)
-        visible: film.hasFailed
-        text: film.preview.failure
+        visible: film.hasFailed || film.isEmpty
+        text: film.hasFailed ? film.preview.failure
+            : qsTr("Nothing on the screen changed while this was recorded, so there is no film.")
         horizontalAlignment: Text.AlignHCenter
         wrapMode: Text.Wrap
         Accessible.role: Accessible.AlertMessage

@@ -6,9 +6,9 @@
 #include <QDateTime>
 #include <QString>
 
-namespace zento {
+// What a recording is called in the user's language. Dates are in the local time zone.
 
-/// What a recording is called in the user's language. Dates are in the local time zone.
+namespace zento {
 
 /// The title, or the date, or the folder's name where there is neither.
 QString nameOf(const SessionItem& item);

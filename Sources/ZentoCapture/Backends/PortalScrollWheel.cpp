@@ -61,7 +61,7 @@ void PortalScrollWheel::movePointer(Vec2 pixel)
     }
 }
 
-/// Moves it, and leaves it where it was.
+/// Moves it, and leaves it where it was; at the right edge a point beside that.
 void PortalScrollWheel::nudge()
 {
     m_screen->session().movePointerBy({1, 0});
